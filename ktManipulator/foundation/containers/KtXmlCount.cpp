@@ -1,0 +1,47 @@
+#include "ktManipulator/foundation/containers/KtXmlCount.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "ktManipulator/foundation/containers/KtXmlBasicType.h"
+#include "ktManipulator/foundation/xml/KtXmlReader.h"
+#include "ktManipulator/foundation/xml/KtXmlWriter.h"
+
+namespace Kt::detail {
+
+namespace {
+
+// What a container of 32-bit pointers can hold at most; files keep to it on every platform.
+constexpr long kLargestCount = 0x3fffffff;
+// A digit and a blank are the least that describes an element, and memory grows by no more than a
+// fixed factor over the text: a real takes 12 times the bytes of its shortest text.
+constexpr std::size_t kLeastBytesPerElement = 2;
+constexpr std::size_t kMostMemoryPerByte = 32;
+
+}  // namespace
+
+XmlCount readXmlCount(KtXmlReader& reader, std::size_t elementBytes) {
+  XmlCount count;
+  for (unsigned i = 0, attributes = reader.attributeCount(); i < attributes; ++i) {
+    if (reader.nextAttributeToken() != KtXml::KtCountToken) continue;
+    count.expected = std::strtol(reader.attributeValue().c_str(), nullptr, 10);
+    count.refused = count.expected < 0 || count.expected > kLargestCount;
+    if (count.refused) {
+      reader.reportError("a container can't have the announced " + reader.attributeValue() +
+                         " elements");
+      return count;
+    }
+    const std::size_t bytes = reader.remainingBytes();
+    count.reserve =
+        std::min({static_cast<std::size_t>(count.expected), bytes / kLeastBytesPerElement,
+                  bytes * kMostMemoryPerByte / std::max<std::size_t>(elementBytes, 1)});
+  }
+  return count;
+}
+
+bool writeXmlCount(KtXmlWriter& writer, std::size_t count) {
+  writer.beginAttribute(KtXml::KtCountToken);
+  return KtXmlBasicType<KtU32>(static_cast<KtU32>(count)).write(writer);
+}
+
+}  // namespace Kt::detail

@@ -1,0 +1,3 @@
+#include "ktManipulator/foundation/containers/KtXmlSetType.h"
+
+template class KtXmlSetType<KtXmlBasicType<unsigned int>>;

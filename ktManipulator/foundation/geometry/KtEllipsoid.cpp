@@ -1,0 +1,5 @@
+#include "ktManipulator/foundation/geometry/KtEllipsoid.h"
+
+#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
+
+template class KtXmlRecord<KtEllipsoid>;

@@ -1,0 +1,5 @@
+#include "ktManipulator/foundation/geometry/KtPlane.h"
+
+#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
+
+template class KtXmlRecord<KtPlane>;

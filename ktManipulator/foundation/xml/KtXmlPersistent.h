@@ -1,0 +1,36 @@
+#pragma once
+
+#include "ktManipulator/foundation/xml/KtXmlObject.h"
+
+/// The operations that every concrete persistent class answers in the same way, between a class
+/// `Cls` and its base. It adds no virtual operation, so that the order of those of `Cls` is that of
+/// its base followed by its own.
+///
+/// @tparam Cls   the class; it has a static `classToken()`, is default-constructible and comparable
+/// @tparam Base  its base
+template <class Cls, class Base = KtXmlObject>
+class KtXmlPersistent : public Base {
+ public:
+  using Base::Base;
+
+  KtXmlObject* clone() const override { return new Cls(self()); }
+  bool equality(const KtXmlObject* other) const override {
+    const auto* same = dynamic_cast<const Cls*>(other);
+    return same != nullptr && self() == *same;
+  }
+  KtXmlObject* newObject() const override { return new Cls(); }
+  const KtToken& token() const override { return Cls::classToken(); }
+
+  /// The value that stands for nothing: a default-constructed object.
+  static Cls nullObject() { return Cls(); }
+  /// A new default-constructed object, for holders that make objects by name; the caller owns it.
+  static KtXmlObject* creator() { return new Cls(); }
+
+  bool operator==(const KtXmlPersistent&) const = default;
+
+ protected:
+  KtXmlPersistent() = default;
+
+ private:
+  const Cls& self() const noexcept { return static_cast<const Cls&>(*this); }
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+
+/// Persistence of a small value with a fixed list of fields, without a table per object: such
+/// values pass through inner loops and hold no memory beyond themselves.
+///
+/// `Cls` lists its fields once, in file order, in a function that takes constant and other objects:
+/// @code
+///   template <class Self, class Visit>
+///   static void forEachField(Self& self, Visit&& visit) {
+///     visit(KtFoundCommon::KtLinearToken, self.linear_);
+///   }
+/// @endcode
+/// A field is a persistent object, a vector, an orientation, a real or an integer. In a file it
+/// stands in a child of its name; children come in any order, and those that are missing keep their
+/// values. An unknown child is reported, skipped, and makes `read` false.
+///
+/// The members are defined in `KtXmlRecordImpl.h`, for the one source that instantiates the class.
+template <class Cls>
+class KT_EXPORT KtXmlRecord : public KtXmlPersistent<Cls, KtXmlObject> {
+ public:
+  bool read(KtXmlReader& reader) override;
+  bool write(KtXmlWriter& writer) const override;
+  void writeSchema(KtXmlSchema& schema) const override;
+
+  bool operator==(const KtXmlRecord&) const noexcept { return true; }
+};

@@ -1,0 +1,30 @@
+/// @file
+/// The element names of the persistence layer: the structural tags of containers and the one
+/// attribute that files have.
+#pragma once
+
+#include "ktManipulator/foundation/xml/KtToken.h"
+
+/// Names that the persistence layer itself writes and reads.
+namespace KtXml {
+
+/// The XML namespace of every element that the library writes. An element of a file without a
+/// namespace counts as one of this namespace, so that a file written by hand may leave it out.
+inline constexpr const char* namespaceName = "http://ktmanipulator.org/namespace/mn#";
+
+KT_EXPORT extern const KtToken KtAddLibrariesToken;  ///< "addLibraries"
+KT_EXPORT extern const KtToken KtCountToken;         ///< Attribute "count", without a namespace
+KT_EXPORT extern const KtToken KtElementToken;       ///< "element"
+KT_EXPORT extern const KtToken KtFirstToken;         ///< "first"
+KT_EXPORT extern const KtToken KtGroupToken;         ///< "group"
+KT_EXPORT extern const KtToken KtKeyToken;           ///< "key"
+KT_EXPORT extern const KtToken KtMapTypeToken;       ///< "map"
+KT_EXPORT extern const KtToken KtPairTypeToken;      ///< "pair"
+KT_EXPORT extern const KtToken KtSecondToken;        ///< "second"
+KT_EXPORT extern const KtToken KtSetTypeToken;       ///< "set"
+KT_EXPORT extern const KtToken KtValueToken;         ///< "value"
+KT_EXPORT extern const KtToken KtVectorTypeToken;    ///< "vector"
+KT_EXPORT extern const KtToken KtBasicTypeToken;     ///< "basic": a single value
+KT_EXPORT extern const KtToken KtEnumTypeToken;      ///< "enum": a single enumeration value
+
+}  // namespace KtXml
