@@ -1,0 +1,257 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "support/Allocations.h"
+#include "support/KtLogCapture.h"
+#include "support/Samples.h"
+
+namespace {
+
+using Real = KtXmlBasicType<double>;
+using RealVector = KtXmlVectorType<Real>;
+using TextVector = KtXmlVectorType<KtXmlBasicType<std::string>>;
+
+std::string nested(std::size_t levels) {
+  std::string text = "<sampleNode>";
+  for (std::size_t i = 0; i < levels; ++i) text += "<children count='1'><element>";
+  text += "<label>innermost</label>";
+  for (std::size_t i = 0; i < levels; ++i) text += "</element></children>";
+  return text + "</sampleNode>";
+}
+
+TEST(BadInput, EveryCutIsNoticed) {
+  const KtLogCapture log;
+  for (const Sample& sample : allSamples()) {
+    SCOPED_TRACE(sample.name);
+    const auto original = sample.make();
+    std::string text = KtXmlWriter::writeString(*original);
+    while (text.back() == '\n') text.pop_back();
+    for (std::size_t length = 0; length < text.size(); length += 1 + length / 40) {
+      const std::unique_ptr<KtXmlObject> object(original->newObject());
+      ASSERT_FALSE(KtXmlReader::readString(text.substr(0, length), *object)) << length;
+    }
+  }
+}
+
+// No assertion but the sanitizers' and the bound on memory: whatever the bytes are, reading ends.
+TEST(BadInput, RandomDamageIsSurvived) {
+  const KtLogCapture log;
+  std::mt19937_64 random(20240501);
+  for (const Sample& sample : allSamples()) {
+    SCOPED_TRACE(sample.name);
+    const auto original = sample.make();
+    const std::string text = KtXmlWriter::writeString(*original);
+    for (int round = 0; round < 200; ++round) {
+      std::string damaged = text;
+      for (int i = 0; i < 3; ++i) {
+        const std::size_t at = random() % damaged.size();
+        switch (random() % 4) {
+          case 0:
+            damaged[at] = static_cast<char>(random());
+            break;
+          case 1:
+            damaged.erase(at, random() % 20);
+            break;
+          case 2:
+            damaged.insert(at, damaged.substr(random() % damaged.size(), 15));
+            break;
+          default:
+            damaged[at] = "<>/\"0 &;"[random() % 8];
+            break;
+        }
+        if (damaged.empty()) damaged = "x";
+      }
+      const std::unique_ptr<KtXmlObject> object(original->newObject());
+      const Allocations allocations;
+      KtXmlReader::readString(damaged, *object);
+      ASSERT_LT(allocations.largest(), std::size_t{1} << 20) << damaged;
+      // What was read can be copied, compared and written.
+      const std::unique_ptr<KtXmlObject> copy(object->clone());
+      KtXmlWriter::writeString(*copy);
+    }
+  }
+}
+
+TEST(BadInput, CountsThatLieSetNoMemoryAside) {
+  for (const char* text :
+       {"<vector count='1000000000'><group>1 2</group></vector>", "<vector count='1073741823'/>"}) {
+    const KtLogCapture log;
+    const Allocations allocations;
+    RealVector list;
+    EXPECT_TRUE(KtXmlReader::readString(text, list));
+    EXPECT_LT(allocations.largest(), std::size_t{1} << 20);
+  }
+  for (const char* count : {"1073741824", "99999999999999999999", "-1", "4294967295"}) {
+    const KtLogCapture log;
+    const std::string text = std::string(" count='") + count + "'><group>1</group></";
+    RealVector list(2);
+    EXPECT_FALSE(KtXmlReader::readString("<vector" + text + "vector>", list));
+    EXPECT_EQ(list.size(), 0U);
+    EXPECT_TRUE(log.contains(std::string("text:1: a container can't have the announced ") + count));
+    SampleFunctionVector functions;
+    EXPECT_FALSE(KtXmlReader::readString("<sampleFunctionVector" + text + "sampleFunctionVector>",
+                                         functions));
+    KtXmlSetType<KtXmlBasicType<KtU32>> set;
+    EXPECT_FALSE(KtXmlReader::readString("<set" + text + "set>", set));
+    // The owner's next member is read all the same.
+    KtXmlPairType<RealVector, Real> pair;
+    KtXmlReader::readString("<pair><first" + text + "first><second>3</second></pair>", pair);
+    EXPECT_EQ(pair.second(), 3.0);
+  }
+  // A correct count causes one allocation for the elements.
+  RealVector list(20000, Real(0.5));
+  const std::string text = KtXmlWriter::writeString(list);
+  std::istringstream stream(text);
+  KtXmlReader reader("text", stream);
+  RealVector back;
+  const std::size_t bytes = 20000 * sizeof(Real);
+  const Allocations allocations;
+  EXPECT_TRUE(reader.readDocument(back));
+  EXPECT_EQ(allocations.largest(), bytes);
+  EXPECT_EQ(back.vectorContainer().capacity(), 20000U);
+  EXPECT_EQ(back, list);
+}
+
+TEST(BadInput, ValuesThatAreNoneKeepWhatWasThere) {
+  struct Row {
+    const char *text, *message;
+  };
+  for (const Row& row : {
+           Row{"<sampleNode>\n\n<weight>1.5x</weight></sampleNode>",
+               "text:3: \"1.5x\" is not a number"},
+           Row{"<sampleNode><weight></weight></sampleNode>", "\"\" is not a number"},
+           Row{"<sampleNode><weight/></sampleNode>", "\"\" is not a number"},
+           Row{"<sampleNode><weight>0x10</weight></sampleNode>", "\"0x10\" is not a number"},
+           Row{"<sampleNode><weight>1,5</weight></sampleNode>", "\"1,5\" is not a number"},
+           Row{"<sampleNode><weight>nan</weight></sampleNode>", "\"nan\" is not a number"},
+           Row{"<sampleNode><weight>1<b/>2</weight></sampleNode>", "<b> stands in a text"},
+           Row{"<sampleNode kind='-1'/>", "\"-1\" is not an unsigned integer"},
+           Row{"<sampleNode kind='4294967296'/>", "\"4294967296\" is not an unsigned"},
+           Row{"<sampleNode sort='1'/>", "\"sort\" is not an attribute of sampleNode"},
+           Row{"<sampleNode><mode>flying</mode></sampleNode>",
+               "\"flying\" is none of: idle, running"},
+           Row{"<sampleNode><wieght>1</wieght></sampleNode>",
+               "<wieght> is not an element of sampleNode"},
+           Row{"<sampleNode>stray<weight>3</weight></sampleNode>", "text where elements"},
+           Row{"<sampleNode><motion><linear>1 2</linear></motion></sampleNode>",
+               "expected 3 numbers but received 2"},
+           Row{"<sampleNode><motion><linear>1 2 3 4</linear></motion></sampleNode>",
+               "expected 3 numbers but received 4"},
+           Row{"<sampleNode><motion><angle>1</angle></motion></sampleNode>",
+               "<angle> is not an element of generalVelocity"},
+           Row{"<otherNode/>", "expected the root element <sampleNode> but received <otherNode>"},
+           Row{"<sampleNode/><more/>", "text:1: junk after document element"},
+       }) {
+    SCOPED_TRACE(row.text);
+    const KtLogCapture log;
+    SampleNode node;
+    node.weight = 3.0;
+    node.kind = 2U;
+    EXPECT_FALSE(KtXmlReader::readString(row.text, node));
+    EXPECT_TRUE(log.contains(row.message)) << log.text();
+    EXPECT_EQ(node.weight, 3.0);
+    EXPECT_EQ(node.kind, 2U);
+    EXPECT_EQ(node.motion, KtGeneralMotion());
+  }
+  const KtLogCapture log;
+  RealVector list;
+  EXPECT_FALSE(
+      KtXmlReader::readString("<vector count='4'><group>1\n2\nthree\n4</group></vector>", list));
+  EXPECT_THAT(list.vectorContainer(), testing::ElementsAre(1.0, 2.0, 0.0, 4.0));
+  EXPECT_EQ(log.text(), "text:3: \"three\" is not a number\n");
+  // Beyond the range of a double a number is still one.
+  EXPECT_TRUE(KtXmlReader::readString(
+      "<vector count='5'><group>1e999 -1e999 1e-999 +2 .5</group></vector>", list));
+  EXPECT_THAT(list.vectorContainer(), testing::ElementsAre(HUGE_VAL, -HUGE_VAL, 0.0, 2.0, 0.5));
+}
+
+TEST(BadInput, NestingHasALimit) {
+  SampleNode node;
+  EXPECT_TRUE(KtXmlReader::readString(nested(1000), node));
+  const SampleNode* innermost = &node;
+  while (innermost->children.size() != 0) innermost = &innermost->children[0];
+  EXPECT_EQ(innermost->label, "innermost");
+  SampleNode back;
+  EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(node), back));
+  EXPECT_EQ(back, node);
+
+  const KtLogCapture log;
+  EXPECT_FALSE(KtXmlReader::readString(nested(50000), node));
+  EXPECT_TRUE(log.contains("elements are nested deeper than 3000 levels"));
+  EXPECT_FALSE(KtXmlReader::readString(std::string(100000, '<'), node));
+  std::string unknown;
+  for (int i = 0; i < 100000; ++i) unknown += "<a>";
+  EXPECT_FALSE(KtXmlReader::readString("<sampleNode>" + unknown, node));
+}
+
+TEST(BadInput, EntitiesAndEncodings) {
+  const auto read = [](const std::string& text, std::string& message) {
+    const KtLogCapture log;
+    KtXmlBasicType<std::string> value(std::string("kept"));
+    KtXmlReader::readString(text, value);
+    message = log.text();
+    return value.value();
+  };
+  std::string message;
+  const std::string bomb =
+      "<!DOCTYPE basic [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>"
+      "<!ENTITY c SYSTEM 'file:///etc/passwd'>]><basic>&b;&c;</basic>";
+  EXPECT_EQ(read(bomb, message), "kept");
+  EXPECT_THAT(message, testing::HasSubstr("a document type declaration is not accepted"));
+  EXPECT_EQ(read("<basic>&undefined;</basic>", message), "kept");
+  EXPECT_THAT(message, testing::HasSubstr("undefined entity"));
+  EXPECT_EQ(read("<?xml version='1.0' encoding='EBCDIC'?><basic>x</basic>", message), "kept");
+  EXPECT_THAT(message, testing::HasSubstr("encoding"));
+  EXPECT_EQ(read("<basic>caf\xE9</basic>", message), "kept");
+  EXPECT_THAT(message, testing::HasSubstr("not well-formed"));
+  EXPECT_EQ(read("<?xml version='1.0' encoding='ISO-8859-1'?><basic>caf\xE9</basic>", message),
+            "caf\xC3\xA9");
+  std::string wide = "\xFE\xFF";
+  for (const char c : std::string("<basic>wide</basic>")) wide += std::string(1, '\0') + c;
+  EXPECT_EQ(read(wide, message), "wide");
+  EXPECT_EQ(message, "");
+  EXPECT_EQ(read("\xEF\xBB\xBF<basic><![CDATA[<&]]></basic>", message), "<&");
+}
+
+TEST(BadInput, DocumentsThatCantBeRead) {
+  const KtLogCapture log;
+  Real value;
+  EXPECT_FALSE(KtXmlReader::readFile("/no/such/file.xml", value));
+  EXPECT_TRUE(log.contains("/no/such/file.xml:1: the document can't be opened"));
+  EXPECT_FALSE(KtXmlReader::readFile(testing::TempDir(), value));
+  EXPECT_TRUE(log.contains("can't be read"));
+  EXPECT_FALSE(KtXmlReader::readString("", value));
+  EXPECT_TRUE(log.contains("text:1: no element found"));
+  // A reader that is asked on says that there is nothing.
+  KtXmlReader reader("/no/such/file.xml");
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(reader.nextEvent(), KtXmlReader::kNone);
+  EXPECT_TRUE(reader.failed());
+}
+
+// The parser hands out a document in pieces; a value may lie across any border between them.
+TEST(BadInput, ValuesSurviveTheBordersOfPieces) {
+  for (std::size_t shift = 0; shift < 30; ++shift) {
+    RealVector reals;
+    TextVector texts;
+    std::mt19937_64 random(shift);
+    for (int i = 0; i < 12000; ++i) {
+      reals.pushBack(static_cast<double>(random()) / 3.0);
+      texts.pushBack(i % 2 == 0 ? "two \"words\" " + std::to_string(random()) : "plain\\word");
+    }
+    const std::string padding = "<!--" + std::string(shift, '-' + 1) + "-->";
+    RealVector realsBack;
+    TextVector textsBack;
+    EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(reals) + padding, realsBack));
+    std::string text = KtXmlWriter::writeString(texts);
+    text.insert(text.find("<vector"), padding);
+    EXPECT_TRUE(KtXmlReader::readString(text, textsBack));
+    EXPECT_EQ(realsBack, reals);
+    EXPECT_EQ(textsBack, texts);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,383 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "support/KtLogCapture.h"
+#include "support/Samples.h"
+
+namespace {
+
+using testing::ElementsAre;
+using Real = KtXmlBasicType<double>;
+using U32 = KtXmlBasicType<KtU32>;
+using Text = KtXmlBasicType<std::string>;
+using Message = KtLogCapture::Message;
+constexpr auto kError = Kt::Print::kError;
+constexpr auto kDiagnostic = Kt::Print::kDiagnostic;
+
+template <class Container>
+bool readInto(Container& container, const std::string& text) {
+  return KtXmlReader::readString(text, container);
+}
+
+std::vector<double> values(const KtXmlVectorType<Real>& list) {
+  return {list.vectorContainer().begin(), list.vectorContainer().end()};
+}
+
+TEST(VectorType, ReadsEveryForm) {
+  struct Row {
+    const char *what, *text, *messages;
+    std::vector<double> values;
+  };
+  const std::string mismatch = "KtXmlVectorType Error: array size not equal to attribute value -- ";
+  const Row rows[] = {
+      {"group", "<vector count='2'><group>1 2</group></vector>", "", {1, 2}},
+      {"group over lines", "<vector count='2'>\n <group>\n1\n\t2 </group>\n</vector>", "", {1, 2}},
+      {"comment in group", "<vector count='2'><group>1 <!-- c -->2</group></vector>", "", {1, 2}},
+      {"reference in a value", "<vector count='1'><group>1&#50;3</group></vector>", "", {123}},
+      {"empty", "<vector count='0'></vector>", "", {}},
+      {"no content", "<vector/>", "", {}},
+      {"no content, count not checked", "<vector count='5'/>", "", {}},
+      {"element per value",
+       "<vector count='3'><element>1</element><other>2</other><element>3</element></vector>",
+       "",
+       {1, 2, 3}},
+      {"two groups and an element",
+       "<vector count='4'><group>1 2</group><element>3</element><group>4</group></vector>",
+       "",
+       {1, 2, 3, 4}},
+      {"more than announced",
+       "<vector count='3'>\n<group>1 2 3 4</group></vector>",
+       "3, actual -- 4\nFilename: text, Line count: 2\n",
+       {1, 2, 3, 4}},
+      {"no count",
+       "<vector><group>1</group></vector>",
+       "0, actual -- 1\nFilename: text, Line count: 1\n",
+       {1}},
+      {"count that is no number",
+       "<vector count='x'><group>1</group></vector>",
+       "0, actual -- 1\nFilename: text, Line count: 1\n",
+       {1}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    const KtLogCapture log;
+    KtXmlVectorType<Real> list(7, 7.0);
+    EXPECT_TRUE(readInto(list, row.text));
+    EXPECT_EQ(values(list), row.values);
+    EXPECT_EQ(log.text(), *row.messages == '\0' ? "" : mismatch + row.messages);
+    for (const auto& message : log.messages()) EXPECT_EQ(message.type, kDiagnostic);
+  }
+  const KtLogCapture log;
+  KtXmlVectorType<Real> list;
+  EXPECT_TRUE(
+      readInto(list, "<vector count='1'><group></group><group/><element>4</element></vector>"));
+  EXPECT_THAT(values(list), ElementsAre(4));
+  EXPECT_THAT(
+      log.messages(),
+      testing::Each(Message{kError, "KtXmlVectorType Error: XML parser should be in data mode\n"}));
+  EXPECT_EQ(log.messages().size(), 2U);
+}
+
+TEST(VectorType, EditsAndRefuses) {
+  KtLogCapture log;
+  KtXmlVectorType<U32> list;
+  for (KtU32 i = 0; i < 5; ++i) list.pushBack(i);
+  EXPECT_TRUE(list.leftRotate(2));
+  EXPECT_FALSE(list.leftRotate(5));
+  EXPECT_THAT(list.vectorContainer(), ElementsAre(2U, 3U, 4U, 0U, 1U));
+  EXPECT_TRUE(list.erase(2, 2));
+  EXPECT_TRUE(list.erase(1, 3));
+  EXPECT_TRUE(list.erase(0));
+  EXPECT_THAT(list.vectorContainer(), ElementsAre(0U, 1U));
+  list.append(list);
+  list.resizeToAtLeast(3);
+  list.resize(5);
+  EXPECT_THAT(list.vectorContainer(), ElementsAre(0U, 1U, 0U, 1U, 0U));
+  EXPECT_EQ(log.text(), "");
+  EXPECT_FALSE(list.erase(5));
+  EXPECT_FALSE(list.erase(2, 6));
+  EXPECT_FALSE(list.erase(3, 2));
+  EXPECT_THAT(
+      log.messages(),
+      ElementsAre(
+          Message{kError,
+                  "KtXmlVectorType<ElementType>::erase(): index (5) exceeds vector size (5).\n"},
+          Message{kError, "index (6) exceeds vector size ( 5).\n"},
+          Message{kError, "first (3) is bigger than last (2).\n"}));
+}
+
+TEST(VectorType, StreamsPieceByPiece) {
+  KtXmlVectorType<Real> list(2, 1.0);
+  std::ostringstream stream;
+  KtXmlWriter* writer = nullptr;
+  EXPECT_FALSE(list.writeBodyToStream(writer));
+  EXPECT_FALSE(list.appendElementToStream(writer, 3.0));
+  EXPECT_FALSE(list.writeFooterToStream(writer));
+  ASSERT_TRUE(list.writeHeaderToStream(stream, writer, "out", list.token()));
+  EXPECT_TRUE(list.writeBodyToStream(writer));
+  EXPECT_TRUE(list.appendElementToStream(writer, 3.0));
+  EXPECT_TRUE(list.writeFooterToStream(writer));
+  EXPECT_EQ(writer, nullptr);
+  const KtLogCapture log;
+  KtXmlVectorType<Real> back;
+  EXPECT_TRUE(readInto(back, stream.str()));
+  EXPECT_THAT(values(back), ElementsAre(1, 1, 3));
+  EXPECT_TRUE(log.contains("-- 2, actual -- 3"));
+  stream.setstate(std::ios::failbit);
+  EXPECT_FALSE(list.writeHeaderToStream(stream, writer, "out", list.token()));
+
+  std::ostringstream objects;
+  SampleFunctionVector functions;
+  functions.pushBack(KtLinearScalarFunction(1.0, 2.0));
+  ASSERT_TRUE(functions.writeHeaderToStream(objects, writer, "out", functions.token()));
+  EXPECT_TRUE(functions.writeBodyToStream(writer));
+  EXPECT_TRUE(functions.appendElementToStream(writer, KtLinearScalarFunction(3.0, 4.0)));
+  EXPECT_TRUE(functions.writeFooterToStream(writer));
+  SampleFunctionVector read;
+  EXPECT_TRUE(readInto(read, objects.str()));
+  ASSERT_EQ(read.size(), 2U);
+  EXPECT_EQ(read[1].evaluate(1.0), 4.0);
+}
+
+TEST(SetType, CollapsesDuplicates) {
+  const KtLogCapture log;
+  KtXmlSetType<U32> set(U32(99U));
+  EXPECT_TRUE(readInto(set, "<set count='2'><group>5 3 5</group></set>"));
+  EXPECT_THAT(set.setContainer(), ElementsAre(3U, 5U));
+  EXPECT_THAT(log.messages(),
+              ElementsAre(Message{kDiagnostic,
+                                  "KtXmlSetType Error: set size not equal to attribute value -- "
+                                  "2, actual -- 3\n"}));
+  set.add(3U);
+  EXPECT_EQ(set.size(), 2U);
+  EXPECT_TRUE(set.erase(3U));
+  EXPECT_FALSE(set.erase(3U));
+  EXPECT_FALSE(set.find(3U));
+}
+
+using TextToReal = KtXmlMapType<Text, Real>;
+
+TEST(MapType, ReadsWhatItCan) {
+  struct Row {
+    const char *what, *entries;
+    bool ok;
+    std::map<std::string, double> values;
+  };
+  const Row rows[] = {
+      {"later value wins",
+       "<element><key>a</key><value>1</value></element>"
+       "<element><key>a</key><value>2</value></element>",
+       true,
+       {{"a", 2}}},
+      {"value without content",
+       "<element><key>a</key><value>1</value></element><element><key>a</key><value/></element>",
+       true,
+       {{"a", 0}}},
+      {"entry without content ends it",
+       "<element><key>a</key><value>1</value></element><element/>"
+       "<element><key>b</key><value>2</value></element>",
+       true,
+       {{"a", 1}}},
+      {"wrong tag",
+       "<element><key>a</key><value>1</value></element><entry/><entry></entry>",
+       true,
+       {{"a", 1}}},
+      {"wrong tag with content",
+       "<element><key>a</key><value>1</value></element><entry>x</entry>",
+       false,
+       {{"a", 1}}},
+      {"key without content", "<element><key/><value>1</value></element>", false, {}},
+      {"no value", "<element><key>a</key></element>", false, {{"a", 0}}},
+      {"too much",
+       "<element><key>a</key><value>1</value><value>2</value></element>",
+       false,
+       {{"a", 1}}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    const KtLogCapture log;
+    // Abandoned midway or not, what stands behind the map must still be read.
+    KtXmlPairType<TextToReal, Real> pair;
+    EXPECT_EQ(readInto(pair, std::string("<pair><first>") + row.entries +
+                                 "</first><second>7</second></pair>"),
+              row.ok);
+    std::map<std::string, double> read;
+    for (const auto& [key, value] : pair.first().mapContainer()) read[key.value()] = value;
+    EXPECT_EQ(read, row.values);
+    EXPECT_EQ(pair.second(), 7.0);
+    EXPECT_EQ(log.contains("KtXmlMapType Error: file not valid.\n\tKey map format not "
+                           "correct.\n\tFile: text\n\tLine: 1"),
+              !row.ok);
+  }
+  const KtLogCapture log;
+  TextToReal map;
+  EXPECT_FALSE(readInto(map, "<map><entry>x</entry></map>"));
+  EXPECT_EQ(log.messages().back().text, "\tExpected " + KtXml::KtElementToken.text() +
+                                            " but received " + KtManip::ns.text() + "entry.");
+}
+
+TEST(MapType, LooksUp) {
+  TextToReal map(std::string("b"), 2.0);
+  map.add(std::string("a"), 1.0);
+  map.add(std::string("b"), 3.0);
+  Real value = 9.0;
+  EXPECT_FALSE(map.lookup(std::string("c"), value));
+  EXPECT_EQ(value, 9.0);
+  EXPECT_TRUE(map.lookup(std::string("b"), value));
+  EXPECT_EQ(value, 3.0);
+  KtU32 index = 7;
+  EXPECT_TRUE(map.keyIndex(std::string("b"), index));
+  EXPECT_EQ(index, 1U);
+  EXPECT_FALSE(map.keyIndex(std::string("c"), index));
+  EXPECT_EQ(index, 2U);
+  Text key;
+  EXPECT_TRUE(map.indexKey(0, key));
+  EXPECT_EQ(key, "a");
+  EXPECT_FALSE(map.indexKey(2, key));
+  EXPECT_TRUE(map.erase(std::string("a")));
+  EXPECT_FALSE(map.erase(std::string("a")));
+}
+
+TEST(PairType, ComplainsAboutOtherChildrenAndGoesOn) {
+  const KtLogCapture log;
+  KtXmlPairType<Text, Real> pair(std::string("kept"), 1.0);
+  EXPECT_FALSE(readInto(pair, "<pair><third>x</third><second>2</second></pair>"));
+  EXPECT_EQ(pair.first(), "kept");
+  EXPECT_EQ(pair.second(), 2.0);
+  EXPECT_EQ(log.text(),
+            "KtXmlPairType Error: file not valid.\n\tFormat not correct.\n\tFile: text\n\tLine: 1"
+            "\tExpected " +
+                KtXml::KtFirstToken.text() + " or " + KtXml::KtSecondToken.text() +
+                " but received " + KtManip::ns.text() + "third.");
+  EXPECT_TRUE(readInto(pair, "<pair/>"));
+  EXPECT_EQ(pair.second(), 2.0);
+}
+
+TEST(VariableVector, KeepsTheRulesOfOwnership) {
+  KtLogCapture log;
+  SampleFunctionVector list;
+  for (int i = 0; i < 4; ++i) list.pushBack(KtLinearScalarFunction(i, 10 * i));
+  const SampleFunctionVector copy = list;
+  EXPECT_EQ(copy, list);
+  EXPECT_TRUE(list.exchange(0, list[3]));
+  EXPECT_EQ(list[0].evaluate(1.0), 30.0);
+  EXPECT_FALSE(list == copy);
+  EXPECT_TRUE(list.erase(1, 3));
+  EXPECT_TRUE(list.erase(0));
+  EXPECT_EQ(list.size(), 1U);
+  list.resize(5);
+  EXPECT_EQ(list.size(), 1U) << "never grows";
+  KtLinearScalarFunction function(7.0, 8.0);
+  list.assign(3, function);
+  list.resize(2);
+  EXPECT_EQ(list.size(), 2U);
+  EXPECT_EQ(log.text(), "");
+
+  EXPECT_FALSE(list.exchange(2, function));
+  EXPECT_FALSE(list.erase(2));
+  EXPECT_FALSE(list.erase(2, 2));
+  EXPECT_FALSE(list.erase(0, 3));
+  EXPECT_EQ(list[9].evaluate(0.0), 7.0);
+  EXPECT_THAT(
+      log.messages(),
+      ElementsAre(
+          Message{kError, "KtXmlVariableVectorType<ElementType>::exchange: bad index, 2\n"},
+          Message{kError, "KtXmlVariableVectorType<ElementType>::erase: bad index, 2\n"},
+          Message{kError,
+                  "KtXmlVariableVectorType<ElementType>::erase: bad first/last indices: 2/2\n"},
+          Message{kError,
+                  "KtXmlVariableVectorType<ElementType>::erase: bad first/last indices: 0/3\n"},
+          Message{kError,
+                  "KtXmlVariableVectorType<ElementType>::operator[]: bad index\n"
+                  "Will attempt to return the first vector element.\n"}));
+
+  const SampleFunctionVector nulls(2);
+  EXPECT_FALSE(nulls == nulls);
+  EXPECT_FALSE(nulls.equality(&nulls));
+  EXPECT_EQ(nulls[0].evaluate(1.0), 0.0) << "an object beside the list stands in";
+  EXPECT_EQ(SampleFunctionVector(nulls).size(), 2U);
+  const std::string text = KtXmlWriter::writeString(nulls);
+  EXPECT_THAT(text, testing::HasSubstr("count=\"2\"/>"));
+}
+
+TEST(VariableHolders, ReportUnknownTags) {
+  const std::string known = "<linearScalarFunction><endValue>2</endValue></linearScalarFunction>";
+  const std::string children = known + "<mystery><deep/></mystery>" + known;
+  const std::string ns = KtManip::ns.text();
+  {
+    const KtLogCapture log;
+    SampleFunctionVector list;
+    EXPECT_FALSE(
+        readInto(list, "<sampleFunctionVector count='3'>" + children + "</sampleFunctionVector>"));
+    EXPECT_EQ(list.size(), 2U) << "what can be read is read";
+    EXPECT_EQ(log.text(), "KtXmlVariableVectorType::readValueFromToken() error:\n\t\t\"" + ns +
+                              "mystery\" tag not registered.\n");
+  }
+  {
+    const KtLogCapture log;
+    SampleFunctionHolder holder;
+    EXPECT_FALSE(
+        readInto(holder, "<sampleFunctionHolder>" + known + "<mystery/></sampleFunctionHolder>"));
+    EXPECT_EQ(holder.element(), nullptr);
+    EXPECT_EQ(log.text(), "KtXmlVariableElementType::readValueFromToken() error:\n\t\t\"" + ns +
+                              "mystery\" tag not registered.\n");
+    EXPECT_TRUE(readInto(holder, "<sampleFunctionHolder>" + known + "</sampleFunctionHolder>"));
+    ASSERT_NE(holder.element(), nullptr);
+    EXPECT_EQ(holder.element()->evaluate(1.0), 2.0);
+  }
+}
+
+TEST(LabelMap, IsSymmetricAndRefuses) {
+  KtLogCapture log;
+  KtLabelAssociatedRealMap map;
+  map.addLabel("a");
+  map.addLabel("b");
+  map.addLabel("a");
+  EXPECT_TRUE(map.setValue("a", "b", 0.5));
+  EXPECT_EQ(map.value("b", "a"), 0.5);
+  EXPECT_EQ(map.valueByIndex(0, 1), 0.5);
+  EXPECT_EQ(map.value("b", "b"), 0.0);
+  EXPECT_EQ(log.text(), "");
+  EXPECT_FALSE(map.setValue("a", "x", 1.0));
+  EXPECT_EQ(map.value("x", "a"), 0.0);
+  EXPECT_EQ(map.valueByIndex(0, 2), 0.0);
+  EXPECT_FALSE(map.setValueByIndex(0, 2, 1.0));
+  EXPECT_THAT(
+      log.messages(),
+      ElementsAre(
+          Message{kError, "KtLabelAssociatedMap::setValue-->label (a) does not exist"},
+          Message{kError, "KtLabelAssociatedMap::value-->label does not exist"},
+          Message{kError,
+                  "KtLabelAssociatedMap::setLinkCollisionCanditate link value (2) exceeds link "
+                  "map dimension\n"},
+          Message{kError,
+                  "KtLabelAssociatedMap::setValueByIndex value (2) exceeds link map dimension\n"}));
+
+  KtLabelAssociatedMap<KtXmlBasicType<bool>> sized;
+  sized.resize(2);
+  EXPECT_TRUE(sized.setValueByIndex(2, 2, true));
+  EXPECT_FALSE(sized.setValueByIndex(3, 0, true));
+  EXPECT_EQ(sized.value("null", "null"), true);
+}
+
+TEST(MultivariableConstraint, WeighsByPosition) {
+  KtLogCapture log;
+  KtLinearMultivariableConstraint constraint;
+  constraint.setConstant(1.0);
+  EXPECT_TRUE(constraint.setCoefficient(1, -2.0));
+  EXPECT_FALSE(constraint.setCoefficient(ktUnmappedIndex, 1.0));
+  EXPECT_FALSE(constraint.setCoefficient(ktBaseIndex, 1.0));
+  EXPECT_EQ(constraint.coefficients().size(), 2U);
+  KtMultivariableConstraintContainer holder;
+  KtXmlVectorType<Real> x(3, 4.0);
+  EXPECT_EQ(holder.evaluate(x), 0.0);
+  EXPECT_TRUE(holder.gradient(x).empty());
+  holder.setTopElement(constraint);
+  EXPECT_EQ(holder.evaluate(x), -7.0);
+  EXPECT_THAT(holder.gradient(x), ElementsAre(0.0, -2.0, 0.0));
+  EXPECT_EQ(holder.evaluate(KtXmlVectorType<Real>(1, 4.0)), 1.0);
+}
+
+}  // namespace

@@ -1,0 +1,520 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+
+#include "ktManipulator/foundation/matrix/KtReArray.h"
+#include "ktManipulator/foundation/matrix/KtSecondMoment.h"
+#include "ktManipulator/foundation/matrix/KtSpatialMatrix.h"
+#include "support/Allocations.h"
+#include "support/KtLogCapture.h"
+
+namespace {
+
+constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+std::mt19937_64& random() {
+  static std::mt19937_64 generator;
+  return generator;
+}
+double uniform(double from = -1.0, double to = 1.0) {
+  return std::uniform_real_distribution<double>(from, to)(random());
+}
+
+class Seeded : public testing::Test {
+ protected:
+  Seeded() { random().seed(20240517); }
+};
+using ReArray = Seeded;
+using SpatialMatrix = Seeded;
+using SecondMoment = Seeded;
+
+KtReArray randomArray(KtU32 rows, KtU32 columns) {
+  KtReArray a(rows, columns);
+  for (KtU32 i = 0; i < rows; ++i) std::generate_n(a[i], columns, [] { return uniform(); });
+  return a;
+}
+
+// The textbook's loops, to compare with.
+KtReArray times(const KtReArray& a, const KtReArray& b) {
+  KtReArray c(a.rows(), b.columns());
+  for (KtU32 i = 0; i < a.rows(); ++i) {
+    for (KtU32 k = 0; k < b.rows(); ++k) {
+      for (KtU32 j = 0; j < b.columns(); ++j) c[i][j] += a[i][k] * b[k][j];
+    }
+  }
+  return c;
+}
+KtReArray transposed(const KtReArray& a) {
+  KtReArray t(a.columns(), a.rows());
+  for (KtU32 i = 0; i < a.rows(); ++i) {
+    for (KtU32 j = 0; j < a.columns(); ++j) t[j][i] = a[i][j];
+  }
+  return t;
+}
+// Largest difference of two entries; NaN for different shapes and if there is a NaN.
+double gap(const KtReArray& a, const KtReArray& b) {
+  if (a.rows() != b.rows() || a.columns() != b.columns()) return kNaN;
+  double largest = 0.0;
+  for (KtU32 i = 0; i < a.rows(); ++i) {
+    for (KtU32 j = 0; j < a.columns(); ++j) {
+      const double d = std::abs(a[i][j] - b[i][j]);
+      if (!(d <= largest)) largest = d;
+    }
+  }
+  return largest;
+}
+double size(const KtReArray& a) {
+  return gap(a, KtReArray(a.rows(), a.columns()));
+}
+
+KtReArray identity(KtU32 n) {
+  KtReArray e(n, n);
+  for (KtU32 i = 0; i < n; ++i) e[i][i] = 1.0;
+  return e;
+}
+// Symmetric, with eigenvalues of at least 1.
+KtReArray randomPositive(KtU32 n) {
+  const KtReArray a = randomArray(n, n);
+  KtReArray s = times(a, transposed(a));
+  for (KtU32 i = 0; i < n; ++i) s[i][i] += 1.0;
+  return s;
+}
+
+TEST_F(ReArray, ProductsAgreeWithPlainLoopsAtAllShapes) {
+  for (KtU32 rows = 0; rows <= 9; ++rows) {
+    for (const KtU32 inner : {0U, 1U, 2U, 3U, 4U, 6U, 9U}) {
+      for (const KtU32 columns : {0U, 1U, 2U, 5U, 8U}) {
+        SCOPED_TRACE(testing::Message() << rows << " " << inner << " " << columns);
+        const KtReArray a = randomArray(rows, inner);
+        const KtReArray b = randomArray(inner, columns);
+        const KtReArray expected = times(a, b);
+        KtReArray out(3, 3);
+        ASSERT_TRUE(a.transform(b, out));
+        EXPECT_LE(gap(out, expected), 10 * kEpsilon);
+        EXPECT_EQ(a * b, out);
+        ASSERT_TRUE(transposed(a).leftTransposeTransform(b, out));
+        EXPECT_LE(gap(out, expected), 10 * kEpsilon);
+        a.overconstrainedNormal(out);
+        EXPECT_LE(gap(out, times(transposed(a), a)), 10 * kEpsilon);
+        EXPECT_EQ(out, out.transpose());
+        std::vector<double> column(inner);
+        for (KtU32 k = 0; columns > 0 && k < inner; ++k) column[k] = b[k][0];
+        const std::vector<double> result = a * column;
+        ASSERT_EQ(result.size(), rows);
+        for (KtU32 i = 0; columns > 0 && i < rows; ++i) {
+          EXPECT_NEAR(result[i], expected[i][0], 10 * kEpsilon);
+        }
+      }
+    }
+  }
+}
+
+TEST_F(ReArray, FactorAndSolversInvertAPositiveMatrix) {
+  for (KtU32 n = 1; n <= 23; ++n) {
+    SCOPED_TRACE(n);
+    const KtReArray s = randomPositive(n);
+    KtReArray array = s;
+    KtReArray l(n, n);
+    for (KtU32 i = 0; i < n; ++i) {
+      std::fill(l[i], l[i] + n, kNaN);                  // must not shine through
+      std::fill(array[i] + i + 1, array[i] + n, kNaN);  // not looked at
+    }
+    EXPECT_TRUE(array.choleskyDecomposition(l));
+    const double tolerance = 10 * kEpsilon * n * n;
+    EXPECT_LE(gap(times(l, transposed(l)), s), tolerance);
+    for (KtU32 i = 0; i < n; ++i) {
+      for (KtU32 j = i + 1; j < n; ++j) EXPECT_EQ(l[i][j], 0.0);
+    }
+    EXPECT_TRUE(array.choleskyDecomposition(array));
+    EXPECT_EQ(array, l) << "in place";
+    for (const KtU32 columns : {0U, 1U, 2U, 6U}) {
+      const KtReArray b = randomArray(n, columns);
+      KtReArray x, y;
+      ASSERT_TRUE(l.choleskyBackSubstitution(b, x));
+      EXPECT_LE(gap(times(s, x), b), 100 * tolerance);
+      ASSERT_TRUE(l.choleskyBackSubstitutionOnTranspose(transposed(b), y));
+      EXPECT_EQ(y, x);
+      ASSERT_TRUE(l.forwardSubstitutionOnTranspose(transposed(b), y));
+      EXPECT_LE(gap(times(l, y), b), 100 * tolerance);
+    }
+  }
+}
+
+TEST_F(ReArray, ResultMayReplaceAnArgument) {
+  using Run = std::function<void(const KtReArray&, const KtReArray&, KtReArray&)>;
+  KtReArray l;
+  randomPositive(5).choleskyDecomposition(l);
+  const KtReArray b = randomArray(5, 5);
+  int which = 0;
+  for (const Run& run : std::initializer_list<Run>{
+           [](auto&x, auto&y, auto&out) { x.transform(y, out); },
+           [](auto&x, auto&y, auto&out) { x.leftTransposeTransform(y, out); },
+           [](auto&x, auto&, auto&out) { x.overconstrainedNormal(out); },
+           [](auto&x, auto&, auto&out) { x.transpose(out); },
+           [](auto&x, auto&y, auto&out) { x.choleskyBackSubstitution(y, out); },
+           [](auto&x, auto&y, auto&out) { x.choleskyBackSubstitutionOnTranspose(y, out); },
+           [](auto&x, auto&y, auto&out) { x.forwardSubstitutionOnTranspose(y, out); }}) {
+    SCOPED_TRACE(which++);
+    KtReArray expected;
+    run(l, b, expected);
+    KtReArray self = l;
+    run(self, b, self);
+    EXPECT_EQ(self, expected);
+    KtReArray other = b;
+    run(l, other, other);
+    EXPECT_EQ(other, expected);
+  }
+}
+
+// Equations that repeat each other, as closed loops bring them, are solved if they don't contradict
+// each other, and with moderate numbers.
+TEST_F(ReArray, RedundantEquationsAreSolved) {
+  for (KtU32 n = 3; n <= 12; ++n) {
+    SCOPED_TRACE(n);
+    KtReArray a = randomArray(n, n);
+    std::fill_n(a[n / 2], n, 0.0);
+    for (KtU32 j = 0; j < n; ++j) a[n - 1][j] = a[0][j] - 2.0 * a[1][j];
+    const KtReArray s = times(a, transposed(a));
+    const KtReArray b = times(s, randomArray(n, 1));
+    KtReArray l, x;
+    EXPECT_FALSE(s.choleskyDecomposition(l));
+    ASSERT_TRUE(l.choleskyBackSubstitution(b, x));
+    EXPECT_LE(gap(times(s, x), b), 1e-9);
+    EXPECT_LT(size(x), 1e6);
+  }
+}
+
+TEST_F(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
+  for (KtU32 n = 1; n <= 12; ++n) {
+    KtReArray s = randomArray(n, n);
+    s += s.transpose();
+    s[0][0] = -1.0;
+    for (const KtReArray& matrix : {s, KtReArray(n, n)}) {
+      KtReArray l, x;
+      EXPECT_FALSE(matrix.choleskyDecomposition(l));
+      EXPECT_LT(size(l), 1e150);
+      l.choleskyBackSubstitution(randomArray(n, 1), x);
+      EXPECT_LE(size(x), std::numeric_limits<double>::max());
+    }
+  }
+}
+
+TEST_F(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
+  const auto upTo = [](KtU32 n) { return static_cast<KtU32>(random()() % n); };
+  for (int trial = 0; trial < 400; ++trial) {
+    SCOPED_TRACE(trial);
+    const KtU32 rows = 1 + upTo(8);
+    const KtU32 columns = 1 + upTo(8);
+    const KtU32 k = std::max(rows, columns);
+    // Every other Jacobian has a pattern: a staircase, so that the rank is known.
+    const bool sparse = trial % 2 == 1;
+    const KtU32 rank = sparse ? std::min(rows, columns) : upTo(std::min(rows, columns) + 1);
+    std::vector<unsigned> begin(sparse ? rows : 0), end(begin);
+    KtReArray j(rows, k);  // padded
+    j.copyEntriesOf(times(randomArray(rows, rank), randomArray(rank, columns)));
+    for (KtU32 i = 0; i < begin.size(); ++i) {
+      begin[i] = i;
+      end[i] = i + 1 + upTo(3);
+      for (KtU32 m = 0; m < k; ++m) {
+        j[i][m] = m >= i && m < end[i] && m < columns ? uniform(1.0, 2.0) : 0.0;
+      }
+    }
+    KtReArray work(k, k);
+    for (KtU32 i = rows; i < k; ++i) std::fill(work[i], work[i] + k, kNaN);  // not looked at
+    work.copyEntriesOf(j);
+    KtReArray sparseWork = work;
+    KtReArray n, sparseN;
+    std::vector<unsigned> indices, sparseIndices;
+    ASSERT_TRUE(work.nullSpace(n, rows, indices));
+    ASSERT_EQ(indices.size(), rows + k + 1);
+    EXPECT_EQ(indices.back(), rank);
+    ASSERT_EQ(n.rows(), k);
+    ASSERT_EQ(n.columns(), k - rank);
+    EXPECT_LE(size(times(j, n)), 1e-13);
+    EXPECT_LE(gap(times(transposed(n), n), identity(n.columns())), 1e-13);
+    // Padding columns come last and leave the others alone.
+    for (KtU32 m = columns; m < k; ++m) {
+      for (KtU32 i = 0; i < n.columns(); ++i) {
+        EXPECT_EQ(n[m][i], i == n.columns() - (k - m) ? 1.0 : 0.0);
+      }
+    }
+    KtReArray l = identity(rows), u(rows, k), permuted(rows, k);
+    for (KtU32 i = 0; i < rows; ++i) {
+      for (KtU32 m = 0; m < k; ++m) {
+        (m < i ? l : u)[i][m] = work[i][m];
+        permuted[i][m] = j[indices[i]][indices[rows + m]];
+      }
+    }
+    EXPECT_LE(gap(times(l, u), permuted), 1e-11);
+    ASSERT_TRUE(sparseWork.nullSpaceSparse(sparseN, rows, sparseIndices, begin, end));
+    EXPECT_EQ(sparseN, n);
+    EXPECT_EQ(sparseIndices, indices);
+    for (KtU32 i = 0; i < rows; ++i) EXPECT_TRUE(std::equal(work[i], work[i] + k, sparseWork[i]));
+  }
+}
+
+TEST_F(ReArray, NullSpaceTellsASingularPoseFromANearlySingularOne) {
+  for (const auto& [pivot, rank] : {std::pair{1e-9, 2U}, std::pair{1e-14, 1U}}) {
+    KtReArray work(3, 3);
+    work[0][0] = 100.0, work[0][1] = 100.0, work[0][2] = 100.0;
+    work[1][0] = 50.0, work[1][1] = 50.0, work[1][2] = 50.0 + 100.0 * pivot;
+    const KtReArray jacobian = work;
+    KtReArray n;
+    std::vector<unsigned> indices;
+    ASSERT_TRUE(work.nullSpace(n, 2, indices));
+    EXPECT_EQ(indices.back(), rank);
+    EXPECT_LE(size(times(jacobian, n)), 1e-11);
+  }
+}
+
+TEST_F(ReArray, MisfitsAreReportedAndChangeNothing) {
+  const KtReArray a = randomArray(2, 3);
+  const KtReArray b = randomArray(2, 2);
+  KtReArray infinite(2, 2);
+  infinite[1][1] = std::numeric_limits<double>::infinity();
+  std::vector<unsigned> indices(3);
+  using Runs = std::vector<std::function<void(KtReArray&)>>;
+  const Runs unchanged = {
+      [&](auto& out) { EXPECT_FALSE(a.transform(a, out)); },
+      [&](auto& out) { EXPECT_FALSE(a.leftTransposeTransform(KtReArray(3, 1), out)); },
+      [&](auto& out) { EXPECT_FALSE(a.choleskyDecomposition(out)); },
+      [&](auto& out) { EXPECT_FALSE(b.choleskyBackSubstitution(KtReArray(3, 1), out)); },
+      [&](auto& out) { EXPECT_FALSE(a.choleskyBackSubstitution(b, out)); },
+      [&](auto& out) { EXPECT_FALSE(b.choleskyBackSubstitutionOnTranspose(a, out)); },
+      [&](auto& out) { EXPECT_FALSE(b.forwardSubstitutionOnTranspose(a, out)); },
+      [&](auto& out) { EXPECT_FALSE(out.copyEntriesOf(KtReArray(1, 5))); },
+      [&](auto& out) { out += b; },
+      [&](auto& out) { out -= b; },
+      [&](auto& out) { EXPECT_FALSE(out.nullSpace(out, 2, indices)); }};
+  const Runs empty = {
+      [&](auto& out) { out = a * a; },
+      [&](auto& out) { out = a - b; },
+      [&](auto& out) { EXPECT_TRUE((a * std::vector<double>(2)).empty()), out = KtReArray(); },
+      [&](auto& out) { EXPECT_FALSE(KtReArray(a).nullSpace(out, 3, indices)); },
+      [&](auto& out) { EXPECT_FALSE(KtReArray(infinite).nullSpace(out, 2, indices)); },
+      [&](auto& out) { out.resizeArray(4294967295U, 4294967295U); }};
+  const KtReArray before = randomArray(4, 4);
+  for (const auto& [runs, expected] :
+       {std::pair{unchanged, before}, std::pair{empty, KtReArray()}}) {
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      SCOPED_TRACE(i);
+      KtLogCapture log;
+      KtReArray out = before;
+      runs[i](out);
+      EXPECT_EQ(out, expected);
+      ASSERT_EQ(log.messages().size(), 1U);
+      EXPECT_EQ(log.messages()[0].type, Kt::Print::kError);
+    }
+  }
+}
+
+TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
+  const KtU32 n = 13;
+  const KtReArray s = randomPositive(n);
+  const KtReArray j = randomArray(6, n);
+  KtReArray l, x, y, z, w, basis;
+  std::vector<unsigned> indices;
+  const auto step = [&] {
+    s.choleskyDecomposition(l);
+    l.choleskyBackSubstitutionOnTranspose(j, x);
+    j.transform(x, y);
+    l.forwardSubstitutionOnTranspose(j, z);
+    j.overconstrainedNormal(w);
+    w -= s;
+    w.setToZeros(n, n);
+    w.resizeArray(6, n);
+    w.resizeArray(n, n);
+    w.copyEntriesOf(j);
+    w.nullSpace(basis, 6, indices);
+    w = s;
+  };
+  step();
+  const double* entries = w[0];
+  const Allocations allocations;
+  step();
+  EXPECT_EQ(allocations.count(), 0U);
+  EXPECT_EQ(w[0], entries);
+  const KtReArray moved = std::move(w);
+  EXPECT_EQ(moved, s);
+  EXPECT_EQ(w, KtReArray());
+}
+
+TEST_F(ReArray, CopiedEntriesLeaveTheRestAlone) {
+  const KtReArray small = randomArray(3, 7);
+  KtReArray large = randomArray(7, 7);
+  const KtReArray before = large;
+  large.copyEntriesOf(small);
+  for (KtU32 i = 0; i < 7; ++i) {
+    const double* expected = i < 3 ? small[i] : before[i];
+    EXPECT_TRUE(std::equal(expected, expected + 7, large[i]));
+  }
+}
+
+KtVector randomVector() {
+  return {uniform(), uniform(), uniform()};
+}
+KtOrientation randomOrientation() {
+  KtOrientation q(uniform(), uniform(), uniform(), uniform());
+  q.normalize();
+  return q;
+}
+
+TEST_F(SpatialMatrix, CrossProductsAndRotationsActAsTheirVectorsDo) {
+  for (int trial = 0; trial < 20; ++trial) {
+    const KtSpatialMatrix m(randomVector(), randomVector(), randomVector());
+    const KtVector v = randomVector();
+    const KtVector u = randomVector();
+    const KtOrientation r = randomOrientation();
+    const KtSpatialMatrix cross = KtSpatialMatrix::crossProductMatrix(v);
+    EXPECT_TRUE((cross * u).approxEq(v.cross(u), 1e-15));
+    KtSpatialMatrix left = m;
+    left.multiplyOnLeftByCrossProductMatrix(v);
+    EXPECT_TRUE((left * u).approxEq(v.cross(m * u), 1e-14));
+    KtSpatialMatrix right = m;
+    right.multiplyOnRightByCrossProductMatrix(v);
+    EXPECT_TRUE((right * u).approxEq(m * v.cross(u), 1e-14));
+    EXPECT_TRUE(((m * cross.transpose() - right * -1.0) * u).approxEq({}, 1e-14));
+    KtSpatialMatrix dcm;
+    dcm.setToDcm(r);
+    EXPECT_TRUE((dcm * u).approxEq(r * u, 1e-14));
+    KtSpatialMatrix turned = m;
+    turned.transformBy(r);
+    EXPECT_TRUE((turned * u).approxEq(r * (m * (r.inverse() * u)), 1e-14));
+    EXPECT_NEAR((m.transpose() * u).dot(v), u.dot(m * v), 1e-14);
+  }
+}
+
+TEST_F(SpatialMatrix, FactorAndInverseOfPositiveMatrices) {
+  for (int trial = 0; trial < 20; ++trial) {
+    const KtSpatialMatrix a(randomVector(), randomVector(), randomVector());
+    const KtSpatialMatrix s = a * a.transpose() + KtSpatialMatrix(1, 0, 0, 0, 1, 0, 0, 0, 1) * 0.1;
+    KtSpatialMatrix l = s;
+    EXPECT_TRUE(l.choleskyDecomposition(l));
+    EXPECT_TRUE(l[0][1] == 0.0 && l[0][2] == 0.0 && l[1][2] == 0.0);
+    KtSpatialMatrix inverse = s;
+    EXPECT_TRUE(inverse.getSymmetricPositiveDefiniteInverse(inverse));
+    const KtVector v = randomVector();
+    EXPECT_TRUE((l * l.transpose() * v).approxEq(s * v, 1e-14));
+    EXPECT_TRUE((inverse * (s * v)).approxEq(v, 1e-12));
+    EXPECT_TRUE((inverse.transpose() * v).approxEq(inverse * v, 0.0));
+  }
+  for (const KtSpatialMatrix& s : {KtSpatialMatrix(), KtSpatialMatrix(1, 1, 1, 1, 1, 1, 1, 1, 1),
+                                   KtSpatialMatrix(-1, 2, 3, 2, -1, 4, 3, 4, -5),
+                                   KtSpatialMatrix(1, 5, 0, 5, 1, 0, 0, 0, 1)}) {
+    KtSpatialMatrix inverse;
+    EXPECT_FALSE(s.getSymmetricPositiveDefiniteInverse(inverse));
+    for (KtU32 i = 0; i < 9; ++i) EXPECT_TRUE(std::isfinite(inverse[i / 3][i % 3]));
+    EXPECT_GT(std::abs(inverse[0][0]) + inverse[1][1] + inverse[2][2], 1e10);
+  }
+}
+
+// Inertia of a body about its centre of mass: a handful of particles, as flat or thin as asked.
+KtSecondMoment cloud(double y = 1.0, double z = 1.0, int count = 5) {
+  KtSecondMoment j;
+  std::vector<KtVector> points(static_cast<std::size_t>(count));
+  KtVector center;
+  for (KtVector& p : points) {
+    p = {uniform(), y * uniform(), z * uniform()};
+    center += p / count;
+  }
+  for (const KtVector& p : points) {
+    const KtVector d = p - center;
+    j += {d.y * d.y + d.z * d.z,
+          d.x * d.x + d.z * d.z,
+          d.x * d.x + d.y * d.y,
+          -d.x * d.y,
+          -d.x * d.z,
+          -d.y * d.z};
+  }
+  return j;
+}
+double pairing(const KtSecondMoment& a, const KtSecondMoment& b) {
+  return a.jxx() * b.jxx() + a.jyy() * b.jyy() + a.jzz() * b.jzz() +
+         2.0 * (a.jxy() * b.jxy() + a.jxz() * b.jxz() + a.jyz() * b.jyz());
+}
+
+TEST_F(SecondMoment, PrincipalOrientationMakesItDiagonal) {
+  for (int trial = 0; trial < 50; ++trial) {
+    // Also with two or three equal eigenvalues.
+    KtSecondMoment j(1.0 + trial % 2, 2.0, 2.0 + trial % 3, 0.0, 0.0, 0.0);
+    const double scale = std::pow(10.0, uniform(-12.0, 12.0));
+    j *= scale;
+    KtSecondMoment turned = j;
+    turned.transformBy(randomOrientation());
+    EXPECT_NEAR(pairing(turned, turned), pairing(j, j), 1e-13 * scale * scale);
+    KtOrientation r;
+    turned.principalOrientation(r);
+    turned.transformBy(r.inverse());
+    EXPECT_LE(std::max({std::abs(turned.jxy()), std::abs(turned.jxz()), std::abs(turned.jyz())}),
+              1e-14 * scale);
+    j.principalOrientation(r);
+    EXPECT_EQ(r, KtOrientation());
+  }
+}
+
+TEST_F(SecondMoment, TurnsAndMultipliesAsItsMatrixDoes) {
+  const KtSecondMoment j = cloud();
+  const KtOrientation r = randomOrientation();
+  KtSecondMoment turned = j;
+  turned.transformBy(r);
+  KtSpatialMatrix matrix = j.spatialMatrix();
+  EXPECT_TRUE((j * KtVector(1, 2, 3)).approxEq(matrix * KtVector(1, 2, 3), 1e-14));
+  matrix.transformBy(r);
+  KtSecondMoment back;
+  back.setFromSpatialMatrix(matrix);
+  EXPECT_TRUE(back.approxEq(turned, 1e-14));
+  EXPECT_FALSE(back.approxEq(turned + KtSecondMoment(0, 0, 0, 0, 0, 1e-12), 1e-14));
+}
+
+TEST_F(SecondMoment, BodiesAreValidAndImpossibleOnesAreNot) {
+  for (int trial = 0; trial < 50; ++trial) {
+    KtSecondMoment j = cloud(1.0, trial % 2 == 0 ? 0.0 : 1.0);  // flat ones too
+    j.transformBy(randomOrientation());
+    j *= std::pow(10.0, uniform(-15.0, 15.0));
+    EXPECT_TRUE(j.isValid());
+  }
+  const double big = 1e300;
+  for (const auto& [j, valid] :
+       {std::pair{KtSecondMoment(1, 1, 1.999, 0, 0, 0), true},
+        std::pair{KtSecondMoment(1, 1, 2.00001, 0, 0, 0), false},
+        std::pair{KtSecondMoment(1, 1, 1e-12, 0, 0, 0), true},
+        std::pair{KtSecondMoment(1, 1, 0, 0, 0, 0), false}, std::pair{KtSecondMoment(), false},
+        std::pair{KtSecondMoment(-1, -1, -1, 0, 0, 0), false},
+        std::pair{KtSecondMoment(1, 1, 1, 0, 0.6, 0), false},
+        std::pair{KtSecondMoment(1, 1, 1, 0, 1.1, 0), false},
+        std::pair{KtSecondMoment(1, 1, 1, kNaN, 0, 0), false},
+        std::pair{KtSecondMoment(1, big * big, 1, 0, 0, 0), false}}) {
+    KtSecondMoment repaired = j;
+    EXPECT_EQ(j.isValid(), valid) << j.jxx() << " " << j.jzz() << " " << j.jxz();
+    repaired.makeValid();
+    EXPECT_TRUE(repaired.isValid());
+    EXPECT_TRUE(!valid || repaired == j);
+  }
+}
+
+// The valid tensors form a convex cone, so the nearest valid one is known by this: seen from it,
+// no valid tensor lies on the side of the original.
+TEST_F(SecondMoment, RepairIsTheNearestValidTensor) {
+  for (int trial = 0; trial < 300; ++trial) {
+    KtSecondMoment j(uniform(-1, 3), uniform(-1, 3), uniform(-1, 3), uniform(), uniform(),
+                     uniform());
+    if (trial % 3 == 0) j = KtSecondMoment(uniform(), uniform(), uniform(), 0, 0, 0);
+    KtSecondMoment repaired = j;
+    repaired.makeValid();
+    ASSERT_TRUE(repaired.isValid());
+    for (int k = 0; k < 20; ++k) {
+      const KtSecondMoment other = cloud(uniform(0, 1), uniform(0, 1), 4);
+      EXPECT_LE(pairing(j - repaired, other - repaired), 1e-7);
+    }
+    KtSecondMoment again = repaired;
+    again.makeValid();
+    EXPECT_EQ(again, repaired);
+  }
+}
+
+}  // namespace

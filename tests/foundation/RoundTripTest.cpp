@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "support/KtLogCapture.h"
+#include "support/Samples.h"
+
+namespace {
+
+class RoundTrip : public testing::TestWithParam<Sample> {
+ protected:
+  static void SetUpTestSuite() {
+    KtXmlBaseVariableCompoundType::registerLibrary("sampleLibrary",
+                                                   [](KtXmlBaseVariableCompoundType&) {});
+  }
+};
+
+TEST_P(RoundTrip, KeepsEveryElement) {
+  const KtLogCapture log;
+  const auto original = GetParam().make();
+  const std::unique_ptr<KtXmlObject> back(original->newObject());
+  ASSERT_FALSE(original->equality(back.get())) << "a sample at its default shows nothing";
+  EXPECT_FALSE(original->equalsDefault());
+  EXPECT_TRUE(back->equalsDefault());
+
+  const std::string text = KtXmlWriter::writeString(*original);
+  EXPECT_TRUE(KtXmlReader::readString(text, *back)) << text;
+  EXPECT_TRUE(back->equality(original.get())) << text;
+  EXPECT_TRUE(back->specified());
+  EXPECT_EQ(KtXmlWriter::writeString(*back), text);
+
+  // Once more into an object that holds something already.
+  EXPECT_TRUE(KtXmlReader::readString(text, *back)) << text;
+  EXPECT_TRUE(back->equality(original.get())) << text;
+  EXPECT_EQ(log.text(), "");
+}
+
+TEST_P(RoundTrip, KeepsTheDefaults) {
+  const std::unique_ptr<KtXmlObject> fresh(GetParam().make()->newObject());
+  const auto back = GetParam().make();
+  const std::string text = KtXmlWriter::writeString(*fresh);
+  const std::unique_ptr<KtXmlObject> second(fresh->newObject());
+  EXPECT_TRUE(KtXmlReader::readString(text, *second)) << text;
+  EXPECT_TRUE(second->equality(fresh.get())) << text;
+}
+
+TEST_P(RoundTrip, CopiesAreWholeAndIndependent) {
+  auto original = GetParam().make();
+  const std::string text = KtXmlWriter::writeString(*original);
+  const std::unique_ptr<KtXmlObject> copy(original->clone());
+  EXPECT_FALSE(copy->xmlInitialized()) << "a copy has no tables of its own yet";
+  EXPECT_TRUE(copy->equality(original.get()));
+  EXPECT_FALSE(copy->equality(nullptr));
+  EXPECT_EQ(copy->token(), original->token());
+  original.reset();
+  EXPECT_EQ(KtXmlWriter::writeString(*copy), text);
+}
+
+TEST_P(RoundTrip, SchemaAcceptsWhatIsWritten) {
+#ifdef KT_XMLLINT
+  const auto original = GetParam().make();
+  const auto folder = std::filesystem::path(testing::TempDir()) / "ktSchema";
+  std::filesystem::create_directories(folder);
+  const std::string stem = (folder / GetParam().name).string();
+  ASSERT_TRUE(original->createSchema(stem + ".xsd", original->token()));
+  ASSERT_TRUE(KtXmlWriter::writeFile(stem + ".xml", *original));
+  const auto lint = [&](const std::string& document) {
+    return std::system((std::string(KT_XMLLINT) + " --noout --nonet --schema " + stem + ".xsd " +
+                        document + " 2>" + stem + ".log")
+                           .c_str());
+  };
+  EXPECT_EQ(lint(stem + ".xml"), 0) << std::ifstream(stem + ".log").rdbuf();
+  // The check is worth something only if the schema refuses a document that is wrong.
+  std::ofstream(stem + ".bad.xml")
+      << "<" << original->token().localName() << " xmlns=\"" << KtXml::namespaceName
+      << "\"><surprise/></" << original->token().localName() << ">";
+  EXPECT_NE(lint(stem + ".bad.xml"), 0);
+#else
+  GTEST_SKIP() << "xmllint is not installed";
+#endif
+}
+
+INSTANTIATE_TEST_SUITE_P(AllClasses, RoundTrip, testing::ValuesIn(allSamples()),
+                         [](const auto& one) { return one.param.name; });
+
+}  // namespace

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+
+/// Position of a virtual operation in its class's table, from the form that a pointer to a virtual
+/// member has on this platform (Itanium C++ ABI, 2.3: one plus the offset in the table).
+template <class Member>
+std::size_t slotOf(Member member) {
+  static_assert(sizeof(member) >= sizeof(std::ptrdiff_t));
+  std::ptrdiff_t raw = 0;
+  std::memcpy(&raw, &member, sizeof raw);
+  EXPECT_EQ(raw & 1, 1) << "not a virtual operation";
+  return static_cast<std::size_t>(raw - 1) / sizeof(void*);
+}
+
+/// Expects the operations to stand one behind the other, the first at a position.
+inline void expectOrder(const std::string& cls, std::size_t first,
+                        std::initializer_list<std::size_t> slots) {
+  std::size_t expected = first;
+  for (const std::size_t slot : slots) {
+    EXPECT_EQ(slot, expected) << cls << ", operation " << expected - first << " of its list";
+    ++expected;
+  }
+}
