@@ -1,6 +1,7 @@
 #include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "ktManipulator/foundation/core/KtMath.h"
 #include "ktManipulator/foundation/geometry/KtCapsule.h"
@@ -88,16 +89,21 @@ KtGeneralMotion KtRigidBodyMassProperties::calculateAcceleration(
 KtGeneralMotion KtRigidBodyMassProperties::calculateAcceleration(
     const KtGeneralForce& force) const {
   const KtReArray& l = spatialCholeskyDecomposition();
+  // Two divisions by a floor of 1e-300 would overflow for a mass of zero.
+  const auto divided = [](double x, double by) {
+    constexpr double largest = std::numeric_limits<double>::max();
+    return std::clamp(x / KtMath::nonZeroPos(by), -largest, largest);
+  };
   double a[6];
-  for (KtU32 i = 0; i < 3; ++i) a[i] = force[i] / KtMath::nonZeroPos(l[i][i]);
+  for (KtU32 i = 0; i < 3; ++i) a[i] = divided(force[i], l[i][i]);
   for (KtU32 i = 3; i < 6; ++i) {
     a[i] = force[i];
     for (KtU32 j = 0; j < i; ++j) a[i] -= l[i][j] * a[j];
-    a[i] /= KtMath::nonZeroPos(l[i][i]);
+    a[i] = divided(a[i], l[i][i]);
   }
   for (KtU32 i = 6; i-- > 0;) {
     for (KtU32 j = i + 1; j < 6; ++j) a[i] -= l[j][i] * a[j];
-    a[i] /= KtMath::nonZeroPos(l[i][i]);
+    a[i] = divided(a[i], l[i][i]);
   }
   return {KtVector(a[0], a[1], a[2]), KtVector(a[3], a[4], a[5])};
 }

@@ -102,6 +102,18 @@ TEST(BadInput, CountsThatLieSetNoMemoryAside) {
     KtXmlReader::readString("<pair><first" + text + "first><second>3</second></pair>", pair);
     EXPECT_EQ(pair.second(), 3.0);
   }
+  // Many lies are no more worth than one.
+  std::string lies = "<vector count='20000'>";
+  for (int i = 0; i < 20000; ++i) lies += "<element count='1000000000'><group>1</group></element>";
+  {
+    const KtLogCapture log;
+    const Allocations allocations;
+    KtXmlVectorType<RealVector> lists;
+    EXPECT_TRUE(KtXmlReader::readString(lies + "</vector>", lists));
+    std::size_t reserved = 0;
+    for (const auto& one : lists.vectorContainer()) reserved += one.vectorContainer().capacity();
+    EXPECT_LT(reserved * sizeof(Real), 40 * lies.size());
+  }
   // A correct count causes one allocation for the elements.
   RealVector list(20000, Real(0.5));
   const std::string text = KtXmlWriter::writeString(list);

@@ -227,6 +227,7 @@ TEST_F(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
     KtReArray work(k, k);
     for (KtU32 i = rows; i < k; ++i) std::fill(work[i], work[i] + k, kNaN);  // not looked at
     work.copyEntriesOf(j);
+    EXPECT_TRUE(rows == k || std::isnan(work[rows][0]));
     KtReArray sparseWork = work;
     KtReArray n, sparseN;
     std::vector<unsigned> indices, sparseIndices;
@@ -294,7 +295,9 @@ TEST_F(ReArray, MisfitsAreReportedAndChangeNothing) {
   const Runs empty = {
       [&](auto& out) { out = a * a; },
       [&](auto& out) { out = a - b; },
-      [&](auto& out) { EXPECT_TRUE((a * std::vector<double>(2)).empty()), out = KtReArray(); },
+      [&](auto& out) {
+        out.resizeArray(static_cast<KtU32>((a * std::vector<double>(2)).size()), 0);
+      },
       [&](auto& out) { EXPECT_FALSE(KtReArray(a).nullSpace(out, 3, indices)); },
       [&](auto& out) { EXPECT_FALSE(KtReArray(infinite).nullSpace(out, 2, indices)); },
       [&](auto& out) { out.resizeArray(4294967295U, 4294967295U); }};
@@ -342,17 +345,6 @@ TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   const KtReArray moved = std::move(w);
   EXPECT_EQ(moved, s);
   EXPECT_EQ(w, KtReArray());
-}
-
-TEST_F(ReArray, CopiedEntriesLeaveTheRestAlone) {
-  const KtReArray small = randomArray(3, 7);
-  KtReArray large = randomArray(7, 7);
-  const KtReArray before = large;
-  large.copyEntriesOf(small);
-  for (KtU32 i = 0; i < 7; ++i) {
-    const double* expected = i < 3 ? small[i] : before[i];
-    EXPECT_TRUE(std::equal(expected, expected + 7, large[i]));
-  }
 }
 
 KtVector randomVector() {

@@ -13,10 +13,6 @@ namespace {
 
 // What a container of 32-bit pointers can hold at most; files keep to it on every platform.
 constexpr long kLargestCount = 0x3fffffff;
-// A digit and a blank are the least that describes an element, and memory grows by no more than a
-// fixed factor over the text: a real takes 12 times the bytes of its shortest text.
-constexpr std::size_t kLeastBytesPerElement = 2;
-constexpr std::size_t kMostMemoryPerByte = 32;
 
 }  // namespace
 
@@ -31,10 +27,9 @@ XmlCount readXmlCount(KtXmlReader& reader, std::size_t elementBytes) {
                          " elements");
       return count;
     }
-    const std::size_t bytes = reader.remainingBytes();
-    count.reserve =
-        std::min({static_cast<std::size_t>(count.expected), bytes / kLeastBytesPerElement,
-                  bytes * kMostMemoryPerByte / std::max<std::size_t>(elementBytes, 1)});
+  }
+  if (reader.currentEvent() != KtXmlReader::kEmpty) {
+    count.reserve = reader.grantMemory(static_cast<std::size_t>(count.expected), elementBytes);
   }
   return count;
 }

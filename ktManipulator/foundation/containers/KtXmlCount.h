@@ -19,8 +19,7 @@ struct XmlCount {
   std::size_t reserve = 0;  ///< For how many elements memory may be set aside now.
 };
 
-/// Reads the attributes of the element in hand. A file can announce anything, so memory is set
-/// aside for no more than the rest of the document can describe.
+/// Reads the attributes of the element in hand.
 ///
 /// @param elementBytes  memory that one element takes in its container
 KT_EXPORT XmlCount readXmlCount(KtXmlReader& reader, std::size_t elementBytes);

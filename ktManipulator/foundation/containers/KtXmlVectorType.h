@@ -27,16 +27,18 @@ class KT_EXPORT KtXmlVectorType : public KtXmlPersistent<KtXmlVectorType<E>> {
  public:
   using ValueType = E;
 
+  // Defaulted behind the class: inside of it they would ask for the complete element type.
   /// The empty list.
-  KtXmlVectorType() = default;
+  KtXmlVectorType();
   /// A list of so many default elements.
   explicit KtXmlVectorType(KtU32 count) : elements_(count) {}
   /// A list of so many copies of the element.
   KtXmlVectorType(KtU32 count, const E& element) : elements_(count, element) {}
-  KtXmlVectorType(const KtXmlVectorType&) = default;
-  KtXmlVectorType(KtXmlVectorType&&) noexcept = default;
-  KtXmlVectorType& operator=(const KtXmlVectorType&) = default;
-  KtXmlVectorType& operator=(KtXmlVectorType&&) noexcept = default;
+  KtXmlVectorType(const KtXmlVectorType& other);
+  KtXmlVectorType(KtXmlVectorType&& other) noexcept;
+  KtXmlVectorType& operator=(const KtXmlVectorType& other);
+  KtXmlVectorType& operator=(KtXmlVectorType&& other) noexcept;
+  ~KtXmlVectorType() override;
 
   void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }
   bool read(KtXmlReader& reader) override;
@@ -104,6 +106,19 @@ class KT_EXPORT KtXmlVectorType : public KtXmlPersistent<KtXmlVectorType<E>> {
  private:
   std::vector<E> elements_;
 };
+
+template <class E>
+KtXmlVectorType<E>::KtXmlVectorType() = default;
+template <class E>
+KtXmlVectorType<E>::KtXmlVectorType(const KtXmlVectorType&) = default;
+template <class E>
+KtXmlVectorType<E>::KtXmlVectorType(KtXmlVectorType&&) noexcept = default;
+template <class E>
+KtXmlVectorType<E>& KtXmlVectorType<E>::operator=(const KtXmlVectorType&) = default;
+template <class E>
+KtXmlVectorType<E>& KtXmlVectorType<E>::operator=(KtXmlVectorType&&) noexcept = default;
+template <class E>
+KtXmlVectorType<E>::~KtXmlVectorType() = default;
 
 template <class E>
 bool KtXmlVectorType<E>::read(KtXmlReader& reader) {

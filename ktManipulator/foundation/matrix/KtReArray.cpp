@@ -25,7 +25,7 @@ bool reportShapes(const char* operation, const KtReArray& a, const KtReArray& b)
 using Pair = Eigen::Array2d;
 
 // sums[i][j] = scalar product of the first n entries of a[i] and b[j].
-template <int R, int C>
+template <std::size_t R, std::size_t C>
 inline void scalarProducts(const double* const (&a)[R], const double* const (&b)[C], std::size_t n,
                            double (&sums)[R][C]) {
   Pair partial[R][C];
@@ -35,14 +35,14 @@ inline void scalarProducts(const double* const (&a)[R], const double* const (&b)
   std::size_t k = 0;
   for (; k + 2 <= n; k += 2) {
     Pair left[R];
-    for (int i = 0; i < R; ++i) left[i] = Eigen::Map<const Pair>(a[i] + k);
-    for (int j = 0; j < C; ++j) {
+    for (std::size_t i = 0; i < R; ++i) left[i] = Eigen::Map<const Pair>(a[i] + k);
+    for (std::size_t j = 0; j < C; ++j) {
       const Pair right = Eigen::Map<const Pair>(b[j] + k);
-      for (int i = 0; i < R; ++i) partial[i][j] += left[i] * right;
+      for (std::size_t i = 0; i < R; ++i) partial[i][j] += left[i] * right;
     }
   }
-  for (int i = 0; i < R; ++i) {
-    for (int j = 0; j < C; ++j) {
+  for (std::size_t i = 0; i < R; ++i) {
+    for (std::size_t j = 0; j < C; ++j) {
       sums[i][j] = partial[i][j][0] + partial[i][j][1];
       if (k < n) sums[i][j] += a[i][k] * b[j][k];
     }
@@ -81,16 +81,16 @@ inline void addRows(double* __restrict out, std::size_t n, double sign, Coeffici
 // Rows i to i + R - 1 of the factor; those above are complete. The reciprocals of the diagonal
 // entries stand in `reciprocals`, which has no place for the last. Answers whether no pivot had to
 // be raised.
-template <int R>
+template <std::size_t R>
 bool factorRows(double* factor, std::size_t size, std::size_t i, double* reciprocals) {
   double* row[R];
   const double* left[R];
-  for (int q = 0; q < R; ++q) left[q] = row[q] = factor + (i + static_cast<std::size_t>(q)) * size;
+  for (std::size_t q = 0; q < R; ++q) left[q] = row[q] = factor + (i + q) * size;
   for (std::size_t j = 0; j < i; j += 2) {  // i is a multiple of 4
     const double* const right[2] = {factor + j * size, factor + (j + 1) * size};
     double sums[R][2];
     scalarProducts<R, 2>(left, right, j, sums);
-    for (int q = 0; q < R; ++q) {
+    for (std::size_t q = 0; q < R; ++q) {
       const double x = (row[q][j] - sums[q][0]) * reciprocals[j];
       row[q][j] = x;
       row[q][j + 1] = (row[q][j + 1] - sums[q][1] - x * right[1][j]) * reciprocals[j + 1];
@@ -100,29 +100,20 @@ bool factorRows(double* factor, std::size_t size, std::size_t i, double* recipro
   double sums[R][R];
   scalarProducts<R, R>(left, left, i, sums);
   const double rounding = static_cast<double>(size) * std::numeric_limits<double>::epsilon();
-  for (int m = 0; m < R; ++m) {
-    const std::size_t j = i + static_cast<std::size_t>(m);
+  for (std::size_t m = 0; m < R; ++m) {
+    const std::size_t j = i + m;
     const double least = KtMath::nonZeroPos(rounding * row[m][j]);
     double pivot = row[m][j] - sums[m][m];
-    for (int t = 0; t < m; ++t) {
-      const double x = row[m][i + static_cast<std::size_t>(t)];
-      pivot -= x * x;
-    }
+    for (std::size_t t = i; t < j; ++t) pivot -= row[m][t] * row[m][t];
     const bool raised = pivot <= least;
-    if (raised) {
-      pivot = least;
-      positive = false;
-    }
-    row[m][j] = std::sqrt(pivot);
+    positive = positive && pivot > least;  // not for NaN either, which is left as it is
+    row[m][j] = std::sqrt(raised ? least : pivot);
     // A factor of zero makes the column below a raised pivot zero.
     const double reciprocal = raised ? 0.0 : 1.0 / row[m][j];
     if (j + 1 < size) reciprocals[j] = reciprocal;
-    for (int q = m + 1; q < R; ++q) {
+    for (std::size_t q = m + 1; q < R; ++q) {
       double x = row[q][j] - sums[q][m];
-      for (int t = 0; t < m; ++t) {
-        const std::size_t k = i + static_cast<std::size_t>(t);
-        x -= row[q][k] * row[m][k];
-      }
+      for (std::size_t t = i; t < j; ++t) x -= row[q][t] * row[m][t];
       row[q][j] = x * reciprocal;
     }
   }
@@ -130,21 +121,17 @@ bool factorRows(double* factor, std::size_t size, std::size_t i, double* recipro
 }
 
 // x[i .. i + R) of L x = b for one column, with everything before known.
-template <int R>
+template <std::size_t R>
 void solveForwardRows(const KtReArray& factor, double* x, std::size_t i) {
   const double* left[R];
-  for (int q = 0; q < R; ++q) left[q] = factor[static_cast<KtU32>(i) + static_cast<KtU32>(q)];
+  for (std::size_t q = 0; q < R; ++q) left[q] = factor[static_cast<KtU32>(i + q)];
   const double* const right[1] = {x};
   double sums[R][1];
   scalarProducts<R, 1>(left, right, i, sums);
-  for (int q = 0; q < R; ++q) {
-    double value = x[i + static_cast<std::size_t>(q)] - sums[q][0];
-    for (int t = 0; t < q; ++t) {
-      const std::size_t k = i + static_cast<std::size_t>(t);
-      value -= left[q][k] * x[k];
-    }
-    const std::size_t j = i + static_cast<std::size_t>(q);
-    x[j] = value / KtMath::nonZeroPos(left[q][j]);
+  for (std::size_t q = 0; q < R; ++q) {
+    double value = x[i + q] - sums[q][0];
+    for (std::size_t t = i; t < i + q; ++t) value -= left[q][t] * x[t];
+    x[i + q] = value / KtMath::nonZeroPos(left[q][i + q]);
   }
 }
 

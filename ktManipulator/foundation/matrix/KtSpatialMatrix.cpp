@@ -32,6 +32,7 @@ bool KtSpatialMatrix::choleskyDecomposition(KtSpatialMatrix& factor) const noexc
       positive = false;
       continue;
     }
+    positive = positive && pivot > least;  // not for NaN, which is left as it is
     l.m_[j][j] = std::sqrt(pivot);
     for (int i = j + 1; i < 3; ++i) {
       double x = m_[i][j];

@@ -15,6 +15,12 @@
 namespace {
 
 constexpr int kChunkBytes = 1 << 16;
+// A digit and a blank are the least that describes an element of a list, and its memory is a small
+// multiple of its text: a real takes 12 times the bytes of the shortest one.
+constexpr std::size_t kLeastBytesPerElement = 2;
+constexpr std::size_t kMemoryPerByte = 32;
+// What a stream that doesn't tell its length is taken to have in store.
+constexpr std::size_t kUnknownLength = std::size_t{1} << 20;
 // Stands between namespace and local name in the parser's names; no name can contain it.
 constexpr char kSeparator = '\n';
 
@@ -258,6 +264,7 @@ struct KtXmlReader::Impl {
   std::size_t bytesRead = 0;
   std::size_t totalBytes = 0;
   bool sizeKnown = false;
+  std::size_t granted = 0;
 
   // The caller's side.
   unsigned current = kNone;
@@ -530,12 +537,18 @@ bool KtXmlReader::readText(std::string& text) {
   }
 }
 
-std::size_t KtXmlReader::remainingBytes() const noexcept {
-  const Impl& r = *impl_;
-  if (!r.sizeKnown) return std::size_t{1} << 20;
+std::size_t KtXmlReader::grantMemory(std::size_t count, std::size_t elementBytes) noexcept {
+  Impl& r = *impl_;
   // What was read as the present chunk may not have been handed out yet.
   const std::size_t handedOut = r.bytesRead - std::min<std::size_t>(r.bytesRead, kChunkBytes);
-  return r.totalBytes - std::min(r.totalBytes, handedOut);
+  const std::size_t total = r.sizeKnown ? r.totalBytes : r.bytesRead + kUnknownLength;
+  const std::size_t remaining = total - std::min(total, handedOut);
+  const std::size_t allowance = kMemoryPerByte * total;
+  const std::size_t left = allowance - std::min(allowance, r.granted);
+  elementBytes = std::max<std::size_t>(elementBytes, 1);
+  count = std::min({count, remaining / kLeastBytesPerElement, left / elementBytes});
+  r.granted += count * elementBytes;
+  return count;
 }
 
 void KtXmlReader::reportError(const std::string& message) {

@@ -118,9 +118,14 @@ class KT_EXPORT KtXmlReader {
   ///
   /// @return false if there were child elements, or if the document broke off
   bool readText(std::string& text);
-  /// An upper bound of the bytes that the document still has, so that a count in it can be checked
-  /// before memory is set aside for it. A stream without a known length gives 1 MiB.
-  std::size_t remainingBytes() const noexcept;
+  /// How much memory may be set aside now for elements that a count announces: what the rest of the
+  /// document can fill, out of an allowance for the whole document that grows with its bytes. A
+  /// file can announce anything, at any number of places.
+  ///
+  /// @param count         announced number of elements
+  /// @param elementBytes  memory that one of them takes
+  /// @return              for how many elements memory may be set aside
+  std::size_t grantMemory(std::size_t count, std::size_t elementBytes) noexcept;
 
   /// Reports "file:line: message" as an error and counts it.
   void reportError(const std::string& message);

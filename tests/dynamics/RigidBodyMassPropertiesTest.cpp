@@ -1,0 +1,355 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+
+#include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
+#include "ktManipulator/foundation/geometry/KtCapsule.h"
+#include "ktManipulator/foundation/geometry/KtEllipsoid.h"
+#include "support/Allocations.h"
+
+namespace {
+
+using Mass = KtRigidBodyMassProperties;
+using T = KtCoordinateSystemTransformation;
+
+std::mt19937_64& random() {
+  static std::mt19937_64 generator;
+  return generator;
+}
+double uniform(double from = -1.0, double to = 1.0) {
+  return std::uniform_real_distribution<double>(from, to)(random());
+}
+KtVector randomVector() {
+  return {uniform(), uniform(), uniform()};
+}
+KtOrientation randomOrientation() {
+  KtOrientation q(uniform(), uniform(), uniform(), uniform());
+  q.normalize();
+  return q;
+}
+T randomFrame() {
+  return {randomVector(), randomOrientation()};
+}
+KtGeneralMotion randomMotion() {
+  return {randomVector(), randomVector()};
+}
+
+class MassProperties : public testing::Test {
+ protected:
+  MassProperties() { random().seed(20240517); }
+};
+
+// A body made of particles: every answer can be found particle by particle.
+struct Particle {
+  double m;
+  KtVector r;
+};
+using Cloud = std::vector<Particle>;
+
+Cloud randomCloud(int count = 6) {
+  Cloud cloud;
+  for (int i = 0; i < count; ++i) cloud.push_back({uniform(0.1, 2.0), randomVector()});
+  return cloud;
+}
+Mass massOf(const Cloud& cloud) {
+  double m = 0.0;
+  KtVector c;
+  KtSecondMoment j;
+  for (const auto& [mi, r] : cloud) {
+    m += mi;
+    c += r * mi;
+    j += KtSecondMoment(r.y * r.y + r.z * r.z, r.x * r.x + r.z * r.z, r.x * r.x + r.y * r.y,
+                        -r.x * r.y, -r.x * r.z, -r.y * r.z) *
+         mi;
+  }
+  return {m, c, j};
+}
+
+void expectNear(const Mass& actual, const Mass& expected, double tolerance) {
+  EXPECT_TRUE(actual.approxEq(expected, tolerance))
+      << "m, c.z, jxx, jzz " << actual.mass() << " " << actual.firstMoment().z << " "
+      << actual.secondMoment().jxx() << " " << actual.secondMoment().jzz() << " against "
+      << expected.mass() << " " << expected.firstMoment().z << " " << expected.secondMoment().jxx()
+      << " " << expected.secondMoment().jzz();
+}
+
+TEST_F(MassProperties, MoveAddAndScaleAsTheirParticlesDo) {
+  for (int trial = 0; trial < 20; ++trial) {
+    const Cloud cloud = randomCloud();
+    const Cloud other = randomCloud();
+    const T t = randomFrame();
+    Cloud moved = cloud;
+    for (auto& [m, r] : moved) r = t * r;
+    Mass body = massOf(cloud);
+    body.transformBy(t);
+    expectNear(body, massOf(moved), 1e-13);
+    body.transformBy(t.inverse());
+    expectNear(body, massOf(cloud), 1e-13);
+
+    Cloud both = cloud;
+    both.insert(both.end(), other.begin(), other.end());
+    expectNear(massOf(cloud) + massOf(other), massOf(both), 1e-13);
+    expectNear(massOf(both) - massOf(other), massOf(cloud), 1e-13);
+
+    Cloud scaled = cloud;
+    for (auto& [m, r] : scaled) m *= 1.5 * 1.5 * 1.5, r *= 1.5;
+    body = massOf(cloud);
+    body.scaleBy(1.5);
+    expectNear(body, massOf(scaled), 1e-12);
+  }
+}
+
+TEST_F(MassProperties, ForceIsTheSumOverParticlesAndAccelerationItsInverse) {
+  for (int trial = 0; trial < 20; ++trial) {
+    const Cloud cloud = randomCloud();
+    const Mass body = massOf(cloud);
+    const KtGeneralMotion v = randomMotion();
+    const KtGeneralMotion a = randomMotion();
+    KtGeneralForce moving, resting;
+    for (const auto& [m, r] : cloud) {
+      const KtVector tangential = a.linear() + a.angular().cross(r);
+      const KtVector f = tangential * m;
+      resting += {f, r.cross(f)};
+      const KtVector g = (tangential + v.angular().cross(v.angular().cross(r))) * m;
+      moving += {g, r.cross(g)};
+    }
+    EXPECT_TRUE(body.calculateForce(a).approxEq(resting, 1e-13));
+    EXPECT_TRUE(body.calculateForce(v, a).approxEq(moving, 1e-13));
+    EXPECT_TRUE(body.calculateAcceleration(resting).approxEq(a, 1e-11));
+    EXPECT_TRUE(body.calculateAcceleration(v, moving).approxEq(a, 1e-11));
+  }
+}
+
+TEST_F(MassProperties, ArrayAndFactorAgreeWithForce) {
+  const Mass body = massOf(randomCloud());
+  KtReArray inertia;
+  body.getArray(inertia);
+  const KtReArray& l = body.spatialCholeskyDecomposition();
+  KtReArray product;
+  l.transform(l.transpose(), product);
+  for (KtU32 j = 0; j < 6; ++j) {
+    KtGeneralMotion unit;
+    unit.setScalarValue(j, 1.0);
+    const KtGeneralForce f = body.calculateForce(unit);
+    for (KtU32 i = 0; i < 6; ++i) {
+      EXPECT_EQ(inertia[i][j], f[i]);
+      EXPECT_NEAR(product[i][j], f[i], 1e-14);
+      EXPECT_TRUE(l[i][j] == 0.0 || j == i || (j < i && i >= 3));
+    }
+  }
+}
+
+TEST_F(MassProperties, PrincipalFrameAndEllipsoidStandForTheBody) {
+  for (int trial = 0; trial < 20; ++trial) {
+    const Mass body = massOf(randomCloud());
+    T frame;
+    EXPECT_TRUE(body.getPrincipalFrame(frame));
+    Mass seen = body;
+    seen.transformBy(frame.inverse());
+    EXPECT_TRUE(seen.firstMoment().approxEq({}, 1e-14));
+    const KtSecondMoment& j = seen.secondMoment();
+    EXPECT_LE(std::max({std::abs(j.jxy()), std::abs(j.jxz()), std::abs(j.jyz())}), 1e-13);
+
+    KtEllipsoid ellipsoid;
+    double density = 0.0;
+    body.getEllipsoid(ellipsoid, density);
+    Mass again = Mass::uniformSolidAxisAlignedEllipsoid(density * ellipsoid.volume(), ellipsoid.a(),
+                                                        ellipsoid.b(), ellipsoid.c());
+    again.transformBy(ellipsoid.transformation());
+    expectNear(again, body, 1e-12);
+  }
+}
+
+// The particles of a uniform solid: the midpoints of a grid's cells that lie inside.
+Mass solid(double m, const KtVector& half, const std::function<bool(const KtVector&)>& inside) {
+  constexpr int cells = 80;
+  Cloud cloud;
+  for (int i = 0; i < cells * cells * cells; ++i) {
+    const auto at = [](int k, double h) { return h * ((2.0 * k + 1.0) / cells - 1.0); };
+    const KtVector r(at(i % cells, half.x), at(i / cells % cells, half.y),
+                     at(i / cells / cells, half.z));
+    if (inside(r)) cloud.push_back({1.0, r});
+  }
+  for (auto& particle : cloud) particle.m = m / static_cast<double>(cloud.size());
+  return massOf(cloud);
+}
+
+TEST_F(MassProperties, BuildersAgreeWithIntegration) {
+  const double r = 0.7;
+  const double length = 0.9;
+  const auto square = [](double x) { return x * x; };
+  const KtLineSegment along({0.0, 0.0, -0.5 * length}, {0.0, 0.0, 0.5 * length});
+  struct Row {
+    Mass mass;
+    KtVector half;
+    std::function<bool(const KtVector&)> inside;
+  };
+  // The hemisphere's first moment doesn't know its mass. So it has 1 kg here, and so have those of
+  // the capsule.
+  EXPECT_EQ(Mass::uniformSolidHemisphere(3.0, r).firstMoment(), KtVector(0.0, 0.0, 0.375 * r));
+  const std::vector<Row> rows = {
+      {Mass::uniformSolidSphere(3.0, r), {r, r, r}, [&](auto& p) { return p.mag() < r; }},
+      {Mass::uniformSolidHemisphere(1.0, r),
+       {r, r, r},
+       [&](auto& p) { return p.mag() < r && p.z > 0.0; }},
+      {Mass::uniformSolidAxisAlignedEllipsoid(3.0, 0.5, 0.8, 1.1),
+       {0.5, 0.8, 1.1},
+       [&](auto& p) { return square(p.x / 0.5) + square(p.y / 0.8) + square(p.z / 1.1) < 1.0; }},
+      {Mass::uniformSolidAxisAlignedRectangularPrism(3.0, 0.6, 0.9, 1.4),
+       {0.3, 0.45, 0.7},
+       [](auto&) { return true; }},
+      {Mass::uniformSolidAxisAlignedCylinder(3.0, r, 1.5),
+       {r, r, 0.75},
+       [&](auto& p) { return std::hypot(p.x, p.y) < r; }},
+      {Mass::uniformSolidAxisAlignedTorus(3.0, 0.8, 0.3),
+       {1.1, 1.1, 0.3},
+       [&](auto& p) { return std::hypot(std::hypot(p.x, p.y) - 0.8, p.z) < 0.3; }},
+      {Mass::uniformSolidCapsule(2.0 + 1.5 * length / r, {along, r}),
+       {r, r, r + 0.5 * length},
+       [&](auto& p) {
+         return std::hypot(p.x, p.y, std::max(0.0, std::abs(p.z) - 0.5 * length)) < r;
+       }}};
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    SCOPED_TRACE(i);
+    expectNear(rows[i].mass, solid(rows[i].mass.mass(), rows[i].half, rows[i].inside), 1e-3);
+  }
+  // Slices of a spherical surface between equally spaced heights have equal areas (Archimedes).
+  Cloud shell;
+  for (int i = 0; i < 40000; ++i) {
+    const double z = (i / 200 + 0.5) / 100.0 - 1.0;
+    const double angle = i % 200 * 3.141592653589793 / 100.0;
+    const double s = std::sqrt(1.0 - z * z);
+    shell.push_back({3.0 / 40000, KtVector(s * std::cos(angle), s * std::sin(angle), z) * r});
+  }
+  expectNear(Mass::uniformSphericalShell(3.0, r), massOf(shell), 1e-4);
+}
+
+TEST_F(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
+  const double m = 5.0;
+  const double r = 0.3;
+  const KtCapsule upright(KtLineSegment({0.0, 0.0, -0.4}, {0.0, 0.0, 0.4}), r);
+  const Mass expected = Mass::uniformSolidCapsule(m, upright);
+  for (int trial = 0; trial < 20; ++trial) {
+    // Among them the segments along +z and -z, and one a little off -z.
+    T t = randomFrame();
+    if (trial == 0) t.setOrientation({});
+    if (trial == 1) t.setOrientation(KtOrientation(0.0, 0.6, 0.8, 0.0));
+    if (trial == 2) t.setOrientation(KtOrientation::xRotation(3.141592653589793 - 1e-6));
+    Mass moved = expected;
+    moved.transformBy(t);
+    expectNear(Mass::uniformSolidCapsule(m, t * upright), moved, 1e-9);
+  }
+  const KtVector center(1.0, 2.0, 3.0);
+  Mass sphere = Mass::uniformSolidSphere(m, r);
+  sphere.transformBy(center);
+  EXPECT_EQ(Mass::uniformSolidCapsule(m, {KtLineSegment(center, center), r}), sphere);
+}
+
+TEST_F(MassProperties, RepairKeepsTheCentreOfMassAndGivesAnInvertibleInertia) {
+  for (int trial = 0; trial < 100; ++trial) {
+    Mass body;
+    body.set(uniform(0.5, 2.0), randomVector(),
+             {uniform(), uniform(), uniform(), uniform(), uniform(), uniform()}, false);
+    const bool wasValid = body.isValid();
+    const Mass before = body;
+    body.makeValid();
+    EXPECT_TRUE(body.isValid());
+    EXPECT_TRUE(wasValid ? body == before : !(body == before));
+    EXPECT_TRUE(body.firstMoment().approxEq(before.firstMoment(), 1e-14));
+    if (wasValid) continue;
+    KtVector center;
+    body.getCenterOfMass(center);
+    const KtGeneralMotion a = randomMotion();
+    EXPECT_TRUE(body.calculateAcceleration(body.calculateForce(a)).approxEq(a, 1e-4));
+    body.transformBy(-center);
+    EXPECT_TRUE(body.secondMoment().isValid()) << "about the centre of mass";
+  }
+}
+
+TEST_F(MassProperties, LeastMassAndNothing) {
+  const KtSecondMoment j(1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
+  const double below = std::nextafter(1e-09, 0.0);
+  for (const auto& [m, valid] :
+       {std::pair{1e-09, true}, std::pair{below, false}, std::pair{0.0, false},
+        std::pair{std::numeric_limits<double>::quiet_NaN(), false}}) {
+    Mass body;
+    body.set(m, {}, j, false);
+    EXPECT_EQ(body.isValid(), valid) << m;
+    body.makeValid();
+    EXPECT_EQ(body.mass(), 1e-09);
+    EXPECT_EQ(body.secondMoment(), j);
+  }
+  for (const Mass& least : {Mass::nullObject(), Mass::pointMass(0.0)}) {
+    EXPECT_TRUE(least.isValid());
+    EXPECT_EQ(least.mass(), 1e-09);
+    EXPECT_EQ(least.firstMoment(), KtVector());
+  }
+  EXPECT_TRUE(Mass::pointMass(7.0).isValid());
+  EXPECT_FALSE(Mass().isValid());
+
+  Mass nothing;
+  nothing.set(0.0, {1.0, 2.0, 3.0}, {}, false);
+  KtVector center(9.0, 9.0, 9.0);
+  nothing.getCenterOfMass(center);
+  EXPECT_EQ(center, KtVector());
+  const KtGeneralMotion a = Mass().calculateAcceleration(KtGeneralForce({1, 0, 0}, {0, 1, 0}));
+  for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]));
+  EXPECT_GT(a[0], 1e100);
+  EXPECT_GT(a[4], 1e100);
+}
+
+bool invertsJ(const Mass& body) {
+  const KtVector v(1.0, -2.0, 3.0);
+  return (body.invSecondMoment() * (body.secondMoment() * v)).approxEq(v, 1e-9);
+}
+bool solves(const Mass& body) {
+  const KtGeneralMotion a({1.0, -2.0, 3.0}, {0.5, 0.1, -0.7});
+  return body.calculateAcceleration(body.calculateForce(a)).approxEq(a, 1e-9);
+}
+
+// The factor follows every change; the inverse doesn't follow set and scaleBy, which come last.
+TEST_F(MassProperties, CachesFollowChanges) {
+  const Mass start = massOf(randomCloud());
+  const Mass other = massOf(randomCloud());
+  const std::vector<std::function<void(Mass&)>> changes = {
+      [](Mass& b) { b.transformBy(KtOrientation(0.5, 0.5, -0.5, 0.5)); },
+      [](Mass& b) { b.transformBy(KtVector(1.0, 2.0, 3.0)); },
+      [](Mass& b) { b.transformBy(randomFrame()); },
+      [&](Mass& b) { b += other; },
+      [&](Mass& b) { b -= other; },
+      [&](Mass& b) { b = other; },
+      [](Mass& b) { b.scaleBy(2.0); },
+      [&](Mass& b) { b.set(other.mass(), other.firstMoment(), other.secondMoment(), true); }};
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    SCOPED_TRACE(i);
+    Mass body = start + other;
+    ASSERT_TRUE(solves(body) && invertsJ(body));
+    changes[i](body);
+    EXPECT_TRUE(solves(body));
+    EXPECT_EQ(invertsJ(body), i + 2 < changes.size());
+    const Mass copy = body;
+    EXPECT_TRUE(solves(copy) && invertsJ(copy));
+    body.computeSecondMomentInverse();
+    EXPECT_TRUE(invertsJ(body));
+  }
+}
+
+TEST_F(MassProperties, CopiesTakeNoMemory) {
+  const Mass source = massOf(randomCloud());
+  Mass target = source;
+  ASSERT_TRUE(solves(source) && solves(target) && invertsJ(target));
+  const Allocations allocations;
+  for (int i = 0; i < 3; ++i) {
+    Mass copy = source;
+    copy.transformBy(KtVector(1.0, 2.0, 3.0));
+    target = copy + source;
+    EXPECT_TRUE(solves(target) && invertsJ(target));
+  }
+  EXPECT_EQ(allocations.count(), 0U);
+}
+
+}  // namespace
