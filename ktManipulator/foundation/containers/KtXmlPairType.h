@@ -69,11 +69,7 @@ bool KtXmlPairType<A, B>::read(KtXmlReader& reader) {
   if (!KtXmlObject::read(reader)) return false;
   if (reader.currentEvent() == KtXmlReader::kEmpty) return true;
   bool ok = true;
-  const unsigned mark = reader.mark();
-  for (unsigned event = reader.nextChild(mark);
-       event == KtXmlReader::kStart || event == KtXmlReader::kEmpty;
-       event = reader.nextChild(mark)) {
-    const unsigned childMark = reader.mark();
+  reader.forEachChild([&] {
     if (reader.currentToken() == KtXml::KtFirstToken) {
       pair_.first.xmlInit();
       pair_.first.read(reader);
@@ -92,8 +88,7 @@ bool KtXmlPairType<A, B>::read(KtXmlReader& reader) {
       reader.countError();
       ok = false;
     }
-    reader.finishElement(childMark);
-  }
+  });
   return ok;
 }
 

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
-#include "ktManipulator/foundation/containers/KtXmlCount.h"
+#include "ktManipulator/foundation/containers/KtXmlList.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/foundation/xml/KtXmlReader.h"
@@ -62,30 +62,11 @@ bool KtXmlSetType<E>::read(KtXmlReader& reader) {
   E scratch;
   scratch.xmlInit();
   std::size_t number = 0;
-  const auto readOne = [&] {
+  Kt::detail::readXmlElements(reader, "KtXmlSetType", ktIsBasicType<E>, [&] {
     scratch.read(reader);
     elements_.insert(scratch);
     ++number;
-  };
-  const unsigned mark = reader.mark();
-  for (unsigned event = reader.nextChild(mark);
-       event == KtXmlReader::kStart || event == KtXmlReader::kEmpty;
-       event = reader.nextChild(mark)) {
-    const unsigned childMark = reader.mark();
-    if (reader.currentToken() == KtXml::KtGroupToken.text()) {
-      if (ktIsBasicType<E> && event == KtXmlReader::kStart &&
-          reader.nextEvent() == KtXmlReader::kText) {
-        reader.setDataMode(true);
-        while (reader.hasMoreData()) readOne();
-      } else {
-        Kt::Print::instance().write(Kt::Print::kError,
-                                    "KtXmlSetType Error: XML parser should be in data mode\n");
-      }
-    } else {
-      readOne();
-    }
-    reader.finishElement(childMark);
-  }
+  });
   if (static_cast<std::size_t>(count.expected) != number) {
     Kt::Print::instance().write(
         Kt::Print::kDiagnostic,

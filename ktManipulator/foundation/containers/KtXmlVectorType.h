@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
-#include "ktManipulator/foundation/containers/KtXmlCount.h"
+#include "ktManipulator/foundation/containers/KtXmlList.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/foundation/xml/KtXmlObjectVisitor.h"
 #include "ktManipulator/foundation/xml/KtXmlReader.h"
@@ -128,25 +128,8 @@ bool KtXmlVectorType<E>::read(KtXmlReader& reader) {
   if (count.refused) return false;
   elements_.reserve(count.reserve);
   if (reader.currentEvent() == KtXmlReader::kEmpty) return true;
-  const unsigned mark = reader.mark();
-  for (unsigned event = reader.nextChild(mark);
-       event == KtXmlReader::kStart || event == KtXmlReader::kEmpty;
-       event = reader.nextChild(mark)) {
-    const unsigned childMark = reader.mark();
-    if (reader.currentToken() == KtXml::KtGroupToken) {
-      if (ktIsBasicType<E> && event == KtXmlReader::kStart &&
-          reader.nextEvent() == KtXmlReader::kText) {
-        reader.setDataMode(true);
-        while (reader.hasMoreData()) elements_.emplace_back().read(reader);
-      } else {
-        Kt::Print::instance().write(Kt::Print::kError,
-                                    "KtXmlVectorType Error: XML parser should be in data mode\n");
-      }
-    } else {
-      elements_.emplace_back().read(reader);
-    }
-    reader.finishElement(childMark);
-  }
+  Kt::detail::readXmlElements(reader, "KtXmlVectorType", ktIsBasicType<E>,
+                              [&] { elements_.emplace_back().read(reader); });
   if (static_cast<std::size_t>(count.expected) != elements_.size()) {
     Kt::Print::instance().write(
         Kt::Print::kDiagnostic,

@@ -2,59 +2,52 @@
 
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
 
-namespace {
-
-KtToken qualified(const char* localName) {
-  return KtToken(std::string(KtXml::namespaceName) + localName);
-}
-
-}  // namespace
-
 namespace KtFoundCommon {
 
-const KtToken KtCoordinateSystemTransformToken = qualified("coordinateSystemTransform");
-const KtToken KtGeneralForceToken = qualified("generalForce");
-const KtToken KtGeneralVelocityToken = qualified("generalVelocity");
-const KtToken KtSecondMomentToken = qualified("secondMoment");
+const KtToken KtCoordinateSystemTransformToken = KtXml::qualifiedToken("coordinateSystemTransform");
+const KtToken KtGeneralForceToken = KtXml::qualifiedToken("generalForce");
+const KtToken KtGeneralVelocityToken = KtXml::qualifiedToken("generalVelocity");
+const KtToken KtSecondMomentToken = KtXml::qualifiedToken("secondMoment");
 const KtToken KtSurfaceTensionSpringConstantToken("ktSurfaceTensionSpringConstant");
-const KtToken KtVectorToken = qualified("vector3");
-const KtToken KtOrientationToken = qualified("orientation");
-const KtToken KtSpatialMatrixToken = qualified("spatialMatrix");
-const KtToken KtTranslationToken = qualified("translation");
-const KtToken KtLinearToken = qualified("linear");
-const KtToken KtAngularToken = qualified("angular");
-const KtToken KtForceToken = qualified("force");
-const KtToken KtMomentToken = qualified("moment");
-const KtToken KtScalarFunctionContainerToken = qualified("scalarFunctionContainer");
-const KtToken KtLinearScalarFunctionToken = qualified("linearScalarFunction");
-const KtToken KtStartValueToken = qualified("startValue");
-const KtToken KtEndValueToken = qualified("endValue");
-const KtToken KtLinearMultivariableConstraintToken = qualified("linearMultivariableConstraint");
-const KtToken KtConstantToken = qualified("constant");
-const KtToken KtCoefficientsToken = qualified("coefficients");
+const KtToken KtVectorToken = KtXml::qualifiedToken("vector3");
+const KtToken KtOrientationToken = KtXml::qualifiedToken("orientation");
+const KtToken KtSpatialMatrixToken = KtXml::qualifiedToken("spatialMatrix");
+const KtToken KtTranslationToken = KtXml::qualifiedToken("translation");
+const KtToken KtLinearToken = KtXml::qualifiedToken("linear");
+const KtToken KtAngularToken = KtXml::qualifiedToken("angular");
+const KtToken KtForceToken = KtXml::qualifiedToken("force");
+const KtToken KtMomentToken = KtXml::qualifiedToken("moment");
+const KtToken KtScalarFunctionContainerToken = KtXml::qualifiedToken("scalarFunctionContainer");
+const KtToken KtLinearScalarFunctionToken = KtXml::qualifiedToken("linearScalarFunction");
+const KtToken KtStartValueToken = KtXml::qualifiedToken("startValue");
+const KtToken KtEndValueToken = KtXml::qualifiedToken("endValue");
+const KtToken KtLinearMultivariableConstraintToken =
+    KtXml::qualifiedToken("linearMultivariableConstraint");
+const KtToken KtConstantToken = KtXml::qualifiedToken("constant");
+const KtToken KtCoefficientsToken = KtXml::qualifiedToken("coefficients");
 
 }  // namespace KtFoundCommon
 
 namespace KtGeom {
 
-const KtToken KtLinkCollisionForceToken = qualified("linkCollisionForce");
-const KtToken KtShapeContainerToken = qualified("shapeContainer");
-const KtToken KtSurfacesToken = qualified("surfaces");
-const KtToken KtSphereToken = qualified("sphere");
-const KtToken KtCapsuleToken = qualified("capsule");
-const KtToken KtEllipsoidToken = qualified("ellipsoid");
-const KtToken KtPlaneToken = qualified("plane");
-const KtToken KtLineToken = qualified("line");
-const KtToken KtLineSegmentToken = qualified("lineSegment");
-const KtToken KtCenterToken = qualified("center");
-const KtToken KtRadiusToken = qualified("radius");
-const KtToken KtRadiiToken = qualified("radii");
-const KtToken KtDimensionToken = qualified("dimension");
-const KtToken KtBasePointToken = qualified("basePoint");
-const KtToken KtNormalVectorToken = qualified("normalVector");
-const KtToken KtPointToken = qualified("point");
-const KtToken KtUnitVectorToken = qualified("unitVector");
-const KtToken KtEndpoint0Token = qualified("endpoint0");
-const KtToken KtEndpoint1Token = qualified("endpoint1");
+const KtToken KtLinkCollisionForceToken = KtXml::qualifiedToken("linkCollisionForce");
+const KtToken KtShapeContainerToken = KtXml::qualifiedToken("shapeContainer");
+const KtToken KtSurfacesToken = KtXml::qualifiedToken("surfaces");
+const KtToken KtSphereToken = KtXml::qualifiedToken("sphere");
+const KtToken KtCapsuleToken = KtXml::qualifiedToken("capsule");
+const KtToken KtEllipsoidToken = KtXml::qualifiedToken("ellipsoid");
+const KtToken KtPlaneToken = KtXml::qualifiedToken("plane");
+const KtToken KtLineToken = KtXml::qualifiedToken("line");
+const KtToken KtLineSegmentToken = KtXml::qualifiedToken("lineSegment");
+const KtToken KtCenterToken = KtXml::qualifiedToken("center");
+const KtToken KtRadiusToken = KtXml::qualifiedToken("radius");
+const KtToken KtRadiiToken = KtXml::qualifiedToken("radii");
+const KtToken KtDimensionToken = KtXml::qualifiedToken("dimension");
+const KtToken KtBasePointToken = KtXml::qualifiedToken("basePoint");
+const KtToken KtNormalVectorToken = KtXml::qualifiedToken("normalVector");
+const KtToken KtPointToken = KtXml::qualifiedToken("point");
+const KtToken KtUnitVectorToken = KtXml::qualifiedToken("unitVector");
+const KtToken KtEndpoint0Token = KtXml::qualifiedToken("endpoint0");
+const KtToken KtEndpoint1Token = KtXml::qualifiedToken("endpoint1");
 
 }  // namespace KtGeom

@@ -28,18 +28,12 @@ void KtXmlBaseVariableCompoundType::xmlInit() {
 
 bool KtXmlBaseVariableCompoundType::read(KtXmlReader& reader) {
   if (!KtXmlObject::read(reader)) return false;
-  const unsigned mark = reader.mark();
   bool ok = true;
-  for (unsigned event = reader.nextChild(mark);
-       event == KtXmlReader::kStart || event == KtXmlReader::kEmpty;
-       event = reader.nextChild(mark)) {
-    const unsigned childMark = reader.mark();
-    if (!readValueFromToken(reader.currentToken(), reader)) {
-      reader.countError();
-      ok = false;
-    }
-    reader.finishElement(childMark);
-  }
+  reader.forEachChild([&] {
+    if (readValueFromToken(reader.currentToken(), reader)) return;
+    reader.countError();
+    ok = false;
+  });
   return ok;
 }
 

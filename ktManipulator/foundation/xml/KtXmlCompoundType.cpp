@@ -40,15 +40,8 @@ bool KtXmlCompoundType::readAttributes(KtXmlReader& reader) {
 }
 
 bool KtXmlCompoundType::readElements(KtXmlReader& reader) {
-  const unsigned mark = reader.mark();
   bool ok = true;
-  for (unsigned event = reader.nextChild(mark);
-       event == KtXmlReader::kStart || event == KtXmlReader::kEmpty;
-       event = reader.nextChild(mark)) {
-    const unsigned childMark = reader.mark();
-    ok = readValueFromToken(reader.currentToken(), reader) && ok;
-    reader.finishElement(childMark);
-  }
+  reader.forEachChild([&] { ok = readValueFromToken(reader.currentToken(), reader) && ok; });
   return ok;
 }
 

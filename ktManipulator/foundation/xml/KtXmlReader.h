@@ -103,6 +103,18 @@ class KT_EXPORT KtXmlReader {
   /// @return `kStart` or `kEmpty` with the child in hand; `kEnd` when the element's end has been
   ///         consumed; `kNone` at the end of a broken document
   unsigned nextChild(unsigned mark);
+  /// Calls a function for every child of the element in hand, with the child in hand, and consumes
+  /// what it left over of the child; at the end the element's end has been consumed.
+  template <class ReadChild>
+  void forEachChild(ReadChild&& readOne) {
+    const unsigned own = mark();
+    for (unsigned event = nextChild(own); event == kStart || event == kEmpty;
+         event = nextChild(own)) {
+      const unsigned child = mark();
+      readOne();
+      finishElement(child);
+    }
+  }
   /// Lets the object read the element in hand and consumes what it left over of it.
   bool readChild(KtXmlObject& object);
 

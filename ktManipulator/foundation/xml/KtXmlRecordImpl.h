@@ -82,12 +82,8 @@ void describeField(KtXmlSchema& schema, const Field& field) {
 template <class Cls>
 bool KtXmlRecord<Cls>::read(KtXmlReader& reader) {
   if (!KtXmlObject::read(reader)) return false;
-  const unsigned mark = reader.mark();
   bool ok = true;
-  for (unsigned event = reader.nextChild(mark);
-       event == KtXmlReader::kStart || event == KtXmlReader::kEmpty;
-       event = reader.nextChild(mark)) {
-    const unsigned childMark = reader.mark();
+  reader.forEachChild([&] {
     const KtToken& name = reader.currentToken();
     bool known = false;
     Cls::forEachField(static_cast<Cls&>(*this), [&](const KtToken& token, auto& field) {
@@ -100,8 +96,7 @@ bool KtXmlRecord<Cls>::read(KtXmlReader& reader) {
                          std::string(this->token().localName()));
       ok = false;
     }
-    reader.finishElement(childMark);
-  }
+  });
   return ok && !reader.failed();
 }
 

@@ -2,25 +2,19 @@
 
 namespace KtXml {
 
-namespace {
-KtToken qualified(const char* localName) {
-  return KtToken(std::string(namespaceName) + localName);
-}
-}  // namespace
-
-const KtToken KtAddLibrariesToken = qualified("addLibraries");
+const KtToken KtAddLibrariesToken = qualifiedToken("addLibraries");
 const KtToken KtCountToken("count");
-const KtToken KtElementToken = qualified("element");
-const KtToken KtFirstToken = qualified("first");
-const KtToken KtGroupToken = qualified("group");
-const KtToken KtKeyToken = qualified("key");
-const KtToken KtMapTypeToken = qualified("map");
-const KtToken KtPairTypeToken = qualified("pair");
-const KtToken KtSecondToken = qualified("second");
-const KtToken KtSetTypeToken = qualified("set");
-const KtToken KtValueToken = qualified("value");
-const KtToken KtVectorTypeToken = qualified("vector");
-const KtToken KtBasicTypeToken = qualified("basic");
-const KtToken KtEnumTypeToken = qualified("enum");
+const KtToken KtElementToken = qualifiedToken("element");
+const KtToken KtFirstToken = qualifiedToken("first");
+const KtToken KtGroupToken = qualifiedToken("group");
+const KtToken KtKeyToken = qualifiedToken("key");
+const KtToken KtMapTypeToken = qualifiedToken("map");
+const KtToken KtPairTypeToken = qualifiedToken("pair");
+const KtToken KtSecondToken = qualifiedToken("second");
+const KtToken KtSetTypeToken = qualifiedToken("set");
+const KtToken KtValueToken = qualifiedToken("value");
+const KtToken KtVectorTypeToken = qualifiedToken("vector");
+const KtToken KtBasicTypeToken = qualifiedToken("basic");
+const KtToken KtEnumTypeToken = qualifiedToken("enum");
 
 }  // namespace KtXml

@@ -12,6 +12,11 @@ namespace KtXml {
 /// namespace counts as one of this namespace, so that a file written by hand may leave it out.
 inline constexpr const char* namespaceName = "http://ktmanipulator.org/namespace/mn#";
 
+/// The token of a local name in that namespace.
+inline KtToken qualifiedToken(const char* localName) {
+  return KtToken(std::string(namespaceName) + localName);
+}
+
 KT_EXPORT extern const KtToken KtAddLibrariesToken;  ///< "addLibraries"
 KT_EXPORT extern const KtToken KtCountToken;         ///< Attribute "count", without a namespace
 KT_EXPORT extern const KtToken KtElementToken;       ///< "element"

@@ -1,4 +1,4 @@
-#include "ktManipulator/foundation/containers/KtXmlCount.h"
+#include "ktManipulator/foundation/containers/KtXmlList.h"
 
 #include <algorithm>
 #include <cstdlib>
