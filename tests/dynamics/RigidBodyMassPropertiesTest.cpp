@@ -220,7 +220,8 @@ TEST_F(MassProperties, BuildersAgreeWithIntegration) {
   // Slices of a spherical surface between equally spaced heights have equal areas (Archimedes).
   Cloud shell;
   for (int i = 0; i < 40000; ++i) {
-    const double z = (i / 200 + 0.5) / 100.0 - 1.0;
+    const int slice = i / 200;
+    const double z = (slice + 0.5) / 100.0 - 1.0;
     const double angle = i % 200 * 3.141592653589793 / 100.0;
     const double s = std::sqrt(1.0 - z * z);
     shell.push_back({3.0 / 40000, KtVector(s * std::cos(angle), s * std::sin(angle), z) * r});

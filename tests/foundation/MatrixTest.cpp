@@ -344,7 +344,7 @@ TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   EXPECT_EQ(w[0], entries);
   const KtReArray moved = std::move(w);
   EXPECT_EQ(moved, s);
-  EXPECT_EQ(w, KtReArray());
+  EXPECT_EQ(w, KtReArray());  // NOLINT(bugprone-use-after-move)
 }
 
 KtVector randomVector() {

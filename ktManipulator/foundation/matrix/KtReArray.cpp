@@ -82,7 +82,8 @@ inline void addRows(double* __restrict out, std::size_t n, double sign, Coeffici
 // entries stand in `reciprocals`, which has no place for the last. Answers whether no pivot had to
 // be raised.
 template <std::size_t R>
-bool factorRows(double* factor, std::size_t size, std::size_t i, double* reciprocals) {
+bool factorRows(double* factor,  // NOLINT(readability-non-const-parameter)
+                std::size_t size, std::size_t i, double* reciprocals) {
   double* row[R];
   const double* left[R];
   for (std::size_t q = 0; q < R; ++q) left[q] = row[q] = factor + (i + q) * size;
