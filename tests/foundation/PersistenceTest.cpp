@@ -134,6 +134,32 @@ TEST(Compound, ForeignNamesStayApart) {
   EXPECT_EQ(value, 2.0);
 }
 
+/// A class of a program that has no namespace of its own.
+class PlainNamed : public KtXmlPersistent<PlainNamed, KtXmlCompoundType> {
+ public:
+  void registerComponents() override { registerComponent(KtToken("mark"), &mark); }
+  bool operator==(const PlainNamed&) const = default;
+  static const KtToken& classToken() {
+    static const KtToken token("plainNamed");
+    return token;
+  }
+  KtXmlBasicType<double> mark;
+};
+
+TEST(Compound, TokensWithoutANamespaceComeBack) {
+  PlainNamed object;
+  object.mark = 3.0;
+  PlainNamed back;
+  EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(object), back));
+  EXPECT_EQ(back, object);
+  KtXmlFactory factory;
+  factory.registerCreator(PlainNamed::classToken(), PlainNamed::creator);
+  const std::unique_ptr<KtXmlObject> made(
+      factory.newObjectFromToken(SampleNode::name("plainNamed")));
+  EXPECT_NE(made, nullptr);
+  EXPECT_EQ(factory.newObjectFromToken(KtToken("http://other/ns#plainNamed")), nullptr);
+}
+
 TEST(Compound, EqualityLooksAtTheClass) {
   const KtLabelAssociatedRealMap real;
   const KtLabelAssociatedMap<KtXmlBasicType<double>> base;

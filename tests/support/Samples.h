@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,11 @@ struct Sample {
   std::string name;
   std::function<std::unique_ptr<KtXmlObject>()> make;
 };
+
+/// Names a sample in the names of tests.
+inline void PrintTo(const Sample& sample, std::ostream* stream) {
+  *stream << sample.name;
+}
 
 /// A small class that has all that a compound can have, and holds a list of its own kind.
 class SampleNode : public KtXmlPersistent<SampleNode, KtXmlCompoundType> {

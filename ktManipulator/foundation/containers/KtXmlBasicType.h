@@ -30,9 +30,9 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
   /// From a value.
   KtXmlBasicType(const T& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
   KtXmlBasicType(const KtXmlBasicType&) = default;
-  KtXmlBasicType(KtXmlBasicType&&) = default;
+  KtXmlBasicType(KtXmlBasicType&&) noexcept = default;
   KtXmlBasicType& operator=(const KtXmlBasicType&) = default;
-  KtXmlBasicType& operator=(KtXmlBasicType&&) = default;
+  KtXmlBasicType& operator=(KtXmlBasicType&&) noexcept = default;
   KtXmlBasicType& operator=(const T& value) {
     value_ = value;
     return *this;

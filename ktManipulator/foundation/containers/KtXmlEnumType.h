@@ -25,7 +25,7 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   /// From a value.
   KtXmlEnumType(const T& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
   KtXmlEnumType(const KtXmlEnumType&) = default;
-  KtXmlEnumType(KtXmlEnumType&&) = default;
+  KtXmlEnumType(KtXmlEnumType&&) noexcept = default;
   /// Takes the value; the words stay, unless this one has none.
   KtXmlEnumType& operator=(const KtXmlEnumType& other) {
     value_ = other.value_;

@@ -30,7 +30,7 @@ E* makeHeld(const KtXmlBaseVariableCompoundType& holder, const KtToken& token,
   if (reader.factory() == nullptr) return nullptr;
   std::unique_ptr<KtXmlObject> object(reader.factory()->newObjectFromToken(token));
   auto* element = dynamic_cast<E*>(object.get());
-  if (element != nullptr) object.release();
+  if (element != nullptr) static_cast<void>(object.release());
   return element;
 }
 

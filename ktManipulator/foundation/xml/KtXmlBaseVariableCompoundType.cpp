@@ -4,6 +4,7 @@
 
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/foundation/xml/KtBaseExpressionTreeElement.h"
+#include "ktManipulator/foundation/xml/KtXmlFactory.h"
 #include "ktManipulator/foundation/xml/KtXmlReader.h"
 #include "ktManipulator/foundation/xml/KtXmlSchema.h"
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
@@ -69,9 +70,8 @@ void KtXmlBaseVariableCompoundType::registerComponentCreator(const KtToken& toke
 }
 
 KtXmlObject* KtXmlBaseVariableCompoundType::newObjectFromToken(const KtToken& token) const {
-  const auto& creators = creatorMap();
-  const auto found = creators.find(token.text());
-  return found == creators.end() ? nullptr : found->second();
+  const Creator creator = KtXmlFactory::findCreator(creatorMap(), token);
+  return creator != nullptr ? creator() : nullptr;
 }
 
 const KtXmlBaseVariableCompoundType::LibraryList& KtXmlBaseVariableCompoundType::addLibraries()

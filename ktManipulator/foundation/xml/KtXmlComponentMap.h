@@ -19,7 +19,7 @@ class KT_EXPORT KtXmlComponentMap {
 
   /// Adds a component behind the others; one of the same name is replaced where it stands.
   void add(const KtToken& token, KtXmlObject* component, bool readOnly);
-  /// The entry of that name, or null.
+  /// The entry that a name of a file belongs to (see `KtXml::isNamedBy`), or null.
   const Entry* find(const KtToken& token) const noexcept;
   /// All entries, in order.
   const std::vector<Entry>& entries() const noexcept { return entries_; }

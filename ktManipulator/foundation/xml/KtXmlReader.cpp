@@ -414,7 +414,7 @@ bool KtXmlReader::readDocument(KtXmlObject& object) {
 bool KtXmlReader::readDocument(KtXmlObject& object, const KtToken& root) {
   const unsigned event = nextEvent();
   if (event != kStart && event != kEmpty) return false;
-  if (currentToken() != root) {
+  if (!KtXml::isNamedBy(currentToken(), root)) {
     reportError("expected the root element <" + std::string(root.localName()) + "> but received <" +
                 std::string(currentToken().localName()) + ">");
     return false;

@@ -17,6 +17,14 @@ inline KtToken qualifiedToken(const char* localName) {
   return KtToken(std::string(namespaceName) + localName);
 }
 
+/// Whether an element or attribute of a file is the one that a token names. Beside equal names, the
+/// name of an element in the library's namespace fits a token without a namespace: in a file such a
+/// token can't be told from one of that namespace.
+inline bool isNamedBy(const KtToken& inFile, const KtToken& token) noexcept {
+  return inFile == token || (token.namespaceName().empty() && inFile.localName() == token.text() &&
+                             inFile.namespaceName() == namespaceName);
+}
+
 KT_EXPORT extern const KtToken KtAddLibrariesToken;  ///< "addLibraries"
 KT_EXPORT extern const KtToken KtCountToken;         ///< Attribute "count", without a namespace
 KT_EXPORT extern const KtToken KtElementToken;       ///< "element"
