@@ -9,9 +9,9 @@
 int main(int argc, char** argv) {
   const std::string fileName = argc > 1 ? argv[1] : "forearm.xml";
 
-  // An aluminium tube along z, and a steel ball at its end; lengths in m, masses in kg.
-  const KtCapsule tube(KtLineSegment({0.0, 0.0, 0.0}, {0.0, 0.0, 0.3}), 0.04);
-  auto forearm = KtRigidBodyMassProperties::uniformSolidCapsule(2.7, tube);
+  // A rod along z, and a ball at its end; lengths in m, masses in kg.
+  auto forearm = KtRigidBodyMassProperties::uniformSolidAxisAlignedCylinder(2.7, 0.04, 0.3);
+  forearm.transformBy(KtVector(0.0, 0.0, 0.15));
   auto ball = KtRigidBodyMassProperties::uniformSolidSphere(0.5, 0.025);
   ball.transformBy(KtVector(0.0, 0.0, 0.36));
   forearm += ball;

@@ -89,20 +89,24 @@ KtGeneralMotion KtRigidBodyMassProperties::calculateAcceleration(
 KtGeneralMotion KtRigidBodyMassProperties::calculateAcceleration(
     const KtGeneralForce& force) const {
   const KtReArray& l = spatialCholeskyDecomposition();
-  // Two divisions by a floor of 1e-300 would overflow for a mass of zero.
-  const auto divided = [](double x, double by) {
-    constexpr double largest = std::numeric_limits<double>::max();
-    return std::clamp(x / KtMath::nonZeroPos(by), -largest, largest);
+  // Two divisions by a floor of 1e-300 would overflow for a mass of zero. A sixth of the largest
+  // double leaves room for the sums.
+  const auto bounded = [](double x) {
+    constexpr double largest = std::numeric_limits<double>::max() / 6.0;
+    return std::clamp(x, -largest, largest);
+  };
+  const auto divided = [bounded](double x, double by) {
+    return bounded(x / KtMath::nonZeroPos(by));
   };
   double a[6];
   for (KtU32 i = 0; i < 3; ++i) a[i] = divided(force[i], l[i][i]);
   for (KtU32 i = 3; i < 6; ++i) {
     a[i] = force[i];
-    for (KtU32 j = 0; j < i; ++j) a[i] -= l[i][j] * a[j];
+    for (KtU32 j = 0; j < i; ++j) a[i] -= bounded(l[i][j] * a[j]);
     a[i] = divided(a[i], l[i][i]);
   }
   for (KtU32 i = 6; i-- > 0;) {
-    for (KtU32 j = i + 1; j < 6; ++j) a[i] -= l[j][i] * a[j];
+    for (KtU32 j = i + 1; j < 6; ++j) a[i] -= bounded(l[j][i] * a[j]);
     a[i] = divided(a[i], l[i][i]);
   }
   return {KtVector(a[0], a[1], a[2]), KtVector(a[3], a[4], a[5])};
@@ -184,9 +188,7 @@ void KtRigidBodyMassProperties::getArray(KtReArray& array) const {
 
 bool KtRigidBodyMassProperties::approxEq(const KtRigidBodyMassProperties& other,
                                          double tolerance) const {
-  const double m1 = mass_.value();
-  const double m2 = other.mass_.value();
-  return std::max(m1, m2) <= std::min(m1, m2) + tolerance &&
+  return KtMath::approxEq(mass_.value(), other.mass_.value(), tolerance) &&
          firstMoment_.approxEq(other.firstMoment_, tolerance) &&
          secondMoment_.approxEq(other.secondMoment_, tolerance);
 }
@@ -235,6 +237,11 @@ void KtRigidBodyMassProperties::makeValid() {
   repaired.makeValid();
   body.set(body.mass(), body.firstMoment(), repaired, false);
   body.transformBy(center);
+  if (!body.secondMoment_.isValid()) {
+    // So far from the centre of mass the translation's rounding swallows a small repaired tensor.
+    const double least = 1e-14 * body.mass_.value() * center.magSquared();
+    body.secondMoment_ += KtSecondMoment(least, least, least, 0.0, 0.0, 0.0);
+  }
   *this = body;
 }
 

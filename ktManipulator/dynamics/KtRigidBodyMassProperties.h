@@ -110,7 +110,8 @@ class KT_EXPORT KtRigidBodyMassProperties
   virtual void getEllipsoid(KtEllipsoid& ellipsoid, double& density) const;
   /// Repairs the properties so that I is positive definite: raises the mass to 1e-09 kg, and, if J
   /// is not valid, repairs the tensor about the centre of mass by `KtSecondMoment::makeValid`,
-  /// where its eigenvalues have their physical meaning. Valid properties stay as they are.
+  /// where its eigenvalues have their physical meaning. Valid properties stay as they are, and so
+  /// does a first moment that is not finite, which nothing can repair.
   virtual void makeValid();
   /// Computes the inverse of J.
   virtual void computeSecondMomentInverse() const;

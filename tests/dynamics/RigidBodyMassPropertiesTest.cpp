@@ -4,44 +4,20 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <random>
 
 #include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
 #include "ktManipulator/foundation/geometry/KtCapsule.h"
 #include "ktManipulator/foundation/geometry/KtEllipsoid.h"
 #include "support/Allocations.h"
+#include "support/Random.h"
 
 namespace {
 
 using Mass = KtRigidBodyMassProperties;
 using T = KtCoordinateSystemTransformation;
 
-std::mt19937_64& random() {
-  static std::mt19937_64 generator;
-  return generator;
-}
-double uniform(double from = -1.0, double to = 1.0) {
-  return std::uniform_real_distribution<double>(from, to)(random());
-}
-KtVector randomVector() {
-  return {uniform(), uniform(), uniform()};
-}
-KtOrientation randomOrientation() {
-  KtOrientation q(uniform(), uniform(), uniform(), uniform());
-  q.normalize();
-  return q;
-}
-T randomFrame() {
-  return {randomVector(), randomOrientation()};
-}
-KtGeneralMotion randomMotion() {
-  return {randomVector(), randomVector()};
-}
-
-class MassProperties : public testing::Test {
- protected:
-  MassProperties() { random().seed(20240517); }
-};
+using namespace sampling;
+using MassProperties = Seeded;
 
 // A body made of particles: every answer can be found particle by particle.
 struct Particle {
@@ -81,7 +57,7 @@ TEST_F(MassProperties, MoveAddAndScaleAsTheirParticlesDo) {
   for (int trial = 0; trial < 20; ++trial) {
     const Cloud cloud = randomCloud();
     const Cloud other = randomCloud();
-    const T t = randomFrame();
+    const T t = randomTransformation();
     Cloud moved = cloud;
     for (auto& [m, r] : moved) r = t * r;
     Mass body = massOf(cloud);
@@ -236,7 +212,7 @@ TEST_F(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
   const Mass expected = Mass::uniformSolidCapsule(m, upright);
   for (int trial = 0; trial < 20; ++trial) {
     // Among them the segments along +z and -z, and one a little off -z.
-    T t = randomFrame();
+    T t = randomTransformation();
     if (trial == 0) t.setOrientation({});
     if (trial == 1) t.setOrientation(KtOrientation(0.0, 0.6, 0.8, 0.0));
     if (trial == 2) t.setOrientation(KtOrientation::xRotation(3.141592653589793 - 1e-6));
@@ -284,6 +260,11 @@ TEST_F(MassProperties, LeastMassAndNothing) {
     EXPECT_EQ(body.mass(), 1e-09);
     EXPECT_EQ(body.secondMoment(), j);
   }
+  // A centre of mass so far out that a repair about it is lost in the way back.
+  for (const double r : {0.1, 1.0, 10.0}) {
+    EXPECT_TRUE(Mass::uniformSolidHemisphere(0.0, r).isValid()) << r;
+    EXPECT_TRUE(Mass(0.0, {r, -r, r}, {}).isValid()) << r;
+  }
   for (const Mass& least : {Mass::nullObject(), Mass::pointMass(0.0)}) {
     EXPECT_TRUE(least.isValid());
     EXPECT_EQ(least.mass(), 1e-09);
@@ -297,8 +278,10 @@ TEST_F(MassProperties, LeastMassAndNothing) {
   KtVector center(9.0, 9.0, 9.0);
   nothing.getCenterOfMass(center);
   EXPECT_EQ(center, KtVector());
-  const KtGeneralMotion a = Mass().calculateAcceleration(KtGeneralForce({1, 0, 0}, {0, 1, 0}));
-  for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]));
+  const KtGeneralForce force({1, 0, 0}, {0, 1, 0});
+  const KtGeneralMotion a = Mass().calculateAcceleration(force);
+  const KtGeneralMotion b = nothing.calculateAcceleration(force);
+  for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]) && std::isfinite(b[i]));
   EXPECT_GT(a[0], 1e100);
   EXPECT_GT(a[4], 1e100);
 }
@@ -319,7 +302,7 @@ TEST_F(MassProperties, CachesFollowChanges) {
   const std::vector<std::function<void(Mass&)>> changes = {
       [](Mass& b) { b.transformBy(KtOrientation(0.5, 0.5, -0.5, 0.5)); },
       [](Mass& b) { b.transformBy(KtVector(1.0, 2.0, 3.0)); },
-      [](Mass& b) { b.transformBy(randomFrame()); },
+      [](Mass& b) { b.transformBy(randomTransformation()); },
       [&](Mass& b) { b += other; },
       [&](Mass& b) { b -= other; },
       [&](Mass& b) { b = other; },

@@ -4,31 +4,20 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <random>
 
 #include "ktManipulator/foundation/matrix/KtReArray.h"
 #include "ktManipulator/foundation/matrix/KtSecondMoment.h"
 #include "ktManipulator/foundation/matrix/KtSpatialMatrix.h"
 #include "support/Allocations.h"
 #include "support/KtLogCapture.h"
+#include "support/Random.h"
 
 namespace {
 
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-std::mt19937_64& random() {
-  static std::mt19937_64 generator;
-  return generator;
-}
-double uniform(double from = -1.0, double to = 1.0) {
-  return std::uniform_real_distribution<double>(from, to)(random());
-}
-
-class Seeded : public testing::Test {
- protected:
-  Seeded() { random().seed(20240517); }
-};
+using namespace sampling;
 using ReArray = Seeded;
 using SpatialMatrix = Seeded;
 using SecondMoment = Seeded;
@@ -205,7 +194,7 @@ TEST_F(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
 }
 
 TEST_F(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
-  const auto upTo = [](KtU32 n) { return static_cast<KtU32>(random()() % n); };
+  const auto upTo = [](KtU32 n) { return static_cast<KtU32>(generator()() % n); };
   for (int trial = 0; trial < 400; ++trial) {
     SCOPED_TRACE(trial);
     const KtU32 rows = 1 + upTo(8);
@@ -345,15 +334,6 @@ TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   const KtReArray moved = std::move(w);
   EXPECT_EQ(moved, s);
   EXPECT_EQ(w, KtReArray());  // NOLINT(bugprone-use-after-move)
-}
-
-KtVector randomVector() {
-  return {uniform(), uniform(), uniform()};
-}
-KtOrientation randomOrientation() {
-  KtOrientation q(uniform(), uniform(), uniform(), uniform());
-  q.normalize();
-  return q;
 }
 
 TEST_F(SpatialMatrix, CrossProductsAndRotationsActAsTheirVectorsDo) {

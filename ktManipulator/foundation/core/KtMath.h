@@ -20,9 +20,8 @@ class KT_EXPORT KtMath {
   static constexpr double nonZeroPos(const double& x) noexcept { return x >= 1e-300 ? x : 1e-300; }
 
   /// Whether two reals differ by no more than the tolerance: with a the larger and b the smaller,
-  /// they differ if a > b + tolerance. Two equal values never differ; NaN differs from nothing,
-  /// as every comparison with it is false.
+  /// they differ if a > b + tolerance. A NaN differs from everything.
   static constexpr bool approxEq(double x, double y, double tolerance) noexcept {
-    return x > y ? !(x > y + tolerance) : !(y > x + tolerance);
+    return x > y ? x <= y + tolerance : y <= x + tolerance;
   }
 };

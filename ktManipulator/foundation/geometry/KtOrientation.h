@@ -44,7 +44,8 @@ class KT_EXPORT KtOrientation {
   /// The inverse rotation (the conjugate).
   constexpr KtOrientation inverse() const noexcept { return {q_[0], -q_[1], -q_[2], -q_[3]}; }
 
-  /// Rescales to unit length in place. A zero or non-finite quaternion becomes the identity.
+  /// Rescales to unit length in place. A quaternion without a length (zero, not finite, or so large
+  /// that its square is not) becomes the identity.
   void normalize() noexcept {
     const double squared = q_[0] * q_[0] + q_[1] * q_[1] + q_[2] * q_[2] + q_[3] * q_[3];
     if (!(squared > 0.0) || !std::isfinite(squared)) {

@@ -64,9 +64,19 @@ class KT_EXPORT KtVector {
   double mag() const noexcept { return std::sqrt(magSquared()); }
   /// Squared length.
   constexpr double magSquared() const noexcept { return dot(*this); }
-  /// This divided by its length. The zero vector gives the zero vector: the length is floored at
-  /// 1e-300.
-  KtVector unitVector() const noexcept { return *this / KtMath::nonZeroPos(mag()); }
+  /// This divided by its length, also where the square of the length is beyond the range of a
+  /// double. The zero vector gives the zero vector.
+  KtVector unitVector() const noexcept {
+    const double squared = magSquared();
+    if (squared > 1e-280 && squared < 1e300) return *this / std::sqrt(squared);
+    const KtVector scaled = *this / KtMath::nonZeroPos(largestComponent());
+    return scaled / KtMath::nonZeroPos(scaled.mag());
+  }
+
+  /// The largest absolute value of a component.
+  double largestComponent() const noexcept {
+    return std::fmax(std::fmax(std::abs(x), std::abs(y)), std::abs(z));
+  }
 
   /// Whether no component differs by more than the tolerance.
   constexpr bool approxEq(const KtVector& v, double tolerance) const noexcept {

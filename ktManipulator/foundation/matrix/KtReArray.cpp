@@ -251,6 +251,7 @@ bool KtReArray::transform(const KtReArray& b, KtReArray& out) const {
     return true;
   }
   out.setToZeros(rows_, b.columns_);
+  if (columns_ == 0) return true;
   if (b.columns_ == 1) {
     const double* const right[1] = {b[0]};
     KtU32 i = 0;
@@ -282,6 +283,7 @@ bool KtReArray::leftTransposeTransform(const KtReArray& b, KtReArray& out) const
     return true;
   }
   out.setToZeros(columns_, b.columns_);
+  if (rows_ == 0) return true;
   if (b.columns_ == 1) {
     addRows(out[0], columns_, 1.0, {b[0], 1}, rows_, (*this)[0], columns_);
     return true;
@@ -300,6 +302,7 @@ void KtReArray::overconstrainedNormal(KtReArray& out) const {
     return;
   }
   out.setToZeros(columns_, columns_);
+  if (rows_ == 0) return;
   for (KtU32 i = 0; i < columns_; ++i) {
     addRows(out[i], std::size_t{i} + 1, 1.0, {(*this)[0] + i, columns_}, rows_, (*this)[0],
             columns_);
