@@ -69,8 +69,11 @@ class KT_EXPORT KtRigidBodyMassProperties
   /// The same for a body at rest. Without a mass, or with a singular tensor, the answer is large
   /// but finite.
   virtual KtGeneralMotion calculateAcceleration(const KtGeneralForce& force) const;
+  /// The mass, kg.
   virtual const KtNonNegReal& mass() const { return mass_.value(); }
+  /// The mass times the centre of mass, kg m.
   virtual const KtXmlVector& firstMoment() const { return firstMoment_; }
+  /// The inertia tensor about the origin, kg m^2.
   virtual const KtSecondMoment& secondMoment() const { return secondMoment_; }
   /// The inverse of J as last computed; computed now if there is none.
   ///
@@ -118,9 +121,13 @@ class KT_EXPORT KtRigidBodyMassProperties
 
   // Sums and differences of bodies about the same frame. A difference of masses is at least 0.
 
+  /// In-place sum.
   KtRigidBodyMassProperties& operator+=(const KtRigidBodyMassProperties& other);
+  /// In-place difference.
   KtRigidBodyMassProperties& operator-=(const KtRigidBodyMassProperties& other);
+  /// Sum.
   KtRigidBodyMassProperties operator+(const KtRigidBodyMassProperties& other) const;
+  /// Difference.
   KtRigidBodyMassProperties operator-(const KtRigidBodyMassProperties& other) const;
 
   /// Exact equality of the ten numbers.
@@ -131,6 +138,7 @@ class KT_EXPORT KtRigidBodyMassProperties
 
   /// A point at the origin. It gets the least inertia that `KtSecondMoment::makeValid` gives.
   static KtRigidBodyMassProperties pointMass(double m);
+  /// A solid ball of radius r.
   static KtRigidBodyMassProperties uniformSolidSphere(double m, double r);
   /// Flat face on the xy plane, bulging towards +z. Its first moment is (0, 0, 0.375 r), as for a
   /// mass of 1 kg, whatever m is.
@@ -162,6 +170,7 @@ class KT_EXPORT KtRigidBodyMassProperties
   /// tensor to be a real body's.
   static KtRigidBodyMassProperties defaultObject();
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtRigidBodyMassPropertiesToken; }
 
  private:

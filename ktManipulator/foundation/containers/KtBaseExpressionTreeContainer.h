@@ -16,14 +16,18 @@
 template <class E>
 class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompoundType {
  public:
+  /// The common base of what is held.
   using ElementType = E;
 
   /// The empty holder.
   KtBaseExpressionTreeContainer() = default;
+  /// A copy.
   KtBaseExpressionTreeContainer(const KtBaseExpressionTreeContainer& other)
       : KtXmlBaseVariableCompoundType(other),
         topElement_(Kt::detail::cloneAs<E>(other.topElement_.get())) {}
+  /// Takes over the other's value.
   KtBaseExpressionTreeContainer(KtBaseExpressionTreeContainer&&) noexcept = default;
+  /// Assigns a value.
   KtBaseExpressionTreeContainer& operator=(const KtBaseExpressionTreeContainer& other) {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(other);
@@ -31,14 +35,18 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
     if (topElement_ != nullptr) setTopElementContainerToThis();
     return *this;
   }
+  /// Takes over the other's value.
   KtBaseExpressionTreeContainer& operator=(KtBaseExpressionTreeContainer&&) noexcept = default;
 
+  /// Lets the visitor visit this object.
   void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }
+  /// Reads the object; see `KtXmlObject::read`.
   bool read(KtXmlReader& reader) override {
     const bool ok = KtXmlBaseVariableCompoundType::read(reader);
     if (topElement_ != nullptr) setTopElementContainerToThis();
     return ok;
   }
+  /// Writes the object; see `KtXmlObject::write`.
   bool write(KtXmlWriter& writer) const override {
     const bool ok = KtXmlBaseVariableCompoundType::write(writer);
     return (topElement_ == nullptr || Kt::detail::writeHeld(writer, *topElement_)) && ok;
@@ -58,6 +66,7 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
 
   /// The object, or null; owned by the holder.
   virtual const E* topElement() const { return topElement_.get(); }
+  /// The same, to be changed.
   virtual E* topElement() { return topElement_.get(); }
   /// Replaces the object by a copy of the argument, which may be the holder's own.
   virtual void setTopElement(const E& element) {

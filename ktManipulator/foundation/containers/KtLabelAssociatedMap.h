@@ -19,6 +19,7 @@ class KT_EXPORT KtLabelAssociatedMap
   /// The empty table.
   KtLabelAssociatedMap() = default;
 
+  /// Registers the members, in file order.
   void registerComponents() override {
     this->registerComponent(KtManip::KtLabelAssociatedMapToken, &rows_);
     this->registerComponent(KtManip::KtLabelAssociatedMapIdentifierToken, &labels_);
@@ -44,10 +45,12 @@ class KT_EXPORT KtLabelAssociatedMap
   /// Sets the value of two rows; false and a message if there is no such cell.
   bool setValueByIndex(KtU32 row, KtU32 column, const E& value);
 
+  /// Exact equality.
   bool operator==(const KtLabelAssociatedMap& other) const {
     return rows_ == other.rows_ && labels_ == other.labels_;
   }
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLabelAssociatedMapToken; }
 
  private:
@@ -151,6 +154,8 @@ class KT_EXPORT KtLabelAssociatedRealMap
     : public KtXmlPersistent<KtLabelAssociatedRealMap,
                              KtLabelAssociatedMap<KtXmlBasicType<double>>> {
  public:
+  /// Exact equality.
   bool operator==(const KtLabelAssociatedRealMap&) const = default;
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLabelAssociatedRealMapToken; }
 };

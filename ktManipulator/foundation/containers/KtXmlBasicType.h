@@ -23,16 +23,22 @@
 template <class T>
 class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
  public:
+  /// The type of what it holds.
   using ValueType = T;
 
   /// The zero value: 0, false or the empty text.
   KtXmlBasicType() = default;
   /// From a value.
   KtXmlBasicType(const T& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
+  /// A copy.
   KtXmlBasicType(const KtXmlBasicType&) = default;
+  /// Takes over the other's value.
   KtXmlBasicType(KtXmlBasicType&&) noexcept = default;
+  /// Assigns a value.
   KtXmlBasicType& operator=(const KtXmlBasicType&) = default;
+  /// Takes over the other's value.
   KtXmlBasicType& operator=(KtXmlBasicType&&) noexcept = default;
+  /// Assigns a value.
   KtXmlBasicType& operator=(const T& value) {
     value_ = value;
     return *this;
@@ -40,9 +46,12 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
 
   /// The value.
   const T& value() const noexcept { return value_; }
+  /// The value, to be changed.
   T& value() noexcept { return value_; }
+  /// The value.
   operator const T&() const noexcept { return value_; }  // NOLINT(google-explicit-constructor)
-  operator T&() noexcept { return value_; }              // NOLINT(google-explicit-constructor)
+  /// The value, to be changed.
+  operator T&() noexcept { return value_; }  // NOLINT(google-explicit-constructor)
 
   bool read(KtXmlReader& reader) override;
   bool readAttribute(KtXmlReader& reader) override;
@@ -50,7 +59,9 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
   void writeSchema(KtXmlSchema& schema) const override;
   bool isBasicType() const override { return true; }
 
+  /// Exact equality.
   bool operator==(const KtXmlBasicType&) const = default;
+  /// Exact equality.
   bool operator==(const T& value) const { return value_ == value; }
   /// Order of texts and unsigned integers, for keys.
   bool operator<(const KtXmlBasicType& other) const
@@ -58,6 +69,7 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
     return value_ < other.value_;
   }
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtBasicTypeToken; }
 
  private:

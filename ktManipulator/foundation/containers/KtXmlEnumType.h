@@ -18,13 +18,16 @@
 template <class T>
 class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
  public:
+  /// The type of what it holds.
   using ValueType = T;
 
   /// The value 0.
   KtXmlEnumType() = default;
   /// From a value.
   KtXmlEnumType(const T& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
+  /// A copy.
   KtXmlEnumType(const KtXmlEnumType&) = default;
+  /// Takes over the other's value.
   KtXmlEnumType(KtXmlEnumType&&) noexcept = default;
   /// Takes the value; the words stay, unless this one has none.
   KtXmlEnumType& operator=(const KtXmlEnumType& other) {
@@ -32,6 +35,7 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
     if (words_ == nullptr) words_ = other.words_;
     return *this;
   }
+  /// Assigns a value.
   KtXmlEnumType& operator=(const T& value) {
     value_ = value;
     return *this;
@@ -39,7 +43,9 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
 
   /// The value.
   const T& value() const noexcept { return value_; }
+  /// The value, to be changed.
   T& value() noexcept { return value_; }
+  /// The value.
   operator const T&() const noexcept { return value_; }  // NOLINT(google-explicit-constructor)
 
   /// Ties a value to the word that stands for it in a file; a second word for a value replaces the
@@ -52,9 +58,12 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   void writeSchema(KtXmlSchema& schema) const override;
   bool isBasicType() const override { return true; }
 
+  /// Exact equality.
   bool operator==(const KtXmlEnumType& other) const { return value_ == other.value_; }
+  /// Exact equality.
   bool operator==(const T& value) const { return value_ == value; }
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtEnumTypeToken; }
 
  private:

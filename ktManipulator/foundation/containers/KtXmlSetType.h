@@ -19,6 +19,7 @@
 template <class E>
 class KT_EXPORT KtXmlSetType : public KtXmlPersistent<KtXmlSetType<E>> {
  public:
+  /// The type of what it holds.
   using ValueType = E;
 
   /// The empty set.
@@ -43,8 +44,10 @@ class KT_EXPORT KtXmlSetType : public KtXmlPersistent<KtXmlSetType<E>> {
   /// The elements, in order.
   virtual const std::set<E>& setContainer() const { return elements_; }
 
+  /// Exact equality.
   bool operator==(const KtXmlSetType& other) const { return elements_ == other.elements_; }
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtSetTypeToken; }
 
  private:

@@ -20,20 +20,24 @@
 template <class E>
 class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
  public:
+  /// The common base of what is held.
   using ElementType = E;
 
   /// The empty list.
   KtXmlVariableVectorType() = default;
   /// A list of so many null entries.
   explicit KtXmlVariableVectorType(KtU32 count) : entries_(count, nullptr) {}
+  /// A copy.
   KtXmlVariableVectorType(const KtXmlVariableVectorType& other)
       : KtXmlBaseVariableCompoundType(other) {
     cloneEntriesOf(other);
   }
+  /// Takes over the other's value.
   KtXmlVariableVectorType(KtXmlVariableVectorType&& other) noexcept
       : KtXmlBaseVariableCompoundType(std::move(other)), entries_(std::move(other.entries_)) {
     other.entries_.clear();
   }
+  /// Assigns a value.
   KtXmlVariableVectorType& operator=(const KtXmlVariableVectorType& other) {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(other);
@@ -41,6 +45,7 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
     cloneEntriesOf(other);
     return *this;
   }
+  /// Takes over the other's value.
   KtXmlVariableVectorType& operator=(KtXmlVariableVectorType&& other) noexcept {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(std::move(other));
@@ -60,6 +65,7 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
   /// Entry i. A bad index or a null entry is reported and gives the first entry; a list that has
   /// none gives an object of one of its classes that is no part of the list.
   virtual const E& operator[](KtU32 index) const { return *entry(index); }
+  /// The same, to be changed.
   virtual E& operator[](KtU32 index) { return *entry(index); }
   /// Replaces entry i by a copy of the element; false and a message if there is no such entry.
   virtual bool exchange(KtU32 index, const E& element);

@@ -9,7 +9,9 @@ template <class T>
 class KtOnDemand {
  public:
   constexpr KtOnDemand() noexcept = default;
+  /// A copy.
   constexpr KtOnDemand(const KtOnDemand&) noexcept {}
+  /// Assigns a value.
   constexpr KtOnDemand& operator=(const KtOnDemand&) noexcept { return *this; }
   ~KtOnDemand() {
     if (object_ != nullptr) destroy();
@@ -23,6 +25,7 @@ class KtOnDemand {
     return *object_;
   }
 
+  /// Exact equality.
   constexpr bool operator==(const KtOnDemand&) const noexcept { return true; }
 
  private:

@@ -22,26 +22,34 @@ class KT_EXPORT KtGeneralForce : public KtXmlRecord<KtGeneralForce> {
   const KtVector& force() const noexcept { return force_; }
   /// The moment.
   const KtVector& moment() const noexcept { return moment_; }
+  /// Sets what `force()` answers.
   void setForce(const KtVector& v) noexcept { force_ = v; }
+  /// Sets what `moment()` answers.
   void setMoment(const KtVector& v) noexcept { moment_ = v; }
 
+  /// Sum.
   KtGeneralForce operator+(const KtGeneralForce& f) const noexcept {
     return {force_ + f.force_, moment_ + f.moment_};
   }
+  /// Difference.
   KtGeneralForce operator-(const KtGeneralForce& f) const noexcept {
     return {force_ - f.force_, moment_ - f.moment_};
   }
+  /// Product.
   KtGeneralForce operator*(double s) const noexcept { return {force_ * s, moment_ * s}; }
+  /// In-place sum.
   KtGeneralForce& operator+=(const KtGeneralForce& f) noexcept {
     force_ += f.force_;
     moment_ += f.moment_;
     return *this;
   }
+  /// In-place difference.
   KtGeneralForce& operator-=(const KtGeneralForce& f) noexcept {
     force_ -= f.force_;
     moment_ -= f.moment_;
     return *this;
   }
+  /// In-place product.
   KtGeneralForce& operator*=(double s) noexcept {
     force_ *= s;
     moment_ *= s;
@@ -120,6 +128,7 @@ class KT_EXPORT KtGeneralForce : public KtXmlRecord<KtGeneralForce> {
     return force_ == f.force_ && moment_ == f.moment_;
   }
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtGeneralForceToken; }
 
  private:

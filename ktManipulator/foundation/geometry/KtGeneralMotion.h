@@ -25,27 +25,36 @@ class KT_EXPORT KtGeneralMotion : public KtXmlRecord<KtGeneralMotion> {
   const KtVector& linear() const noexcept { return linear_; }
   /// The angular part.
   const KtVector& angular() const noexcept { return angular_; }
+  /// Sets what `linear()` answers.
   void setLinear(const KtVector& v) noexcept { linear_ = v; }
+  /// Sets what `angular()` answers.
   void setAngular(const KtVector& v) noexcept { angular_ = v; }
 
+  /// Sum.
   KtGeneralMotion operator+(const KtGeneralMotion& m) const noexcept {
     return {linear_ + m.linear_, angular_ + m.angular_};
   }
+  /// Difference.
   KtGeneralMotion operator-(const KtGeneralMotion& m) const noexcept {
     return {linear_ - m.linear_, angular_ - m.angular_};
   }
+  /// The opposite.
   KtGeneralMotion operator-() const noexcept { return {-linear_, -angular_}; }
+  /// Product.
   KtGeneralMotion operator*(double s) const noexcept { return {linear_ * s, angular_ * s}; }
+  /// In-place sum.
   KtGeneralMotion& operator+=(const KtGeneralMotion& m) noexcept {
     linear_ += m.linear_;
     angular_ += m.angular_;
     return *this;
   }
+  /// In-place difference.
   KtGeneralMotion& operator-=(const KtGeneralMotion& m) noexcept {
     linear_ -= m.linear_;
     angular_ -= m.angular_;
     return *this;
   }
+  /// In-place product.
   KtGeneralMotion& operator*=(double s) noexcept {
     linear_ *= s;
     angular_ *= s;
@@ -131,6 +140,7 @@ class KT_EXPORT KtGeneralMotion : public KtXmlRecord<KtGeneralMotion> {
   /// Writes what `readBin` reads.
   bool writeBin(std::ostream& stream) const;
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtGeneralVelocityToken; }
 
  private:

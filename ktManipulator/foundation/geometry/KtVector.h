@@ -8,8 +8,11 @@
 /// A 3-vector: a plain value with components that are read and written directly.
 class KT_EXPORT KtVector {
  public:
+  /// First component.
   double x = 0.0;
+  /// Second component.
   double y = 0.0;
+  /// Third component.
   double z = 0.0;
 
   /// The zero vector.
@@ -19,36 +22,47 @@ class KT_EXPORT KtVector {
       : x(xValue), y(yValue), z(zValue) {}
   // Component by component: compilers copy a trivial struct of this size through 16-byte registers,
   // which then wait for the components that were just stored one by one.
+  /// A copy.
   constexpr KtVector(const KtVector& v) noexcept : x(v.x), y(v.y), z(v.z) {}
+  /// Assigns a value.
   constexpr KtVector& operator=(const KtVector& v) noexcept {
     x = v.x, y = v.y, z = v.z;
     return *this;
   }
 
+  /// Sum.
   constexpr KtVector operator+(const KtVector& v) const noexcept {
     return {x + v.x, y + v.y, z + v.z};
   }
+  /// Difference.
   constexpr KtVector operator-(const KtVector& v) const noexcept {
     return {x - v.x, y - v.y, z - v.z};
   }
+  /// The opposite.
   constexpr KtVector operator-() const noexcept { return {-x, -y, -z}; }
+  /// Product.
   constexpr KtVector operator*(double s) const noexcept { return {x * s, y * s, z * s}; }
   /// Divides each component; a zero divisor gives infinities as the hardware does.
   constexpr KtVector operator/(double s) const noexcept { return {x / s, y / s, z / s}; }
+  /// Product.
   friend constexpr KtVector operator*(double s, const KtVector& v) noexcept { return v * s; }
 
+  /// In-place sum.
   constexpr KtVector& operator+=(const KtVector& v) noexcept {
     x += v.x, y += v.y, z += v.z;
     return *this;
   }
+  /// In-place difference.
   constexpr KtVector& operator-=(const KtVector& v) noexcept {
     x -= v.x, y -= v.y, z -= v.z;
     return *this;
   }
+  /// In-place product.
   constexpr KtVector& operator*=(double s) noexcept {
     x *= s, y *= s, z *= s;
     return *this;
   }
+  /// In-place quotient.
   constexpr KtVector& operator/=(double s) noexcept {
     x /= s, y /= s, z /= s;
     return *this;

@@ -12,8 +12,11 @@ class KT_EXPORT KtXmlOrientation : public KtXmlPersistent<KtXmlOrientation>, pub
   KtXmlOrientation() noexcept = default;
   /// From an orientation.
   KtXmlOrientation(const KtOrientation& q) noexcept : KtOrientation(q) {}  // NOLINT
+  /// A copy.
   KtXmlOrientation(const KtXmlOrientation&) noexcept = default;
+  /// Assigns a value.
   KtXmlOrientation& operator=(const KtXmlOrientation&) noexcept = default;
+  /// Assigns a value.
   KtXmlOrientation& operator=(const KtOrientation& q) noexcept {
     KtOrientation::operator=(q);
     return *this;
@@ -23,8 +26,11 @@ class KT_EXPORT KtXmlOrientation : public KtXmlPersistent<KtXmlOrientation>, pub
   bool write(KtXmlWriter& writer) const override;
   void writeSchema(KtXmlSchema& schema) const override;
 
+  /// Exact equality.
   bool operator==(const KtXmlOrientation& q) const noexcept { return KtOrientation::operator==(q); }
+  /// Exact equality.
   bool operator==(const KtOrientation& q) const noexcept { return KtOrientation::operator==(q); }
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtOrientationToken; }
 };

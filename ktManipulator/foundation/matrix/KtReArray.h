@@ -23,10 +23,13 @@ class KT_EXPORT KtReArray {
   KtReArray() noexcept = default;
   /// Zeros.
   KtReArray(KtU32 rows, KtU32 columns);
+  /// A copy.
   KtReArray(const KtReArray&) = default;
+  /// Takes over the other's value.
   KtReArray(KtReArray&& other) noexcept { swap(other); }
   /// Takes over shape and entries; asks for memory only if this was never as large.
   KtReArray& operator=(const KtReArray&) = default;
+  /// Takes over the other's value.
   KtReArray& operator=(KtReArray&& other) noexcept {
     swap(other);
     return *this;
@@ -40,12 +43,15 @@ class KT_EXPORT KtReArray {
   /// The empty array.
   static KtReArray nullObject() { return {}; }
 
+  /// Number of rows.
   KtU32 rows() const noexcept { return rows_; }
+  /// Number of columns.
   KtU32 columns() const noexcept { return columns_; }
   /// Row i, its entries one behind the other; unguarded.
   const double* operator[](KtU32 i) const noexcept {
     return entries_.data() + static_cast<std::size_t>(i) * columns_;
   }
+  /// Row i, to be changed.
   double* operator[](KtU32 i) noexcept {
     return entries_.data() + static_cast<std::size_t>(i) * columns_;
   }
@@ -60,6 +66,7 @@ class KT_EXPORT KtReArray {
   /// Copies all entries of an array that is not larger into the top left of this one; the rest is
   /// left alone.
   bool copyEntriesOf(const KtReArray& a);
+  /// Exchanges shapes and entries.
   void swap(KtReArray& other) noexcept {
     std::swap(rows_, other.rows_);
     std::swap(columns_, other.columns_);
@@ -72,7 +79,9 @@ class KT_EXPORT KtReArray {
   std::vector<double> operator*(const std::vector<double>& b) const;
   /// Difference; the empty array if the shapes differ.
   KtReArray operator-(const KtReArray& b) const;
+  /// In-place sum.
   KtReArray& operator+=(const KtReArray& b);
+  /// In-place difference.
   KtReArray& operator-=(const KtReArray& b);
 
   /// The transposed array.

@@ -24,8 +24,11 @@ class KT_EXPORT KtSecondMoment : public KtXmlPersistent<KtSecondMoment> {
   bool write(KtXmlWriter& writer) const override;
   void writeSchema(KtXmlSchema& schema) const override;
 
+  /// On the diagonal, x.
   virtual double jxx() const { return j_[0]; }
+  /// On the diagonal, y.
   virtual double jyy() const { return j_[1]; }
+  /// On the diagonal, z.
   virtual double jzz() const { return j_[2]; }
   /// The orientation R in which the tensor is diagonal: R^T this R has no products, and the images
   /// of the unit vectors under R are the principal axes. A tensor without products gives the
@@ -34,11 +37,15 @@ class KT_EXPORT KtSecondMoment : public KtXmlPersistent<KtSecondMoment> {
   /// Whether none of the six numbers differs by more than the tolerance.
   virtual bool approxEq(const KtSecondMoment& other, double tolerance) const;
 
+  /// Off the diagonal, x and y.
   double jxy() const noexcept { return j_[3]; }
+  /// Off the diagonal, x and z.
   double jxz() const noexcept { return j_[4]; }
+  /// Off the diagonal, y and z.
   double jyz() const noexcept { return j_[5]; }
   /// The six numbers, without a virtual call.
   const double* values() const noexcept { return j_; }
+  /// Sets the six numbers.
   void set(double jxx, double jyy, double jzz, double jxy, double jxz, double jyz) noexcept {
     j_[0] = jxx, j_[1] = jyy, j_[2] = jzz;
     j_[3] = jxy, j_[4] = jxz, j_[5] = jyz;
@@ -49,21 +56,27 @@ class KT_EXPORT KtSecondMoment : public KtXmlPersistent<KtSecondMoment> {
     return {j_[0] * v.x + j_[3] * v.y + j_[4] * v.z, j_[3] * v.x + j_[1] * v.y + j_[5] * v.z,
             j_[4] * v.x + j_[5] * v.y + j_[2] * v.z};
   }
+  /// Sum.
   KtSecondMoment operator+(const KtSecondMoment& b) const noexcept {
     return KtSecondMoment(*this) += b;
   }
+  /// Difference.
   KtSecondMoment operator-(const KtSecondMoment& b) const noexcept {
     return KtSecondMoment(*this) -= b;
   }
+  /// Product.
   KtSecondMoment operator*(double s) const noexcept { return KtSecondMoment(*this) *= s; }
+  /// In-place sum.
   KtSecondMoment& operator+=(const KtSecondMoment& b) noexcept {
     for (int i = 0; i < 6; ++i) j_[i] += b.j_[i];
     return *this;
   }
+  /// In-place difference.
   KtSecondMoment& operator-=(const KtSecondMoment& b) noexcept {
     for (int i = 0; i < 6; ++i) j_[i] -= b.j_[i];
     return *this;
   }
+  /// In-place product.
   KtSecondMoment& operator*=(double s) noexcept {
     for (double& x : j_) x *= s;
     return *this;
@@ -110,6 +123,7 @@ class KT_EXPORT KtSecondMoment : public KtXmlPersistent<KtSecondMoment> {
   /// own keeps an inertia that can be inverted, far below what matters beside other links.
   void makeValid() noexcept;
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtSecondMomentToken; }
 
  private:

@@ -26,12 +26,19 @@ class KT_EXPORT KtSpatialMatrix : public KtXmlPersistent<KtSpatialMatrix> {
 
   /// Row i, its three entries one behind the other; unguarded.
   const double* operator[](KtU32 i) const noexcept { return m_[i]; }
+  /// Row i, to be changed.
   double* operator[](KtU32 i) noexcept { return m_[i]; }
+  /// The first row.
   KtVector row0() const noexcept { return {m_[0][0], m_[0][1], m_[0][2]}; }
+  /// The second row.
   KtVector row1() const noexcept { return {m_[1][0], m_[1][1], m_[1][2]}; }
+  /// The third row.
   KtVector row2() const noexcept { return {m_[2][0], m_[2][1], m_[2][2]}; }
+  /// Sets what `row0()` answers.
   void setRow0(const KtVector& v) noexcept { setRow(0, v); }
+  /// Sets what `row1()` answers.
   void setRow1(const KtVector& v) noexcept { setRow(1, v); }
+  /// Sets what `row2()` answers.
   void setRow2(const KtVector& v) noexcept { setRow(2, v); }
 
   /// Matrix product.
@@ -50,25 +57,31 @@ class KT_EXPORT KtSpatialMatrix : public KtXmlPersistent<KtSpatialMatrix> {
             m_[1][0] * v.x + m_[1][1] * v.y + m_[1][2] * v.z,
             m_[2][0] * v.x + m_[2][1] * v.y + m_[2][2] * v.z};
   }
+  /// Product.
   KtSpatialMatrix operator*(double s) const noexcept { return KtSpatialMatrix(*this) *= s; }
+  /// Sum.
   KtSpatialMatrix operator+(const KtSpatialMatrix& b) const noexcept {
     return KtSpatialMatrix(*this) += b;
   }
+  /// Difference.
   KtSpatialMatrix operator-(const KtSpatialMatrix& b) const noexcept {
     return KtSpatialMatrix(*this) -= b;
   }
+  /// In-place product.
   KtSpatialMatrix& operator*=(double s) noexcept {
     for (auto& row : m_) {
       for (double& x : row) x *= s;
     }
     return *this;
   }
+  /// In-place sum.
   KtSpatialMatrix& operator+=(const KtSpatialMatrix& b) noexcept {
     for (int i = 0; i < 3; ++i) {
       for (int j = 0; j < 3; ++j) m_[i][j] += b.m_[i][j];
     }
     return *this;
   }
+  /// In-place difference.
   KtSpatialMatrix& operator-=(const KtSpatialMatrix& b) noexcept {
     for (int i = 0; i < 3; ++i) {
       for (int j = 0; j < 3; ++j) m_[i][j] -= b.m_[i][j];
@@ -133,6 +146,7 @@ class KT_EXPORT KtSpatialMatrix : public KtXmlPersistent<KtSpatialMatrix> {
   /// @return whether no pivot had to be raised
   bool getSymmetricPositiveDefiniteInverse(KtSpatialMatrix& out) const noexcept;
 
+  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtSpatialMatrixToken; }
 
  private:

@@ -13,12 +13,16 @@ class KtXmlPersistent : public Base {
  public:
   using Base::Base;
 
+  /// A copy of the most derived object; the caller owns it.
   KtXmlObject* clone() const override { return new Cls(self()); }
+  /// Whether the other is of class `Cls`, or derived from it, and equal as a `Cls`.
   bool equality(const KtXmlObject* other) const override {
     const auto* same = dynamic_cast<const Cls*>(other);
     return same != nullptr && self() == *same;
   }
+  /// A new default-constructed object; the caller owns it.
   KtXmlObject* newObject() const override { return new Cls(); }
+  /// The class token of `Cls`.
   const KtToken& token() const override { return Cls::classToken(); }
 
   /// The value that stands for nothing: a default-constructed object.
@@ -26,6 +30,7 @@ class KtXmlPersistent : public Base {
   /// A new default-constructed object, for holders that make objects by name; the caller owns it.
   static KtXmlObject* creator() { return new Cls(); }
 
+  /// Exact equality.
   bool operator==(const KtXmlPersistent&) const = default;
 
  protected:

@@ -77,6 +77,7 @@ class KT_EXPORT KtXmlReader {
   /// Deepest nesting of elements that is read. Reading recurses with the nesting, so a program
   /// that raises the limit has to provide the stack.
   void setDepthLimit(unsigned levels) noexcept;
+  /// Deepest nesting of elements that is read.
   unsigned depthLimit() const noexcept;
 
   /// Reads a whole document into an object, up to the end of the document.

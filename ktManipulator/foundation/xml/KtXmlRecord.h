@@ -20,9 +20,13 @@
 template <class Cls>
 class KT_EXPORT KtXmlRecord : public KtXmlPersistent<Cls, KtXmlObject> {
  public:
+  /// Reads the object; see `KtXmlObject::read`.
   bool read(KtXmlReader& reader) override;
+  /// Writes the object; see `KtXmlObject::write`.
   bool write(KtXmlWriter& writer) const override;
+  /// Describes what `write` writes.
   void writeSchema(KtXmlSchema& schema) const override;
 
+  /// Exact equality.
   bool operator==(const KtXmlRecord&) const noexcept { return true; }
 };

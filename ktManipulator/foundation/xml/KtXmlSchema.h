@@ -54,6 +54,7 @@ class KT_EXPORT KtXmlSchema {
   /// @return whether the class is not described yet. Then what follows up to `endType` describes
   /// it.
   bool beginType(const KtXmlObject& object);
+  /// Ends the description that `beginType` began.
   void endType();
   /// How the children of the element or type in hand follow each other.
   void setContentModel(ContentModel model);

@@ -46,6 +46,7 @@ class KT_EXPORT KtXmlWriter {
   /// Writes a number; further numbers and list texts in the same element follow behind a blank, or
   /// on the next line when the present one is full.
   void writeValue(double value);
+  /// Writes an unsigned integer in the same way.
   void writeValue(KtU32 value);
   /// Writes a word without white space in the same way.
   void writeWord(std::string_view word);
