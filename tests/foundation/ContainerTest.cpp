@@ -312,7 +312,7 @@ TEST(VariableHolders, ReportUnknownTags) {
     EXPECT_FALSE(
         readInto(list, "<sampleFunctionVector count='3'>" + children + "</sampleFunctionVector>"));
     EXPECT_EQ(list.size(), 2U) << "what can be read is read";
-    EXPECT_EQ(log.text(), "KtXmlVariableVectorType::readValueFromToken() error:\n\t\t\"" + ns +
+    EXPECT_EQ(log.text(), "KtXmlVariableVectorType::readValueFromToken() error:\n\t\"" + ns +
                               "mystery\" tag not registered.\n");
   }
   {
@@ -321,7 +321,7 @@ TEST(VariableHolders, ReportUnknownTags) {
     EXPECT_FALSE(
         readInto(holder, "<sampleFunctionHolder>" + known + "<mystery/></sampleFunctionHolder>"));
     EXPECT_EQ(holder.element(), nullptr);
-    EXPECT_EQ(log.text(), "KtXmlVariableElementType::readValueFromToken() error:\n\t\t\"" + ns +
+    EXPECT_EQ(log.text(), "KtXmlVariableElementType::readValueFromToken() error:\n\t\"" + ns +
                               "mystery\" tag not registered.\n");
     EXPECT_TRUE(readInto(holder, "<sampleFunctionHolder>" + known + "</sampleFunctionHolder>"));
     ASSERT_NE(holder.element(), nullptr);

@@ -100,6 +100,10 @@ TEST(Compound, ElementsComeInAnyOrderAndAbsentOnesKeepTheirValues) {
   EXPECT_EQ(node.weight, 1.5);
   EXPECT_EQ(node.children.size(), 1U);
   EXPECT_EQ(node.motion, KtGeneralMotion({1.0, 1.0, 1.0}, {7.0, 8.0, 9.0}));
+  // A value without a word is its number, in the file and in the schema.
+  EXPECT_TRUE(KtXmlReader::readString("<sampleNode><mode>77</mode></sampleNode>", node));
+  EXPECT_EQ(node.mode, 77U);
+  EXPECT_THAT(KtXmlWriter::writeString(node), HasSubstr("<mode>77</mode>"));
   // What an older form of the file had is read, and never written.
   EXPECT_EQ(node.oldWeight, 4.0);
   EXPECT_TRUE(node.isReadOnlyComponent(SampleNode::name("oldWeight")));
@@ -325,6 +329,9 @@ TEST(Log, HandsOverWholeMessages) {
   EXPECT_THAT(log.messages(), ElementsAre(Message{Kt::Print::kError, "3 of four\n"},
                                           Message{Kt::Print::kDiagnostic, "void f(): one 2"},
                                           Message{Kt::Print::kError, "last"}));
+  print.ostream(Kt::Print::kError, "") << std::hex << 255;
+  print.ostream(Kt::Print::kError, "") << 255 << std::flush;
+  EXPECT_EQ(log.messages().back().text, "255");
   EXPECT_EQ(KtINT2STRING(4294967294U, 10), "4294967294");
 }
 

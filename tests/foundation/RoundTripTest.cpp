@@ -39,7 +39,6 @@ TEST_P(RoundTrip, KeepsEveryElement) {
 
 TEST_P(RoundTrip, KeepsTheDefaults) {
   const std::unique_ptr<KtXmlObject> fresh(GetParam().make()->newObject());
-  const auto back = GetParam().make();
   const std::string text = KtXmlWriter::writeString(*fresh);
   const std::unique_ptr<KtXmlObject> second(fresh->newObject());
   EXPECT_TRUE(KtXmlReader::readString(text, *second)) << text;

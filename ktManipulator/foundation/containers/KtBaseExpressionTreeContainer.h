@@ -74,7 +74,7 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
   }
   /// Deletes the object and takes over the one pointed to, which may be null.
   virtual void setAndDeleteTopElementPointer(E* element) {
-    topElement_.reset(element);
+    if (element != topElement_.get()) topElement_.reset(element);
     setTopElementContainerToThis();
   }
   /// Called whenever the holder has come by another object. Does nothing: a holder whose objects

@@ -61,12 +61,26 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
 
   /// Exact equality.
   bool operator==(const KtXmlBasicType&) const = default;
-  /// Exact equality.
-  bool operator==(const T& value) const { return value_ == value; }
   /// Order of texts and unsigned integers, for keys.
   bool operator<(const KtXmlBasicType& other) const
       requires(std::same_as<T, std::string> || std::same_as<T, unsigned int>) {
     return value_ < other.value_;
+  }
+
+  // Comparison with a plain value takes its very type: no conversion competes with another then.
+
+  /// Whether the value equals a plain one.
+  template <class U>
+  requires(std::convertible_to<U, T> && !std::is_base_of_v<KtXmlBasicType, U>) bool operator==(
+      const U& value) const {
+    return value_ == static_cast<const T&>(value);
+  }
+  /// Order with a plain value, of texts and unsigned integers.
+  template <class U>
+  requires(std::convertible_to<U, T> && !std::is_base_of_v<KtXmlBasicType, U> &&
+           (std::same_as<T, std::string> || std::same_as<T, unsigned int>)) bool
+  operator<(const U& value) const {
+    return value_ < static_cast<const T&>(value);
   }
 
   /// Name of the class in files.

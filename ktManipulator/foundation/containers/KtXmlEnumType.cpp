@@ -9,6 +9,10 @@
 
 template <class T>
 void KtXmlEnumType<T>::setEnumString(const T& value, const std::string& word) {
+  if (words_ != nullptr) {
+    const std::pair<T, std::string> entry(value, word);
+    if (std::find(words_->begin(), words_->end(), entry) != words_->end()) return;
+  }
   auto words = words_ != nullptr ? std::make_shared<Words>(*words_) : std::make_shared<Words>();
   const auto present = std::find_if(words->begin(), words->end(),
                                     [&](const auto& entry) { return entry.first == value; });

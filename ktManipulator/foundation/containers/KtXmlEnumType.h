@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <string>
 #include <utility>
@@ -32,7 +33,7 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   /// Takes the value; the words stay, unless this one has none.
   KtXmlEnumType& operator=(const KtXmlEnumType& other) {
     value_ = other.value_;
-    if (words_ == nullptr) words_ = other.words_;
+    if (words_ == nullptr) words_ = other.words_;  // also right for the object itself
     return *this;
   }
   /// Assigns a value.
@@ -61,7 +62,11 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   /// Exact equality.
   bool operator==(const KtXmlEnumType& other) const { return value_ == other.value_; }
   /// Exact equality.
-  bool operator==(const T& value) const { return value_ == value; }
+  /// Whether the value equals a plain one.
+  template <std::integral U>
+  bool operator==(const U& value) const {
+    return value_ == static_cast<T>(value);
+  }
 
   /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtEnumTypeToken; }
@@ -72,7 +77,9 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   bool parseReported(KtXmlReader& reader, std::string_view text);
 
   T value_{};
-  std::shared_ptr<const Words> words_;
+  // Mutable: the owner ties the words when it prepares itself for its first read or write, which a
+  // constant object does too.
+  mutable std::shared_ptr<const Words> words_;
 };
 
 template <class T>

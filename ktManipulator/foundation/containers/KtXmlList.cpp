@@ -1,7 +1,7 @@
 #include "ktManipulator/foundation/containers/KtXmlList.h"
 
-#include <algorithm>
 #include <cstdlib>
+#include <string>
 
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
 #include "ktManipulator/foundation/xml/KtXmlReader.h"
@@ -16,22 +16,19 @@ constexpr long kLargestCount = 0x3fffffff;
 
 }  // namespace
 
-XmlCount readXmlCount(KtXmlReader& reader, std::size_t elementBytes) {
-  XmlCount count;
+long readXmlCount(KtXmlReader& reader) {
+  long count = 0;
   for (unsigned i = 0, attributes = reader.attributeCount(); i < attributes; ++i) {
     if (reader.nextAttributeToken() != KtXml::KtCountToken) continue;
-    count.expected = std::strtol(reader.attributeValue().c_str(), nullptr, 10);
-    count.refused = count.expected < 0 || count.expected > kLargestCount;
-    if (count.refused) {
-      reader.reportError("a container can't have the announced " + reader.attributeValue() +
-                         " elements");
-      return count;
-    }
-  }
-  if (reader.currentEvent() != KtXmlReader::kEmpty) {
-    count.reserve = reader.grantMemory(static_cast<std::size_t>(count.expected), elementBytes);
+    count = std::strtol(reader.attributeValue().c_str(), nullptr, 10);
   }
   return count;
+}
+
+bool checkXmlCount(KtXmlReader& reader, long count) {
+  if (count >= 0 && count <= kLargestCount) return true;
+  reader.reportError("a container can't have the announced " + std::to_string(count) + " elements");
+  return false;
 }
 
 bool writeXmlCount(KtXmlWriter& writer, std::size_t count) {

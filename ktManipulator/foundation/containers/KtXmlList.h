@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 
 #include "ktManipulator/foundation/core/KtExport.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
@@ -14,17 +15,25 @@ class KtXmlWriter;
 
 namespace Kt::detail {
 
-/// What the count attribute of the element in hand announces.
-struct XmlCount {
-  long expected = 0;        ///< The announced number of elements; 0 without the attribute.
-  bool refused = false;     ///< No container can have so many; reported.
-  std::size_t reserve = 0;  ///< For how many elements memory may be set aside now.
-};
+/// The number that the count attribute of the element in hand announces; 0 without the attribute.
+KT_EXPORT long readXmlCount(KtXmlReader& reader);
 
-/// Reads the attributes of the element in hand.
-///
-/// @param elementBytes  memory that one element takes in its container
-KT_EXPORT XmlCount readXmlCount(KtXmlReader& reader, std::size_t elementBytes);
+/// Whether a list can have so many elements; reported if not.
+KT_EXPORT bool checkXmlCount(KtXmlReader& reader, long count);
+
+/// Sets memory aside in a vector for the announced elements, as far as the document's bytes justify
+/// it and the machine has it.
+template <class Vector>
+void reserveXmlCount(KtXmlReader& reader, long count, Vector& vector) {
+  if (reader.currentEvent() == KtXmlReader::kEmpty) return;
+  try {
+    vector.reserve(
+        reader.grantMemory(static_cast<std::size_t>(count), sizeof(typename Vector::value_type)));
+  } catch (const std::exception&) {
+    // Only speed is lost: the elements that are really there may fit all the same.
+    vector.clear();
+  }
+}
 
 /// Writes the count attribute of the element just opened.
 KT_EXPORT bool writeXmlCount(KtXmlWriter& writer, std::size_t count);

@@ -15,7 +15,8 @@
 ///
 /// In a file each entry is a child "element" with two children, "key" and "value". A key that comes
 /// twice keeps the later value. An entry without content ends the reading of the map; anything else
-/// that is not an entry is reported and makes `read` false. What was read stays.
+/// that is not an entry is reported and makes `read` false, but for stray text, which is reported
+/// and passed over. What was read stays.
 ///
 /// @tparam K  persistent type of the keys, ordered by `operator<`
 /// @tparam V  persistent type of the values

@@ -12,7 +12,7 @@
 /// A persistent pair of values.
 ///
 /// In a file they stand in the children "first" and "second"; one that is missing keeps its value,
-/// any other child is reported and makes `read` false.
+/// any other child is reported and makes `read` false; stray text is reported and passed over.
 ///
 /// @tparam A  persistent type of the first value
 /// @tparam B  persistent type of the second value

@@ -58,8 +58,7 @@ template <class E>
 bool KtXmlSetType<E>::read(KtXmlReader& reader) {
   if (!KtXmlObject::read(reader)) return false;
   elements_.clear();
-  const Kt::detail::XmlCount count = Kt::detail::readXmlCount(reader, sizeof(E));
-  if (count.refused) return false;
+  const long count = Kt::detail::readXmlCount(reader);
   if (reader.currentEvent() == KtXmlReader::kEmpty) return true;
   // Read over and over: what an element's file leaves out it has from the one before.
   E scratch;
@@ -70,11 +69,11 @@ bool KtXmlSetType<E>::read(KtXmlReader& reader) {
     elements_.insert(scratch);
     ++number;
   });
-  if (static_cast<std::size_t>(count.expected) != number) {
+  if (count < 0 || static_cast<std::size_t>(count) != number) {
     Kt::Print::instance().write(
         Kt::Print::kDiagnostic,
-        "KtXmlSetType Error: set size not equal to attribute value -- %ld, actual -- %zu\n",
-        count.expected, number);
+        "KtXmlSetType Error: set size not equal to attribute value -- %ld, actual -- %zu\n", count,
+        number);
   }
   return true;
 }

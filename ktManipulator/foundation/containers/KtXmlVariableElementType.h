@@ -77,7 +77,7 @@ bool KtXmlVariableElementType<E>::readValueFromToken(const KtToken& token, KtXml
   element_.reset(Kt::detail::makeHeld<E>(*this, token, reader));
   if (element_ == nullptr) {
     Kt::Print::instance().write(Kt::Print::kError,
-                                "KtXmlVariableElementType::readValueFromToken() error:\n\t\t\"%s\" "
+                                "KtXmlVariableElementType::readValueFromToken() error:\n\t\"%s\" "
                                 "tag not registered.\n",
                                 token.text().c_str());
     return false;

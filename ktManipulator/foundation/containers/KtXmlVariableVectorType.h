@@ -63,7 +63,8 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
   bool readValueFromToken(const KtToken& token, KtXmlReader& reader) override;
 
   /// Entry i. A bad index or a null entry is reported and gives the first entry; a list that has
-  /// none gives an object of one of its classes that is no part of the list.
+  /// none gives an object of one of its classes that is no part of the list. Only a list that
+  /// accepts no class at all has nothing to give; don't ask it.
   virtual const E& operator[](KtU32 index) const { return *entry(index); }
   /// The same, to be changed.
   virtual E& operator[](KtU32 index) { return *entry(index); }
@@ -122,9 +123,9 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
 template <class E>
 bool KtXmlVariableVectorType<E>::read(KtXmlReader& reader) {
   deleteFrom(0);
-  const Kt::detail::XmlCount count = Kt::detail::readXmlCount(reader, sizeof(E*));
-  if (count.refused) return false;
-  entries_.reserve(count.reserve);
+  const long count = Kt::detail::readXmlCount(reader);
+  if (!Kt::detail::checkXmlCount(reader, count)) return false;
+  Kt::detail::reserveXmlCount(reader, count, entries_);
   return KtXmlBaseVariableCompoundType::read(reader);
 }
 
@@ -155,7 +156,7 @@ bool KtXmlVariableVectorType<E>::readValueFromToken(const KtToken& token, KtXmlR
   std::unique_ptr<E> element(Kt::detail::makeHeld<E>(*this, token, reader));
   if (element == nullptr) {
     Kt::Print::instance().write(Kt::Print::kError,
-                                "KtXmlVariableVectorType::readValueFromToken() error:\n\t\t\"%s\" "
+                                "KtXmlVariableVectorType::readValueFromToken() error:\n\t\"%s\" "
                                 "tag not registered.\n",
                                 token.text().c_str());
     return false;
@@ -176,7 +177,9 @@ E* KtXmlVariableVectorType<E>::entry(KtU32 index) const {
   std::unique_ptr<E>& standIn = standIn_.require();
   for (auto creator = creatorMap().begin(); standIn == nullptr && creator != creatorMap().end();
        ++creator) {
-    standIn.reset(dynamic_cast<E*>(creator->second()));
+    std::unique_ptr<KtXmlObject> made(creator->second());
+    standIn.reset(dynamic_cast<E*>(made.get()));
+    if (standIn != nullptr) static_cast<void>(made.release());
   }
   return standIn.get();
 }

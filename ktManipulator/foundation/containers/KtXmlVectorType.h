@@ -17,8 +17,9 @@
 ///
 /// In a file the element has the attribute "count"; basic values stand in one child "group", other
 /// elements each in a child "element". On reading, a tag other than "group" is an element whatever
-/// its name; a count that is not the number of elements is reported, and the elements count. A
-/// count that no list can have is refused: the list stays empty and `read` gives false.
+/// its name; stray text is reported and passed over; a count that is not the number of elements is
+/// reported, and the elements count. A count that no list can have is refused: the list stays empty
+/// and `read` gives false.
 ///
 /// @tparam E  a persistent type, default-constructible and comparable; it may be incomplete where
 ///            the list is declared
@@ -133,17 +134,17 @@ template <class E>
 bool KtXmlVectorType<E>::read(KtXmlReader& reader) {
   if (!KtXmlObject::read(reader)) return false;
   elements_.clear();
-  const Kt::detail::XmlCount count = Kt::detail::readXmlCount(reader, sizeof(E));
-  if (count.refused) return false;
-  elements_.reserve(count.reserve);
+  const long count = Kt::detail::readXmlCount(reader);
+  if (!Kt::detail::checkXmlCount(reader, count)) return false;
+  Kt::detail::reserveXmlCount(reader, count, elements_);
   if (reader.currentEvent() == KtXmlReader::kEmpty) return true;
   Kt::detail::readXmlElements(reader, "KtXmlVectorType", ktIsBasicType<E>,
                               [&] { elements_.emplace_back().read(reader); });
-  if (static_cast<std::size_t>(count.expected) != elements_.size()) {
+  if (static_cast<std::size_t>(count) != elements_.size()) {
     Kt::Print::instance().write(
         Kt::Print::kDiagnostic,
         "KtXmlVectorType Error: array size not equal to attribute value -- %ld, actual -- %zu\n",
-        count.expected, elements_.size());
+        count, elements_.size());
     Kt::Print::instance().write(Kt::Print::kDiagnostic, "Filename: %s, Line count: %d\n",
                                 reader.fileName(), reader.lineCount());
   }

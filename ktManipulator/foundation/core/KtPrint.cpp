@@ -13,7 +13,9 @@ class Print::MessageStream : public std::ostream {
   explicit MessageStream(Print& print) : std::ostream(nullptr), buffer_(print) { rdbuf(&buffer_); }
 
   void begin(PrintType type, const std::string& context) {
+    static const std::ios unformatted(nullptr);
     buffer_.type = type;
+    copyfmt(unformatted);
     clear();
     if (!context.empty()) *this << context << ": ";
     buffer_.prefixLength = buffer_.view().size();

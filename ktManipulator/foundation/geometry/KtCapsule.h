@@ -2,7 +2,7 @@
 
 #include "ktManipulator/foundation/geometry/KtLineSegment.h"
 
-/// A capsule: all points no farther from a line segment than the radius.
+/// A capsule: all points no farther from a line segment than the radius. Lengths in m.
 class KT_EXPORT KtCapsule : public KtXmlRecord<KtCapsule> {
  public:
   /// A point at the origin.

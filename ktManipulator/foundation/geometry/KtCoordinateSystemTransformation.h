@@ -11,7 +11,8 @@
 /// A rigid transformation T = (p, R), read as frame B in frame A: applied to a point given in B it
 /// yields the point in A, x_A = R x_B + p.
 ///
-/// Composition is right multiplication towards the outboard end, T_A_C = T_A_B * T_B_C.
+/// The translation is in m. Composition is right multiplication towards the outboard end, T_A_C =
+/// T_A_B * T_B_C.
 class KT_EXPORT KtCoordinateSystemTransformation
     : public KtXmlRecord<KtCoordinateSystemTransformation> {
  public:

@@ -6,6 +6,7 @@
 #include "ktManipulator/foundation/xml/KtXmlRecord.h"
 
 /// A solid ellipsoid: its semi-axes along the axes of a frame, centred at the frame's origin.
+/// Lengths in m.
 class KT_EXPORT KtEllipsoid : public KtXmlRecord<KtEllipsoid> {
  public:
   /// A point at the origin.

@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlRecord.h"
 
-/// An infinite line: a point and a unit vector along it.
+/// An infinite line: a point, in m, and a unit vector along it.
 class KT_EXPORT KtLine : public KtXmlRecord<KtLine> {
  public:
   /// The x axis.

@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlRecord.h"
 
-/// The straight line between two points.
+/// The straight line between two points. Lengths in m.
 class KT_EXPORT KtLineSegment : public KtXmlRecord<KtLineSegment> {
  public:
   /// Both points at the origin.

@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlRecord.h"
 
-/// A plane: a point of it and a vector at right angles to it.
+/// A plane: a point of it, in m, and a vector at right angles to it.
 class KT_EXPORT KtPlane : public KtXmlRecord<KtPlane> {
  public:
   /// The xy plane through the origin, with its normal along z.

@@ -6,7 +6,7 @@
 #include "ktManipulator/foundation/xml/KtXmlRecord.h"
 
 /// A ball: all points no farther from a centre than the radius. One with a negative radius, such as
-/// the default one, has no point.
+/// the default one, has no point. Lengths in m.
 class KT_EXPORT KtSphere : public KtXmlRecord<KtSphere> {
  public:
   /// No point at all: what an expansion starts from.

@@ -31,6 +31,11 @@ class KT_EXPORT KtXmlOrientation : public KtXmlPersistent<KtXmlOrientation>, pub
   /// Exact equality.
   bool operator==(const KtOrientation& q) const noexcept { return KtOrientation::operator==(q); }
 
+  /// The shared value that stands for nothing: a default-constructed object.
+  static const KtXmlOrientation& nullObject() {
+    static const KtXmlOrientation theNullObject;
+    return theNullObject;
+  }
   /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtOrientationToken; }
 };

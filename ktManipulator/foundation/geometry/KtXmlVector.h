@@ -34,6 +34,11 @@ class KT_EXPORT KtXmlVector : public KtXmlPersistent<KtXmlVector>, public KtVect
   /// Exact equality.
   bool operator==(const KtVector& v) const noexcept { return KtVector::operator==(v); }
 
+  /// The shared value that stands for nothing: a default-constructed object.
+  static const KtXmlVector& nullObject() {
+    static const KtXmlVector theNullObject;
+    return theNullObject;
+  }
   /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtVectorToken; }
 };

@@ -21,6 +21,10 @@ class KT_EXPORT KtToken {
   explicit KtToken(std::string text)
       : text_(std::make_shared<const std::string>(std::move(text))) {}
 
+  // Copies alone: what was moved from would have no text.
+  KtToken(const KtToken&) = default;
+  KtToken& operator=(const KtToken&) = default;
+
   /// The text.
   operator const std::string&() const noexcept { return *text_; }  // NOLINT
   /// The text, by value.

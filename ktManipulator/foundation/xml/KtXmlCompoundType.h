@@ -44,7 +44,8 @@ class KT_EXPORT KtXmlCompoundType : public KtXmlObject {
   virtual void writeSchemaAttributes(KtXmlSchema& schema) const;
   /// Declares what `writeElements` writes.
   virtual void writeSchemaElements(KtXmlSchema& schema) const;
-  /// Registers every component, those of the base class first.
+  /// Registers every component, those of the base class first. Runs on first need, also for a
+  /// constant object that is written: whatever it changes beside the tables must be mutable.
   virtual void registerComponents();
   /// Registers a member under the name of its element.
   virtual void registerComponent(const KtToken& token, KtXmlObject* component);

@@ -40,7 +40,8 @@ class KT_EXPORT KtXmlObject {
   virtual void accept(KtXmlObjectVisitor* visitor) const;
   /// A copy of the most derived object; the caller owns it.
   virtual KtXmlObject* clone() const = 0;
-  /// Prepares the object for reading and writing. Runs by itself on first need.
+  /// Prepares the object for reading and writing. Runs by itself on first need, also for a constant
+  /// object that is written: whatever it changes must be mutable.
   virtual void xmlInit();
   /// Reads the object. Entered with the object's own element in hand, left with that element's end
   /// consumed. What the element doesn't mention keeps its value.

@@ -17,6 +17,11 @@ class KtXmlPersistent : public Base {
   KtXmlObject* clone() const override { return new Cls(self()); }
   /// Whether the other is of class `Cls`, or derived from it, and equal as a `Cls`.
   bool equality(const KtXmlObject* other) const override {
+    // A class without a comparison of its own would take its base's and equal too much.
+    static_assert(
+        requires { static_cast<bool (Cls::*)(const Cls&) const>(&Cls::operator==); } ||
+            requires { static_cast<bool (Cls::*)(const Cls&) const noexcept>(&Cls::operator==); },
+        "a persistent class declares bool operator==(const Cls&) const");
     const auto* same = dynamic_cast<const Cls*>(other);
     return same != nullptr && self() == *same;
   }

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr int kChunkBytes = 1 << 16;
+constexpr int kLargestChunkBytes = 1 << 29;
 // A digit and a blank are the least that describes an element of a list, and its memory is a small
 // multiple of its text: a real takes 12 times the bytes of the shortest one.
 constexpr std::size_t kLeastBytesPerElement = 2;
@@ -119,7 +120,7 @@ struct KtXmlReader::Impl {
   }
 
   static void onDoctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*, int) {
-    static_cast<Impl*>(self)->fail("a document type declaration is not accepted");
+    guarded(self, [](Impl& impl) { impl.fail("a document type declaration is not accepted"); });
   }
 
   int parserLine() const { return static_cast<int>(XML_GetCurrentLineNumber(parser)); }
@@ -155,6 +156,7 @@ struct KtXmlReader::Impl {
     text.clear();
     attributes.clear();
     next = textBegin = textEnd = 0;
+    attribute = attributeBegin = attributeEnd = 0;
     while (queue.empty() && !finished) parseChunk();
     return !queue.empty();
   }
@@ -165,19 +167,27 @@ struct KtXmlReader::Impl {
       report(lastLine, "the document can't be opened");
       return;
     }
-    void* buffer = XML_GetBuffer(parser, kChunkBytes);
+    void* buffer = XML_GetBuffer(parser, chunkBytes);
     std::streamsize count = 0;
+    bool readable = true;
     if (buffer != nullptr) {
-      stream->read(static_cast<char*>(buffer), kChunkBytes);
-      count = stream->gcount();
+      try {
+        // Not through the stream itself: a caller may have told it to throw.
+        count = stream->rdbuf() != nullptr
+                    ? stream->rdbuf()->sgetn(static_cast<char*>(buffer), chunkBytes)
+                    : 0;
+      } catch (...) {
+        readable = false;
+      }
     }
-    if (stream->bad()) {
+    if (!readable) {
       finished = broken = true;
       report(parserLine(), "the document can't be read");
       return;
     }
     bytesRead += static_cast<std::size_t>(count);
-    const bool last = count < kChunkBytes;
+    const bool last = count < chunkBytes;
+    const XML_Index before = XML_GetCurrentByteIndex(parser);
     if (buffer == nullptr ||
         XML_ParseBuffer(parser, static_cast<int>(count), last) != XML_STATUS_OK) {
       finished = true;
@@ -188,6 +198,10 @@ struct KtXmlReader::Impl {
       }
     }
     if (last) finished = true;
+    // The parser scans a name, attribute, comment or instruction that is not complete from its
+    // start again at every chunk; larger chunks keep that linear.
+    const bool stuck = XML_GetCurrentByteIndex(parser) == before;
+    chunkBytes = !stuck ? kChunkBytes : std::min(2 * chunkBytes, kLargestChunkBytes);
   }
 
   void report(int atLine, const std::string& message) {
@@ -261,6 +275,7 @@ struct KtXmlReader::Impl {
   int failLine = 1;
   int lastLine = 1;
   std::string failReason;
+  int chunkBytes = kChunkBytes;
   std::size_t bytesRead = 0;
   std::size_t totalBytes = 0;
   bool sizeKnown = false;
@@ -540,7 +555,8 @@ bool KtXmlReader::readText(std::string& text) {
 std::size_t KtXmlReader::grantMemory(std::size_t count, std::size_t elementBytes) noexcept {
   Impl& r = *impl_;
   // What was read as the present chunk may not have been handed out yet.
-  const std::size_t handedOut = r.bytesRead - std::min<std::size_t>(r.bytesRead, kChunkBytes);
+  const auto chunk = static_cast<std::size_t>(r.chunkBytes);
+  const std::size_t handedOut = r.bytesRead - std::min(r.bytesRead, chunk);
   const std::size_t total = r.sizeKnown ? r.totalBytes : r.bytesRead + kUnknownLength;
   const std::size_t remaining = total - std::min(total, handedOut);
   const std::size_t allowance = kMemoryPerByte * total;

@@ -28,5 +28,11 @@ class KT_EXPORT KtXmlRecord : public KtXmlPersistent<Cls, KtXmlObject> {
   void writeSchema(KtXmlSchema& schema) const override;
 
   /// Exact equality.
+  /// The shared value that stands for nothing: a default-constructed object.
+  static const Cls& nullObject() {
+    static const Cls theNullObject;
+    return theNullObject;
+  }
+
   bool operator==(const KtXmlRecord&) const noexcept { return true; }
 };

@@ -83,6 +83,14 @@ template <class Cls>
 bool KtXmlRecord<Cls>::read(KtXmlReader& reader) {
   if (!KtXmlObject::read(reader)) return false;
   bool ok = true;
+  for (unsigned i = 0, count = reader.attributeCount(); i < count; ++i) {
+    const KtToken& name = reader.nextAttributeToken();
+    // Attributes of other vocabularies, such as xsi:schemaLocation, may stand anywhere.
+    if (!name.namespaceName().empty()) continue;
+    reader.reportError("\"" + name.text() + "\" is not an attribute of " +
+                       std::string(this->token().localName()));
+    ok = false;
+  }
   reader.forEachChild([&] {
     const KtToken& name = reader.currentToken();
     bool known = false;

@@ -54,11 +54,16 @@ struct KtXmlSchema::State {
   void writeSimpleType(const Node& node, const std::string& indent) const {
     stream << indent << "<xs:simpleType>\n";
     if (!node.words.empty()) {
-      stream << indent << "  <xs:restriction base=\"xs:string\">\n";
+      // A value that has no word stands as its number.
+      stream << indent << "  <xs:union memberTypes=\"xs:unsignedInt\">\n"
+             << indent << "    <xs:simpleType>\n"
+             << indent << "      <xs:restriction base=\"xs:string\">\n";
       for (const auto& word : node.words) {
-        stream << indent << "    <xs:enumeration value=\"" << escaped(word) << "\"/>\n";
+        stream << indent << "        <xs:enumeration value=\"" << escaped(word) << "\"/>\n";
       }
-      stream << indent << "  </xs:restriction>\n";
+      stream << indent << "      </xs:restriction>\n"
+             << indent << "    </xs:simpleType>\n"
+             << indent << "  </xs:union>\n";
     } else if (node.listLength == 0) {
       stream << indent << "  <xs:list itemType=\"" << node.valueType << "\"/>\n";
     } else {
@@ -122,6 +127,16 @@ struct KtXmlSchema::State {
     }
   }
 
+  void writeAll() const {
+    stream << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           << "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" xmlns=\""
+           << KtXml::namespaceName << "\"\n           targetNamespace=\"" << KtXml::namespaceName
+           << "\" elementFormDefault=\"qualified\">\n";
+    for (const auto& root : document.children) writeElement(*root, "  ", true);
+    for (const auto& type : types) writeComplexType(*type, "  ");
+    stream << "</xs:schema>\n" << std::flush;
+  }
+
   static std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {
@@ -155,13 +170,11 @@ KtXmlSchema::KtXmlSchema(const std::string& fileName, std::ostream& stream)
 
 KtXmlSchema::~KtXmlSchema() {
   State& s = *state_;
-  s.stream << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-           << "<xs:schema xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" xmlns=\""
-           << KtXml::namespaceName << "\"\n           targetNamespace=\"" << KtXml::namespaceName
-           << "\" elementFormDefault=\"qualified\">\n";
-  for (const auto& root : s.document.children) s.writeElement(*root, "  ", true);
-  for (const auto& type : s.types) s.writeComplexType(*type, "  ");
-  s.stream << "</xs:schema>\n" << std::flush;
+  try {
+    s.writeAll();
+  } catch (...) {
+    // A caller may have told the stream to throw; its state says the same.
+  }
   if (!s.stream) {
     Kt::Print::instance().write(Kt::Print::kError, "%s: the schema can't be written\n",
                                 s.fileName.c_str());

@@ -65,7 +65,7 @@ class KT_EXPORT KtXmlSchema {
   ///
   /// @param length  how many; 0 for any number
   void makeList(KtU32 length = 0);
-  /// The element or attribute in hand holds one of these words.
+  /// The element or attribute in hand holds one of these words, or an unsigned integer.
   void setEnumeration(const std::vector<std::string>& words);
 
  private:

@@ -2,7 +2,9 @@
 /// The text form of numbers, independent of the locale.
 #pragma once
 
+#include <algorithm>
 #include <charconv>
+#include <cstdlib>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -49,12 +51,18 @@ inline bool parseReal(std::string_view text, double& value) noexcept {
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), parsed);
   if (end != digits.data() + digits.size() || error == std::errc::invalid_argument) return false;
   if (error == std::errc::result_out_of_range) {
-    // Too large or too small: the sign of the exponent tells, after the leading zeros of a number
-    // without an exponent.
-    const auto exponent = digits.find_first_of("eE");
-    const bool tiny = exponent == std::string_view::npos
-                          ? word.find_first_not_of('0') == word.find('.')
-                          : digits[exponent + 1] == '-';
+    // Too large or too small: the place of the first digit that counts tells, with the exponent.
+    const auto mark = std::min(word.find_first_of("eE"), word.size());
+    const std::string_view mantissa = word.substr(0, mark);
+    const auto point = std::min(mantissa.find('.'), mantissa.size());
+    const auto first = mantissa.find_first_not_of("0.");
+    long exponent = 0;
+    if (mark < word.size())
+      exponent = std::strtol(std::string(word.substr(mark + 1)).c_str(), nullptr, 10);
+    const bool tiny =
+        first == std::string_view::npos ||
+        static_cast<double>(point) - static_cast<double>(first) + static_cast<double>(exponent) <
+            0.0;
     parsed = tiny ? 0.0 : std::numeric_limits<double>::infinity();
     if (negative) parsed = -parsed;
   }

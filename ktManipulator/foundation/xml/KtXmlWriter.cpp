@@ -1,5 +1,6 @@
 #include "ktManipulator/foundation/xml/KtXmlWriter.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <fstream>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::size_t kBufferBytes = 1 << 16;
 constexpr std::size_t kLineLength = 100;
+constexpr std::size_t kDeepestIndentation = 24;
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 /// Length in bytes of the UTF-8 character at the start of the text if XML 1.0 allows it, else 0.
@@ -57,7 +59,11 @@ KtXmlWriter::~KtXmlWriter() {
   while (depth_ > 0) endElement();
   if (!buffer_.empty() || flushedOnLine_ > 0) put("\n");
   flush();
-  stream_.flush();
+  try {
+    stream_.flush();
+  } catch (...) {
+    // Nothing more can be done about it here.
+  }
 }
 
 void KtXmlWriter::put(std::string_view text) {
@@ -67,7 +73,11 @@ void KtXmlWriter::put(std::string_view text) {
 
 void KtXmlWriter::flush() {
   if (!buffer_.empty()) {
-    stream_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+    try {
+      stream_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+    } catch (...) {
+      // A caller may have told the stream to throw; its state says the same.
+    }
     flushedOnLine_ += buffer_.size() - lineStart_;
     lineStart_ = 0;
     buffer_.clear();
@@ -82,7 +92,8 @@ void KtXmlWriter::newLine(std::size_t depth) {
   buffer_.push_back('\n');
   lineStart_ = buffer_.size();
   flushedOnLine_ = 0;
-  buffer_.append(2 * depth, ' ');
+  // Deeper than this, indentation helps nobody, and would come to outweigh the document.
+  buffer_.append(2 * std::min<std::size_t>(depth, kDeepestIndentation), ' ');
 }
 
 void KtXmlWriter::closeStartTag() {
@@ -113,11 +124,12 @@ void KtXmlWriter::open(const KtToken& token) {
   }
   const bool group = token == KtXml::KtGroupToken;
   if (depth_ == 0) {
+    if (rootWritten_) reportError("a document has one root element only");
+    rootWritten_ = true;
     put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
     newLine(0);
   } else {
     Element& parent = elements_[depth_ - 1];
-    parent.hasChildren = true;
     // The values of a list stand on its line, and mixed content takes no white space.
     if (!group && !parent.hasText) {
       parent.multiLine = true;
@@ -126,7 +138,7 @@ void KtXmlWriter::open(const KtToken& token) {
   }
   if (depth_ == elements_.size()) elements_.emplace_back();
   Element& element = elements_[depth_++];
-  element.hasText = element.hasChildren = element.multiLine = false;
+  element.hasText = element.multiLine = false;
   element.group = group;
   const bool foreign = !space.empty() && space != KtXml::namespaceName;
   element.name = foreign ? "x:" : "";
@@ -201,7 +213,7 @@ void KtXmlWriter::writeText(std::string_view text) {
 void KtXmlWriter::writeListText(std::string_view text) {
   const bool plain =
       !text.empty() && text[0] != '"' && text.find_first_of(" \t\n\r") == std::string_view::npos;
-  beginValue(text.size());
+  if (!beginValue(text.size())) return;
   if (plain) {
     putEscaped(text, false);
     return;
@@ -215,11 +227,11 @@ void KtXmlWriter::writeListText(std::string_view text) {
   putEscaped(quoted, false);
 }
 
-void KtXmlWriter::beginValue(std::size_t length) {
-  if (inAttribute_) return;
+bool KtXmlWriter::beginValue(std::size_t length) {
+  if (inAttribute_) return true;
   if (depth_ == 0) {
     reportError("a value can't stand outside of the root element");
-    return;
+    return false;
   }
   closeStartTag();
   Element& element = elements_[depth_ - 1];
@@ -234,11 +246,11 @@ void KtXmlWriter::beginValue(std::size_t length) {
     }
   }
   element.hasText = true;
+  return true;
 }
 
 void KtXmlWriter::writeWord(std::string_view word) {
-  beginValue(word.size());
-  put(word);
+  if (beginValue(word.size())) put(word);
 }
 
 void KtXmlWriter::writeValue(double value) {

@@ -77,7 +77,6 @@ class KT_EXPORT KtXmlWriter {
   struct Element {
     std::string name;
     bool hasText = false;
-    bool hasChildren = false;
     bool multiLine = false;  // some child stands on a line of its own
     bool group = false;
   };
@@ -87,7 +86,7 @@ class KT_EXPORT KtXmlWriter {
   void newLine(std::size_t depth);
   void put(std::string_view text);
   void putEscaped(std::string_view text, bool inAttribute);
-  void beginValue(std::size_t length);
+  bool beginValue(std::size_t length);
   void endAttribute();
 
   std::string fileName_;
@@ -97,6 +96,7 @@ class KT_EXPORT KtXmlWriter {
   std::size_t depth_ = 0;
   std::size_t lineStart_ = 0;  // where the present line starts in the buffer, if it is in there
   std::size_t flushedOnLine_ = 0;
+  bool rootWritten_ = false;
   bool startTagOpen_ = false;
   bool inAttribute_ = false;
   bool failed_ = false;
