@@ -31,7 +31,6 @@ void reserveXmlCount(KtXmlReader& reader, long count, Vector& vector) {
         reader.grantMemory(static_cast<std::size_t>(count), sizeof(typename Vector::value_type)));
   } catch (const std::exception&) {
     // Only speed is lost: the elements that are really there may fit all the same.
-    vector.clear();
   }
 }
 

@@ -254,7 +254,6 @@ struct KtXmlReader::Impl {
   std::string fileName;
   XML_Parser parser;
   std::ifstream file;
-  std::istringstream string;
   std::istream* stream = nullptr;
   bool opened = false;  // the reader opened `file` itself
   KtXmlFactory* factory = nullptr;
