@@ -65,3 +65,5 @@
 #include "ktManipulator/foundation/xml/KtXmlText.h"
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlWriter.h"
+#include "ktManipulator/model/KtIndividualManipulator.h"
+#include "ktManipulator/model/KtManipulatorLink.h"

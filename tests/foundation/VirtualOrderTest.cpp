@@ -16,10 +16,6 @@ using LabelMap = KtLabelAssociatedMap<Real>;
 using Mass = KtRigidBodyMassProperties;
 using T = KtCoordinateSystemTransformation;
 
-constexpr std::size_t kObject = 18;    // last slot: the destructor has two, then 17 operations
-constexpr std::size_t kCompound = 44;  // last slot: 26 operations more
-constexpr std::size_t kHolder = 26;    // last slot: 8 operations more than the root
-
 // The order of virtual operations is part of the interface: a program that was built against one
 // build of the library must run with the next.
 TEST(VirtualOrder, FoundationKeepsIts) {

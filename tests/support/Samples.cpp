@@ -1,50 +1,10 @@
 #include "support/Samples.h"
 
-#include <limits>
+#include "support/SampleKit.h"
 
 namespace {
 
-using Bool = KtXmlBasicType<bool>;
-using Real = KtXmlBasicType<double>;
-using Text = KtXmlBasicType<std::string>;
-using U32 = KtXmlBasicType<KtU32>;
-
-const KtCoordinateSystemTransformation kFrame(KtVector(0.1, -2.5, 1e-7),
-                                              KtOrientation(0.5, -0.5, 0.5, 0.5));
-
-template <class Cls, class... Arguments>
-Sample sample(const char* name, const Arguments&... arguments) {
-  return {name, [=] { return std::make_unique<Cls>(arguments...); }};
-}
-
-template <class Cls>
-Sample filled(const char* name, void (*fill)(Cls&)) {
-  return {name, [fill] {
-            auto object = std::make_unique<Cls>();
-            fill(*object);
-            return object;
-          }};
-}
-
-KtXmlVectorType<Real> someReals() {
-  KtXmlVectorType<Real> list;
-  const double infinity = std::numeric_limits<double>::infinity();
-  for (const double x : {0.1, -0.0, 1.0 / 3.0, 5e-324, 1.7976931348623157e308, infinity, -infinity,
-                         123456789.0, -1e22}) {
-    list.pushBack(x);
-  }
-  return list;
-}
-
-// Texts that look like markup, quotation, separators and nothing, and some beyond ASCII.
-KtXmlVectorType<Text> someTexts() {
-  KtXmlVectorType<Text> list;
-  for (const char* text : {"plain", "two words", "", "\"", "back\\slash", "\"q\\\"", "<a>&]]>",
-                           "line\nbreak\r\ttab ", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\xA6\xBE"}) {
-    list.pushBack(std::string(text));
-  }
-  return list;
-}
+using namespace samplekit;
 
 void fillNode(SampleNode& node) {
   node.kind = 7U;
@@ -60,8 +20,7 @@ void fillNode(SampleNode& node) {
 
 }  // namespace
 
-std::vector<Sample> allSamples() {
-  std::vector<Sample> samples;
+void addFoundationSamples(std::vector<Sample>& samples) {
   const auto add = [&samples](Sample one) { samples.push_back(std::move(one)); };
   add(sample<Bool>("Bool", true));
   add(sample<Real>("Real", 0.1));
@@ -169,5 +128,10 @@ std::vector<Sample> allSamples() {
     holder.setAddLibraries(libraries);
     holder.setElement(KtLinearScalarFunction(1.0, 2.0));
   }));
+}
+
+std::vector<Sample> allSamples() {
+  std::vector<Sample> samples;
+  addFoundationSamples(samples);
   return samples;
 }

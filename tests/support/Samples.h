@@ -88,5 +88,9 @@ class SampleFunctionHolder
   }
 };
 
+// One sample for every persistent class, by the part of the library that it belongs to.
+
+void addFoundationSamples(std::vector<Sample>& samples);
+
 /// One sample for every persistent class of the library.
 std::vector<Sample> allSamples();
