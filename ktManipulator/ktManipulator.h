@@ -2,6 +2,13 @@
 /// The whole public interface of the library.
 #pragma once
 
+#include "ktManipulator/constraints/KtBaseStateConstraint.h"
+#include "ktManipulator/constraints/KtBaseStateEqualityConstraint.h"
+#include "ktManipulator/constraints/KtLinearStateEqualityConstraint.h"
+#include "ktManipulator/constraints/KtMultivariableJointStateConstraint.h"
+#include "ktManipulator/constraints/KtStateConstraintContainer.h"
+#include "ktManipulator/constraints/KtStateConstraintVector.h"
+#include "ktManipulator/constraints/KtStateEqualityConstraintVector.h"
 #include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
 #include "ktManipulator/foundation/containers/KtBaseExpressionTreeContainer.h"
 #include "ktManipulator/foundation/containers/KtLabelAssociatedMap.h"

@@ -1,0 +1,10 @@
+#include "ktManipulator/constraints/KtStateConstraintContainer.h"
+
+#include "ktManipulator/constraints/KtMultivariableJointStateConstraint.h"
+
+template class KtBaseExpressionTreeContainer<KtBaseStateConstraint>;
+
+void KtStateConstraintContainer::registerComponentCreators() {
+  registerComponentCreator(KtMultivariableJointStateConstraint::classToken(),
+                           KtMultivariableJointStateConstraint::creator);
+}
