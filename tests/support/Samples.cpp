@@ -133,5 +133,6 @@ void addFoundationSamples(std::vector<Sample>& samples) {
 std::vector<Sample> allSamples() {
   std::vector<Sample> samples;
   addFoundationSamples(samples);
+  addActuationSamples(samples);
   return samples;
 }

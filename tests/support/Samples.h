@@ -90,6 +90,7 @@ class SampleFunctionHolder
 
 // One sample for every persistent class, by the part of the library that it belongs to.
 
+void addActuationSamples(std::vector<Sample>& samples);
 void addFoundationSamples(std::vector<Sample>& samples);
 
 /// One sample for every persistent class of the library.
