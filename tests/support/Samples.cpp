@@ -134,5 +134,7 @@ std::vector<Sample> allSamples() {
   std::vector<Sample> samples;
   addFoundationSamples(samples);
   addActuationSamples(samples);
+  addKinematicsSamples(samples);
+  addDynamicsSamples(samples);
   return samples;
 }

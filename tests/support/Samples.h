@@ -92,6 +92,8 @@ class SampleFunctionHolder
 
 void addActuationSamples(std::vector<Sample>& samples);
 void addFoundationSamples(std::vector<Sample>& samples);
+void addKinematicsSamples(std::vector<Sample>& samples);
+void addDynamicsSamples(std::vector<Sample>& samples);
 
 /// One sample for every persistent class of the library.
 std::vector<Sample> allSamples();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <concepts>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -61,12 +61,10 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
 
   /// Exact equality.
   bool operator==(const KtXmlEnumType& other) const { return value_ == other.value_; }
-  /// Exact equality.
-  /// Whether the value equals a plain one.
-  template <std::integral U>
-  bool operator==(const U& value) const {
-    return value_ == static_cast<T>(value);
-  }
+  /// Whether the value equals a plain one, an integer or an enumerator.
+  template <class U>
+  requires std::is_integral_v<U> || std::is_enum_v<U>
+  bool operator==(const U& value) const { return value_ == static_cast<T>(value); }
 
   /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtEnumTypeToken; }
