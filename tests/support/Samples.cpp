@@ -136,5 +136,7 @@ std::vector<Sample> allSamples() {
   addActuationSamples(samples);
   addKinematicsSamples(samples);
   addDynamicsSamples(samples);
+  addStateSamples(samples);
+  addConstraintSamples(samples);
   return samples;
 }

@@ -94,6 +94,8 @@ void addActuationSamples(std::vector<Sample>& samples);
 void addFoundationSamples(std::vector<Sample>& samples);
 void addKinematicsSamples(std::vector<Sample>& samples);
 void addDynamicsSamples(std::vector<Sample>& samples);
+void addStateSamples(std::vector<Sample>& samples);
+void addConstraintSamples(std::vector<Sample>& samples);
 
 /// One sample for every persistent class of the library.
 std::vector<Sample> allSamples();

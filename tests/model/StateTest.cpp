@@ -1,0 +1,435 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <sstream>
+
+#include "ktManipulator/ktManipulator.h"
+#include "support/Allocations.h"
+#include "support/KtLogCapture.h"
+#include "support/Random.h"
+
+namespace {
+
+using namespace sampling;
+using States = Seeded;
+using Joints = KtXmlVectorType<KtXmlBasicType<double>>;
+using System = KtManipulatorSystemState;
+
+Joints randomJoints(KtU32 count) {
+  Joints joints(count);
+  for (auto& joint : joints.vectorContainer()) joint = uniform();
+  return joints;
+}
+KtPositionState positions(KtU32 count) {
+  KtPositionState state;
+  state.setJointPositions(randomJoints(count));
+  state.setCoordSysXForm(randomTransformation());
+  return state;
+}
+KtVelocityState velocities(KtU32 count) {
+  KtVelocityState state;
+  state.setJointVelocities(randomJoints(count));
+  state.setGeneralVelocity(randomMotion());
+  return state;
+}
+System systemState(std::initializer_list<KtU32> positionCounts,
+                   std::initializer_list<KtU32> velocityCounts, double time) {
+  System state;
+  for (const KtU32 n : positionCounts) state.positionStates().pushBack(positions(n));
+  for (const KtU32 n : velocityCounts) state.velocityStates().pushBack(velocities(n));
+  state.setTime(time);
+  return state;
+}
+std::vector<KtU32> velocitySizes(const System& state) {
+  std::vector<KtU32> sizes;
+  for (const auto& v : state.velocityStates().vectorContainer()) {
+    sizes.push_back(v.jointVelocities().size());
+  }
+  return sizes;
+}
+
+// For orientations about one axis the interpolation has a closed form: the angle is linear too.
+TEST_F(States, InterpolateLinearlyInEveryNumber) {
+  System a = systemState({3, 2}, {3, 2}, 1.0);
+  System b = systemState({3, 2}, {3, 2}, 3.0);
+  const KtVector axis(0.0, 0.6, 0.8);
+  KtOrientation turn;
+  for (auto& p : a.positionStates().vectorContainer()) p.coordSysXForm().setOrientation(turn);
+  turn.setFromAngleAxis(1.2, axis);
+  for (auto& p : b.positionStates().vectorContainer()) p.coordSysXForm().setOrientation(turn);
+  for (const double t : {1.0, 1.5, 3.0, 4.0, -1.0}) {
+    SCOPED_TRACE(t);
+    const double f = (t - 1.0) / 2.0;
+    System out;
+    ASSERT_TRUE(out.linearInterpolation(a, b, t));
+    EXPECT_EQ(out.time(), t);
+    KtOrientation expected;
+    expected.setFromAngleAxis(1.2 * f, axis);
+    for (KtU32 i = 0; i < 2; ++i) {
+      const auto& [p1, p2, p] =
+          std::tie(a.positionStates()[i], b.positionStates()[i], out.positionStates()[i]);
+      const auto& [v1, v2, v] =
+          std::tie(a.velocityStates()[i], b.velocityStates()[i], out.velocityStates()[i]);
+      const KtVector p1p2 = p2.coordSysXForm().translation() - p1.coordSysXForm().translation();
+      EXPECT_TRUE(p.coordSysXForm().approxEq(
+          {p1.coordSysXForm().translation() + p1p2 * f, expected}, 1e-14));
+      EXPECT_TRUE(v.generalVelocity().approxEq(
+          v1.generalVelocity() + (v2.generalVelocity() - v1.generalVelocity()) * f, 1e-14));
+      for (KtU32 j = 0; j < p1.jointPositions().size(); ++j) {
+        EXPECT_NEAR(p.jointPositions()[j],
+                    std::lerp(p1.jointPositions()[j].value(), p2.jointPositions()[j].value(), f),
+                    1e-15);
+        EXPECT_NEAR(v.jointVelocities()[j],
+                    std::lerp(v1.jointVelocities()[j].value(), v2.jointVelocities()[j].value(), f),
+                    1e-15);
+      }
+    }
+  }
+}
+
+TEST_F(States, InterpolateInPlace) {
+  const System a = systemState({3}, {3}, 1.0);
+  const System b = systemState({3}, {3}, 2.0);
+  System expected;
+  ASSERT_TRUE(expected.linearFactorInterpolation(a, b, 0.25));
+  System first = a;
+  System second = b;
+  EXPECT_TRUE(first.linearFactorInterpolation(first, b, 0.25));
+  EXPECT_TRUE(second.linearFactorInterpolation(a, second, 0.25));
+  EXPECT_EQ(first, expected);
+  EXPECT_EQ(second, expected);
+  first = a;
+  EXPECT_TRUE(first.linearInterpolation(first, b, 1.25));
+  EXPECT_EQ(first, expected);
+  // State 1 is assigned before state 2 is read.
+  second = b;
+  EXPECT_FALSE(second.linearInterpolation(a, second, 1.25));
+  EXPECT_TRUE(second.approxEq(a, 1e-15, false));
+  EXPECT_EQ(second.time(), 1.25);
+  // The factor may lie in the state that is written.
+  System other = a;
+  other.positionStates()[0].jointPositions()[0] = 0.25;
+  EXPECT_TRUE(other.positionStates()[0].linearInterpolation(
+      a.positionStates()[0], b.positionStates()[0], other.positionStates()[0].jointPositions()[0]));
+  EXPECT_EQ(other.positionStates()[0], expected.positionStates()[0]);
+}
+
+TEST_F(States, AtOneTimeGiveTheFirstAndFalse) {
+  const System a = systemState({2}, {2}, 1.0);
+  const System b = systemState({2}, {2}, 1.0);
+  System out;
+  EXPECT_FALSE(out.linearInterpolation(a, b, 7.0));
+  EXPECT_EQ(out.time(), 7.0);
+  EXPECT_TRUE(out.approxEq(a, 1e-15, false));
+  EXPECT_FALSE(out.approxEq(a, 1e-15, true));
+}
+
+TEST_F(States, OfUnequalSizesInterpolateAsFarAsTheyAgree) {
+  KtLogCapture log;
+  const KtPositionState p3 = positions(3);
+  const KtPositionState p2 = positions(2);
+  KtPositionState p = positions(5);
+  EXPECT_FALSE(p.linearInterpolation(p3, p2, 1.0));
+  EXPECT_TRUE(p.approxEq(p2, 1e-14));
+  const KtVelocityState v3 = velocities(3);
+  const KtVelocityState before = v3;
+  KtVelocityState v = v3;
+  EXPECT_FALSE(v.linearInterpolation(v3, velocities(2), 0.5));
+  EXPECT_EQ(v, before);
+  System out = systemState({1}, {1}, 0.0);
+  const System untouched = out;
+  EXPECT_FALSE(out.linearFactorInterpolation(systemState({1}, {1}, 1.0),
+                                             systemState({1, 1}, {1, 1}, 2.0), 0.5));
+  EXPECT_EQ(out, untouched);
+  const std::vector<KtLogCapture::Message> expected = {
+      {Kt::Print::kError,
+       "KtPositionState::linearInterpolation(): the two joint-position sizes (3 and 2) do not "
+       "match"},
+      {Kt::Print::kError,
+       "KtVelocityState::linearInterpolation velocityState1.jointVelocities() size mismatch."},
+      {Kt::Print::kError,
+       "KtManipulatorSystemState::linearFactorInterpolation: positionStates size mismatch."}};
+  EXPECT_EQ(log.messages(), expected);
+
+  // Velocity states that state 2 lacks are those of state 1.
+  const System a = systemState({1, 1}, {1, 2}, 0.0);
+  System b = systemState({1, 1}, {1}, 1.0);
+  EXPECT_TRUE(b.linearFactorInterpolation(a, b, 0.5));
+  EXPECT_TRUE(b.velocityStates()[1].approxEq(a.velocityStates()[1], 1e-15));
+}
+
+TEST_F(States, AreRepaired) {
+  KtLogCapture log;
+  System few = systemState({1, 2}, {1}, 0.0);
+  const KtVelocityState kept = few.velocityStates()[0];
+  EXPECT_FALSE(few.validateTopLevelDimensions());
+  ASSERT_EQ(velocitySizes(few), (std::vector<KtU32>{1, 0}));
+  EXPECT_EQ(few.velocityStates()[0], kept);
+  EXPECT_EQ(few.velocityStates()[1], KtVelocityState::nullObject());
+  System many = systemState({1, 2}, {1, 2, 3}, 0.0);
+  EXPECT_FALSE(many.validateTopLevelDimensions());
+  EXPECT_EQ(velocitySizes(many), (std::vector<KtU32>{1, 2}));
+  const std::string top =
+      "KtManipulatorSystemState::validateTopLevelDimensions(): number of position states does not "
+      "match the velocity states--correcting.\n";
+  EXPECT_EQ(log.text(), top + top);
+
+  log.clear();
+  System wrong = systemState({2, 3, 3}, {3, 3, 1}, 0.0);
+  const System before = wrong;
+  EXPECT_TRUE(wrong.validateTopLevelDimensions());
+  EXPECT_FALSE(wrong.validateLowLevelDimensions());
+  ASSERT_EQ(velocitySizes(wrong), (std::vector<KtU32>{2, 3, 3}));
+  for (KtU32 i = 0; i < 3; ++i) {
+    const auto& was = before.velocityStates()[i];
+    const auto& is = wrong.velocityStates()[i];
+    EXPECT_EQ(is.generalVelocity(), was.generalVelocity());
+    for (KtU32 j = 0; j < is.jointVelocities().size(); ++j) {
+      const bool old = j < was.jointVelocities().size();
+      EXPECT_EQ(is.jointVelocities()[j].value(), old ? was.jointVelocities()[j].value() : 0.0);
+    }
+  }
+  const std::string low =
+      "KtManipulatorSystemState::validateLowLevelDimensions: joint positions do notmatch joint "
+      "velocities--correcting.\n";
+  EXPECT_EQ(log.text(), low + low);
+  log.clear();
+  EXPECT_TRUE(wrong.validateTopLevelDimensions());
+  EXPECT_TRUE(wrong.validateLowLevelDimensions());
+  EXPECT_EQ(log.text(), "");
+
+  // A file with a bad state is read, with the messages of the repairs.
+  System back;
+  EXPECT_TRUE(
+      KtXmlReader::readString(KtXmlWriter::writeString(systemState({2, 1}, {3}, 0.5)), back));
+  EXPECT_EQ(velocitySizes(back), (std::vector<KtU32>{2, 1}));
+  EXPECT_EQ(log.text(), top + low + low);
+}
+
+TEST_F(States, KnowWhatFitsAndWhatIsClose) {
+  const System a = systemState({2, 1}, {2, 1}, 1.0);
+  EXPECT_TRUE(a.checkCompatibleState(systemState({2, 1}, {2, 1}, 5.0)));
+  EXPECT_FALSE(a.checkCompatibleState(systemState({2}, {2, 1}, 1.0)));
+  EXPECT_FALSE(a.checkCompatibleState(systemState({2, 1}, {2}, 1.0)));
+  EXPECT_FALSE(a.checkCompatibleState(systemState({2, 2}, {2, 1}, 1.0)));
+  EXPECT_FALSE(a.checkCompatibleState(systemState({2, 1}, {2, 2}, 1.0)));
+
+  System b = a;
+  b.positionStates()[1].jointPositions()[0].value() += 0.25;
+  EXPECT_FALSE(a.approxEq(b, 0.2, true));
+  EXPECT_TRUE(a.approxEq(b, 0.3, true));
+  b.velocityStates()[0].generalVelocity() *= 3.0;
+  EXPECT_FALSE(a.approxEq(b, 0.3, true));
+  EXPECT_FALSE(a.approxEq(systemState({}, {}, 1.0), 9.0, false));
+  // A difference of exactly the tolerance passes.
+  KtAccelerationState still;
+  still.resize(1);
+  KtAccelerationState fast = still;
+  fast.jointAccelerations()[0] = 0.5;
+  EXPECT_TRUE(still.approxEq(fast, 0.5));
+  EXPECT_FALSE(fast.approxEq(still, 0.4999));
+  fast.resize(3);
+  EXPECT_FALSE(fast.approxEq(still, 9.0));
+  EXPECT_EQ(fast.jointAccelerations().vectorContainer(),
+            (std::vector<KtXmlBasicType<double>>{0.5, 0.0, 0.0}));
+  EXPECT_EQ(KtAccelerationState::zeroCompatibleState(velocities(4)).jointAccelerations(),
+            Joints(4));
+
+  System merged = a;
+  EXPECT_TRUE(merged.mergeWith(merged));
+  ASSERT_EQ(merged.positionStates().size(), 4U);
+  EXPECT_EQ(merged.positionStates()[3], a.positionStates()[1]);
+  EXPECT_EQ(merged.velocityStates()[2], a.velocityStates()[0]);
+  merged.zeroVelocityStates();
+  EXPECT_EQ(velocitySizes(merged), (std::vector<KtU32>{2, 1, 2, 1}));
+  EXPECT_EQ(merged.velocityStates()[2], [] {
+    KtVelocityState v;
+    v.jointVelocities().resize(2);
+    return v;
+  }());
+}
+
+TEST(StateSetters, TakeTheFirstColumn) {
+  KtReArray columns(2, 2);
+  columns[0][0] = 1.0;
+  columns[0][1] = 8.0;
+  columns[1][0] = 2.0;
+  const std::vector<KtXmlBasicType<double>> expected{1.0, 2.0};
+  KtVelocityState v;
+  KtAccelerationState a;
+  KtManipulatorTorque t;
+  for (const KtReArray& array : {columns, KtReArray(3, 0)}) {
+    v.setJointVelocities(array);
+    a.setJointAccelerations(array);
+    t.setJointTorques(array);
+    EXPECT_EQ(v.jointVelocities().vectorContainer(), expected);
+    EXPECT_EQ(a.jointAccelerations().vectorContainer(), expected);
+    EXPECT_EQ(t.jointTorques().vectorContainer(), expected);
+  }
+}
+
+template <class T>
+std::string bytes(const T& value) {
+  return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+TEST_F(States, HaveTheirBinaryLayout) {
+  const System state = systemState({2, 0}, {2, 1}, 0.75);
+  std::string expected = bytes(0.75) + bytes(KtU32{2});
+  for (const auto& p : state.positionStates().vectorContainer()) {
+    std::ostringstream frame;
+    p.coordSysXForm().writeBin(frame);
+    expected += frame.str() + bytes(p.jointPositions().size());
+    for (const double q : p.jointPositions().vectorContainer()) expected += bytes(q);
+  }
+  expected += bytes(KtU32{2});
+  for (const auto& v : state.velocityStates().vectorContainer()) {
+    for (unsigned i = 0; i < 6; ++i) expected += bytes(v.generalVelocity()[i]);
+    expected += bytes(v.jointVelocities().size());
+    for (const double q : v.jointVelocities().vectorContainer()) expected += bytes(q);
+  }
+  std::stringstream stream;
+  EXPECT_TRUE(state.writeBin(stream));
+  EXPECT_EQ(stream.str(), expected);
+  // Two in a row, the second with a list that passes in several pieces.
+  const System large = systemState({2000}, {2000}, 1.0);
+  EXPECT_TRUE(large.writeBin(stream));
+  for (const System& one : {state, large}) {
+    System back = systemState({5, 5, 5}, {}, 9.0);
+    EXPECT_TRUE(back.readBin(stream));
+    EXPECT_EQ(back, one);
+  }
+  EXPECT_EQ(stream.peek(), std::char_traits<char>::eof());
+
+  stream.setstate(std::ios::failbit);
+  EXPECT_FALSE(state.writeBin(stream));
+  EXPECT_FALSE(state.velocityStates()[0].writeBin(stream));
+}
+
+// What was complete before the cut is there, and nothing else is.
+TEST_F(States, SurviveACutOffStream) {
+  const System state = systemState({2, 1}, {2, 1}, 0.75);
+  std::ostringstream whole;
+  state.writeBin(whole);
+  const std::string text = whole.str();
+  const std::vector<std::size_t> positionEnds = {12 + 56 + 4 + 16, 12 + 56 + 4 + 16 + 56 + 4 + 8};
+  const std::size_t firstVelocityEnd = positionEnds[1] + 4 + 48 + 4 + 16;
+  for (std::size_t length = 0; length < text.size(); ++length) {
+    SCOPED_TRACE(length);
+    System back = systemState({4}, {4}, 9.0);
+    System expected = back;
+    if (length >= 12) {
+      expected.setTime(state.time());
+      expected.setPositionStates(state.positionStates());
+      expected.positionStates().resize((length >= positionEnds[0] ? 1U : 0U) +
+                                       (length >= positionEnds[1] ? 1U : 0U));
+    }
+    if (length >= positionEnds[1]) {
+      expected.setVelocityStates(state.velocityStates());
+      expected.velocityStates().resize(length >= firstVelocityEnd ? 1U : 0U);
+    }
+    std::istringstream cut(text.substr(0, length));
+    const Allocations allocations;
+    EXPECT_EQ(back.readBin(cut), length >= positionEnds[1]);
+    EXPECT_LT(allocations.largest(), 1024U);
+    EXPECT_EQ(back, expected);
+  }
+}
+
+TEST_F(States, AskForNoMemoryThatACountOnlyClaims) {
+  std::ostringstream whole;
+  const KtPositionState p = positions(700);
+  p.writeBin(whole);
+  std::string joints = whole.str();
+  std::memset(joints.data() + 56, 0xFF, 4);
+  const std::string frame = joints.substr(0, 56);
+  for (const std::string& text : {joints, bytes(1.0) + "\xFF\xFF\xFF\xFF" + frame,
+                                  bytes(1.0) + "\xFF\xFF\xFF\xFF" + joints}) {
+    KtPositionState one = positions(1);
+    const KtPositionState before = one;
+    System all;
+    std::istringstream stream(text);
+    const Allocations allocations;
+    if (text.size() == joints.size()) {
+      EXPECT_FALSE(one.readBin(stream));
+      EXPECT_EQ(one, before);
+    } else {
+      EXPECT_FALSE(all.readBin(stream));
+      EXPECT_EQ(all.positionStates().size(), 0U);
+    }
+    EXPECT_LT(allocations.largest(), 65536U);
+  }
+}
+
+TEST_F(States, AskForNoMemoryOnceTheyHaveTheirSize) {
+  const System a = systemState({7, 3}, {7, 3}, 1.0);
+  const System b = systemState({7, 3}, {7, 3}, 2.0);
+  System out = a;
+  const KtReArray column(7, 1);
+  KtVelocityState v = velocities(7);
+  KtAccelerationState acceleration = KtAccelerationState::zeroCompatibleState(v);
+  KtManipulatorTorque torque;
+  torque.setJointTorques(column);
+  KtManipulatorExternalForce force;
+  force.resize(7);
+  std::stringstream stream;
+  b.writeBin(stream);
+  const Allocations allocations;
+  out.linearInterpolation(a, b, 1.5);
+  out.zeroVelocityStates();
+  out.validateTopLevelDimensions();
+  out.validateLowLevelDimensions();
+  v.setJointVelocities(column);
+  acceleration.setJointAccelerations(column);
+  acceleration.resize(7);
+  torque.setJointTorques(column);
+  force.resize(7);
+  force.setToZeros();
+  EXPECT_TRUE(out.readBin(stream));
+  EXPECT_EQ(allocations.count(), 0U);
+  EXPECT_EQ(out, b);
+}
+
+TEST(ExternalForce, FindsTheForceOfALink) {
+  const KtGeneralForce force({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
+  KtManipulatorExternalForce forces;
+  forces.resize(2);
+  forces[1] = force;
+  forces[ktBaseIndex] = force * 2.0;
+  const KtManipulatorExternalForce& constant = forces;
+  KtLogCapture log;
+  EXPECT_EQ(constant[1], force);
+  EXPECT_EQ(&constant[ktBaseIndex], &forces.baseForce());
+  EXPECT_EQ(forces.baseForce(), force * 2.0);
+  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(&constant[2], &KtManipulatorExternalForce::m_theNullGeneralForce);
+  const std::vector<KtLogCapture::Message> expected = {
+      {Kt::Print::kError,
+       "KtManipulatorExternalForce::operator[]: index 2 out of range.  Returning zero force.\n"}};
+  EXPECT_EQ(log.messages(), expected);
+  forces.setToZeros();
+  KtManipulatorExternalForce zero;
+  zero.resize(2);
+  EXPECT_EQ(forces, zero);
+}
+
+// A pure force at a point has the moment r x F; the arrow stands on its line, nearest the origin.
+TEST_F(States, ShowAForceOnItsLineOfAction) {
+  const KtVector force = randomVector();
+  const KtVector point = randomVector();
+  KtExternalForceDescription description;
+  description.setExternalLinkForce({force, point.cross(force)});
+  EXPECT_EQ(&description.representativeForceVector(),
+            &KtExternalForceDescription::m_TheNullLineSegment);
+  description.setValid(true);
+  const KtLineSegment& arrow = description.representativeForceVector();
+  EXPECT_TRUE((arrow.endpoint1() - arrow.endpoint0()).approxEq(force, 1e-15));
+  EXPECT_TRUE((arrow.endpoint0() - point).cross(force).approxEq(KtVector(), 1e-15));
+  EXPECT_NEAR(arrow.endpoint0().dot(force), 0.0, 1e-15);
+  description.setExternalLinkForce({KtVector(), force});
+  EXPECT_EQ(&description.representativeForceVector(),
+            &KtExternalForceDescription::m_TheNullLineSegment);
+}
+
+}  // namespace
