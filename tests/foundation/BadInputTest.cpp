@@ -39,10 +39,11 @@ TEST(BadInput, EveryCutIsNoticed) {
 
 // No assertion but the sanitizers' and the bound on memory: whatever the bytes are, reading ends.
 TEST(BadInput, RandomDamageIsSurvived) {
-  const KtLogCapture log;
+  KtLogCapture log;
   std::mt19937_64 random(20240501);
   for (const Sample& sample : allSamples()) {
     SCOPED_TRACE(sample.name);
+    log.clear();  // its own memory is not what is bounded here
     const auto original = sample.make();
     const std::string text = KtXmlWriter::writeString(*original);
     for (int round = 0; round < 200; ++round) {
