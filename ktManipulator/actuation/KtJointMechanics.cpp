@@ -62,6 +62,10 @@ void KtJointMechanicsParameters<Base>::registerContactParameters() {
   this->registerComponent(KtManip::KtBacklashToken, &backlash_);
 }
 
+void KtEfficientJointMechanics::registerEfficiency() {
+  registerComponent(KtManip::KtMaxEfficiencyToken, &maxEfficiency_);
+}
+
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
                                                    KtManipulatorActiveState& active) const {

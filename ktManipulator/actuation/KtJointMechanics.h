@@ -137,6 +137,10 @@ class KT_EXPORT KtJointMechanicsParameters : public Base {
   /// Registers those from the stopper's spring to the backlash.
   void registerContactParameters();
 
+ private:
+  template <class Cls, class Params>
+  friend class KtJointMechanics;
+
   KtXmlBasicType<double> inertia_;
   KtXmlBasicType<double> frictionCoefficient_;
   KtXmlBasicType<double> gearRatio_{1.0};
@@ -176,8 +180,13 @@ class KT_EXPORT KtEfficientJointMechanics : public KtJointMechanicsParameters<Kt
 
  protected:
   /// The torque on the joint side that a command on the motor side gives, after the gear's losses.
-  double driveTorque(double command) const { return command * gearRatio_ * maxEfficiency_; }
+  double driveTorque(double command) const {
+    return KtJointMechanicsParameters::driveTorque(command) * maxEfficiency_;
+  }
+  /// Registers the efficiency.
+  void registerEfficiency();
 
+ private:
   KtXmlBasicType<double> maxEfficiency_{1.0};
 };
 

@@ -17,5 +17,5 @@ void KtMechanicalActuatorComponent::registerComponents() {
   KtActuatorPart::registerComponents();
   registerDriveParameters();
   registerContactParameters();
-  registerComponent(KtManip::KtMaxEfficiencyToken, &maxEfficiency_);
+  registerEfficiency();
 }

@@ -24,8 +24,8 @@ class KT_EXPORT KtOldJointActuator
                      double stopperDampingCoefficient);
 
   void registerComponents() override;
-  double maxOutputTorque() const override { return maxTorque_ * gearRatio_; }
-  double minOutputTorque() const override { return minTorque_ * gearRatio_; }
+  double maxOutputTorque() const override { return maxTorque_ * gearRatio(); }
+  double minOutputTorque() const override { return minTorque_ * gearRatio(); }
   double maxTorque() const override { return maxTorque_; }
   void setMaxTorque(double value) override { maxTorque_ = value; }
   double minTorque() const override { return minTorque_; }
