@@ -104,19 +104,23 @@ TEST(JointActuator, PartsKnowTheJoint) {
   KtPowerConverterContainer converters;
   converters.setElement(motor);
 
-  KtJointActuator parts, holders, late;
+  KtJointActuator parts, holder, otherHolder, late;
   parts.setManipulatorLink(driven.elbow());
   parts.setMechanicalComponent(component);
   parts.setPowerConverter(motor);
   parts.setPowerConverter(*parts.powerConverterContainer().element());
-  holders.setManipulatorLink(driven.elbow());
-  holders.setMechanicalPartContainer(components);
-  holders.setPowerConverterContainer(converters);
+  for (KtJointActuator* actuator : {&holder, &otherHolder}) {
+    actuator->setManipulatorLink(driven.elbow());
+    actuator->setMechanicalComponent(component);
+    actuator->setPowerConverter(motor);
+  }
+  holder.setMechanicalPartContainer(components);
+  otherHolder.setPowerConverterContainer(converters);
   late.setMechanicalComponent(component);
   late.setPowerConverter(motor);
   late.setManipulatorLink(driven.elbow());
   const KtLogCapture log;
-  for (const KtJointActuator& actuator : {parts, holders, late}) {  // copies of them
+  for (const KtJointActuator& actuator : {parts, holder, otherHolder, late}) {  // copies of them
     EXPECT_EQ(actuator.mechanicalComponentContainer().linearTorque(driven.active), 6.0);
     EXPECT_EQ(actuator.powerConverterContainer().outputTorque(0.0, state), 2.0);
     EXPECT_EQ(actuator, parts);

@@ -68,10 +68,45 @@ TEST_F(JointMechanics, StoppersAreSpringsAndDampers) {
                   1e-9);
     }
   }
+  // The damper doesn't act at the edge itself.
+  KtMechanicalActuatorComponent edge(0, 0, 1.0, -1.0, 2.0, 9.0, 0.25, 40.0, 3.0);
+  edge.setManipulatorLink(driven.elbow());
+  for (const auto& [q, acts] : {std::pair{-0.75, false},
+                                {std::nextafter(-0.75, -1.0), true},
+                                {1.75, false},
+                                {std::nextafter(1.75, 2.0), true}}) {
+    driven.move(q, 1.0);
+    EXPECT_NEAR(edge.stopperTorque(active), acts ? 3.0 : 0.0, 1e-12) << q;
+  }
   KtMechanicalActuatorComponent unlimited;
   unlimited.setManipulatorLink(driven.elbow());
   driven.move(1e200, 5.0);
   EXPECT_EQ(unlimited.stopperTorque(active), 0.0);
+}
+
+// The motor starts in step with the joint, at rest in its friction.
+TEST_F(JointMechanics, StatesStartFromTheJoint) {
+  KtMechanicalActuatorComponent m;
+  m.setManipulatorLink(driven.elbow());
+  m.setGearRatio(4.0);
+  driven.move(0.25, -1.5, 3.0);
+  const KtActuatorState untouched = state;
+  state.staticFrictionModes()[kJoint] = true;
+  for (const bool rigid : {false, true}) {
+    m.setIsRigid(rigid);
+    m.initializeActuatorStates(active);
+    KtActuatorState expected = untouched;
+    for (auto [list, value] : {std::pair{&expected.motorPositions(), 1.0},
+                               {&expected.motorVelocities(), -6.0},
+                               {&expected.motorAccelerations(), 12.0},
+                               {&expected.springDamperCenters(), 1.0},
+                               {&expected.lastVelocities(), -6.0},
+                               {&expected.reverseMotionPositions(), 1.0}}) {
+      (*list)[kJoint] = value;
+    }
+    expected.nonRigidActuatorFlags()[kJoint] = !rigid;
+    EXPECT_EQ(state, expected);
+  }
 }
 
 // What the friction takes from the joint is what it takes from the motor.
