@@ -8,6 +8,9 @@
 
 class KtManipulatorActiveState;
 
+// Whether an operation overrides one depends on the base.
+// NOLINTBEGIN(modernize-use-override)
+
 /// The parameters of a rotor, a gear, a joint's limits with stoppers, dry friction and a flexible
 /// coupling. Quantities of the motor side are those of the joint side times the gear ratio.
 ///
@@ -260,3 +263,5 @@ class KT_EXPORT KtJointMechanics : public Params {
   /// Exact equality; the link takes no part.
   bool operator==(const KtJointMechanics&) const = default;
 };
+
+// NOLINTEND(modernize-use-override)
