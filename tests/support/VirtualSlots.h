@@ -28,6 +28,12 @@ inline void expectOrder(const std::string& cls, std::size_t first,
   }
 }
 
+/// The same for pointers to the operations themselves.
+template <class... Members>
+void expectOrderOf(const std::string& cls, std::size_t first, Members... members) {
+  expectOrder(cls, first, {slotOf(members)...});
+}
+
 // Last slots of the classes that everything persistent derives from.
 
 constexpr std::size_t kObject = 18;       // the destructor has two, then 17 operations
