@@ -7,14 +7,8 @@
 
 template class KtBaseExpressionTreeContainer<KtLinkKinematics>;
 
-namespace {
-
-const KtGeneralMotion& noMotion() {
-  static const KtGeneralMotion zero;
-  return zero;
-}
-
-}  // namespace
+const KtCoordinateSystemTransformation KtLinkKinematicsContainer::m_theIdentity;
+const KtGeneralMotion KtLinkKinematicsContainer::m_theNullMotion;
 
 void KtLinkKinematicsContainer::registerComponentCreators() {
   registerComponentCreator(KtDenavitHartenberg::classToken(), KtDenavitHartenberg::creator);
@@ -24,19 +18,18 @@ void KtLinkKinematicsContainer::registerComponentCreators() {
 
 const KtCoordinateSystemTransformation& KtLinkKinematicsContainer::primaryFrame() const {
   const KtLinkKinematics* model = topElement();
-  return model != nullptr ? model->primaryFrame() : KtCoordinateSystemTransformation::identity();
+  return model != nullptr ? model->primaryFrame() : m_theIdentity;
 }
 
 const KtCoordinateSystemTransformation& KtLinkKinematicsContainer::primaryFrameInverse() const {
   const KtLinkKinematics* model = topElement();
-  return model != nullptr ? model->primaryFrameInverse()
-                          : KtCoordinateSystemTransformation::identity();
+  return model != nullptr ? model->primaryFrameInverse() : m_theIdentity;
 }
 
 void KtLinkKinematicsContainer::setPrimaryFrame(const KtCoordinateSystemTransformation& frame) {
   if (KtLinkKinematics* model = topElement(); model != nullptr) {
     model->setPrimaryFrame(frame);
-  } else if (!(frame == KtCoordinateSystemTransformation::identity())) {
+  } else if (!(frame == m_theIdentity)) {
     Kt::Print::instance().write(Kt::Print::kError,
                                 "KtLinkKinematicsContainer::setPrimaryFrame-->Null container\n");
   }
@@ -45,8 +38,7 @@ void KtLinkKinematicsContainer::setPrimaryFrame(const KtCoordinateSystemTransfor
 const KtCoordinateSystemTransformation& KtLinkKinematicsContainer::calculateTransform(
     double q) const {
   const KtLinkKinematics* model = topElement();
-  return model != nullptr ? model->calculateTransform(q)
-                          : KtCoordinateSystemTransformation::identity();
+  return model != nullptr ? model->calculateTransform(q) : m_theIdentity;
 }
 
 bool KtLinkKinematicsContainer::transformBy(KtCoordinateSystemTransformation& t, double q) const {
@@ -63,13 +55,13 @@ bool KtLinkKinematicsContainer::transformBy(const KtCoordinateSystemTransformati
 
 const KtGeneralMotion& KtLinkKinematicsContainer::calculateVelocity(double q, double qDot) const {
   const KtLinkKinematics* model = topElement();
-  return model != nullptr ? model->calculateVelocity(q, qDot) : noMotion();
+  return model != nullptr ? model->calculateVelocity(q, qDot) : m_theNullMotion;
 }
 
 const KtGeneralMotion& KtLinkKinematicsContainer::calculateAcceleration(double q, double qDot,
                                                                         double qDotDot) const {
   const KtLinkKinematics* model = topElement();
-  return model != nullptr ? model->calculateAcceleration(q, qDot, qDotDot) : noMotion();
+  return model != nullptr ? model->calculateAcceleration(q, qDot, qDotDot) : m_theNullMotion;
 }
 
 double KtLinkKinematicsContainer::unitAccelerationTorque(

@@ -15,6 +15,11 @@ class KT_EXPORT KtLinkKinematicsContainer
     : public KtXmlPersistent<KtLinkKinematicsContainer,
                              KtBaseExpressionTreeContainer<KtLinkKinematics>> {
  public:
+  /// The identity: what an empty holder refers to.
+  static const KtCoordinateSystemTransformation m_theIdentity;
+  /// Zero: what an empty holder refers to.
+  static const KtGeneralMotion m_theNullMotion;
+
   void registerComponentCreators() override;
 
   /// See `KtLinkKinematics`.
