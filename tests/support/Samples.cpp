@@ -138,5 +138,6 @@ std::vector<Sample> allSamples() {
   addDynamicsSamples(samples);
   addStateSamples(samples);
   addConstraintSamples(samples);
+  addShapeSamples(samples);
   return samples;
 }

@@ -96,6 +96,7 @@ void addKinematicsSamples(std::vector<Sample>& samples);
 void addDynamicsSamples(std::vector<Sample>& samples);
 void addStateSamples(std::vector<Sample>& samples);
 void addConstraintSamples(std::vector<Sample>& samples);
+void addShapeSamples(std::vector<Sample>& samples);
 
 /// One sample for every persistent class of the library.
 std::vector<Sample> allSamples();

@@ -49,5 +49,27 @@ const KtToken KtPointToken = KtXml::qualifiedToken("point");
 const KtToken KtUnitVectorToken = KtXml::qualifiedToken("unitVector");
 const KtToken KtEndpoint0Token = KtXml::qualifiedToken("endpoint0");
 const KtToken KtEndpoint1Token = KtXml::qualifiedToken("endpoint1");
+const KtToken KtShapePointEventToken = KtXml::qualifiedToken("shapePointEvent");
+const KtToken KtDistanceToken = KtXml::qualifiedToken("distance");
+const KtToken KtIsImpactedToken = KtXml::qualifiedToken("isImpacted");
+const KtToken KtDataMapToken = KtXml::qualifiedToken("dataMap");
+const KtToken KtSurfaceLabelToken = KtXml::qualifiedToken("surfaceLabel");
+const KtToken KtTakesContactForcesToken = KtXml::qualifiedToken("takesContactForces");
+const KtToken KtBoundingVolumeToken = KtXml::qualifiedToken("boundingVolume");
+const KtToken KtSphereShapeToken = KtXml::qualifiedToken("sphereShape");
+const KtToken KtCapsuleShapeToken = KtXml::qualifiedToken("capsuleShape");
+const KtToken KtBoxShapeToken = KtXml::qualifiedToken("boxShape");
+const KtToken KtCylinderShapeToken = KtXml::qualifiedToken("cylinderShape");
+const KtToken KtConeShapeToken = KtXml::qualifiedToken("coneShape");
+const KtToken KtEllipsoidShapeToken = KtXml::qualifiedToken("ellipsoidShape");
+const KtToken KtConvexPolyhedronToken = KtXml::qualifiedToken("convexPolyhedron");
+const KtToken KtPolyPhysicalExtentToken = KtXml::qualifiedToken("polyPhysicalExtent");
+const KtToken KtShapeUnionToken = KtXml::qualifiedToken("shapeUnion");
+const KtToken KtExtentUnionToken = KtXml::qualifiedToken("extentUnion");
+const KtToken KtMembersToken = KtXml::qualifiedToken("members");
+const KtToken KtSizeToken = KtXml::qualifiedToken("size");
+const KtToken KtHeightToken = KtXml::qualifiedToken("height");
+const KtToken KtVerticesToken = KtXml::qualifiedToken("vertices");
+const KtToken KtTrianglesToken = KtXml::qualifiedToken("triangles");
 
 }  // namespace KtGeom

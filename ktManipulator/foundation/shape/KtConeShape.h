@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ktManipulator/foundation/shape/KtFramedExtent.h"
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+
+/// A solid circular cone about the z axis of its frame: the base in the xy plane around the origin,
+/// the tip at the height.
+class KT_EXPORT KtConeShape : public KtXmlPersistent<KtConeShape, KtFramedExtent> {
+ public:
+  /// A point at the origin.
+  KtConeShape() = default;
+  /// From radius, height and frame; negative lengths count as 0.
+  KtConeShape(double radius, double height, const KtCoordinateSystemTransformation& frame = {})
+      : radius_(KtNonNegReal(radius)), height_(KtNonNegReal(height)) {
+    setFrame(frame);
+  }
+
+  void registerComponents() override;
+  KtShapeValues shapeType() const override { return kCone; }
+
+  /// The radius of the base.
+  double radius() const noexcept { return radius_.value(); }
+  /// The height of the tip above the base.
+  double height() const noexcept { return height_.value(); }
+  /// Sets what `radius()` answers; a negative one counts as 0.
+  void setRadius(double radius) noexcept { radius_ = KtNonNegReal(radius); }
+  /// Sets what `height()` answers; a negative one counts as 0.
+  void setHeight(double height) noexcept { height_ = KtNonNegReal(height); }
+
+  /// Exact equality.
+  bool operator==(const KtConeShape&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken();
+
+ protected:
+  KtVector ownSupport(const KtVector& direction) const override;
+  void ownPoints(std::vector<KtVector>& points) const override;
+  void clip(Kt::detail::LineClip& line) const override;
+  KtVolumeMoments ownMoments() const override;
+  bool ownContains(const KtVector& point) const override;
+  void scaleSizes(double factor) override;
+  void mirror() override;
+  void truncateSizes(double precision) override;
+
+ private:
+  KtXmlBasicType<KtNonNegReal> radius_;
+  KtXmlBasicType<KtNonNegReal> height_;
+};
