@@ -173,4 +173,22 @@ TEST(VirtualOrder, MassPropertiesKeepTheirs) {
        slotOf(&Mass::computeSecondMomentInverse)});
 }
 
+TEST(VirtualOrder, ShapesKeepTheirs) {
+  using S = KtShape;
+  expectOrder("KtShape", kTreeElement + 1,
+              {slotOf(static_cast<const S* (S::*)() const>(&S::outerBoundingVolume)),
+               slotOf(&S::innerBoundedShape), slotOf(&S::boundingVolumeLevel),
+               slotOf(&S::closestPointIndex)});
+  using C = KtShapeContainer;
+  const std::size_t last =
+      slotOf(&KtBaseExpressionTreeContainer<KtShape>::setTopElementContainerToThis);
+  expectOrder("KtShapeContainer", last + 1,
+              {slotOf(&C::scaleBy), slotOf(&C::transformBy), slotOf(&C::addBoundingVolume),
+               slotOf(&C::deleteBoundingVolumes)});
+  using P = KtShapePointEvent;
+  expectOrder("KtShapePointEvent", kCompound + 1,
+              {slotOf(&P::distance), slotOf(&P::setDistance), slotOf(&P::isImpacted),
+               slotOf(&P::setIsImpacted)});
+}
+
 }  // namespace

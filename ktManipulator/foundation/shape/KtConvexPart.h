@@ -27,7 +27,9 @@ class KT_EXPORT KtConvexPart {
   /// The number of the triangle; `ktUnmappedIndex` for a shape as a whole.
   KtU32 triangle() const noexcept { return triangle_; }
   /// The corners of the triangle.
-  const std::array<KtVector, 3>& corners() const noexcept { return corners_; }
+  const std::array<KtVector, 3>& corners() const& noexcept { return corners_; }
+  /// The corners of a part that is about to go.
+  std::array<KtVector, 3> corners() && noexcept { return corners_; }
   /// The point farthest in a direction of the core: the part is its core, widened by `margin()`.
   KtVector support(const KtVector& direction) const;
   /// By how much the part is wider than its core, m.

@@ -194,7 +194,8 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   virtual KtU32 numberOfConvexParts() const { return 1; }
   /// Convex part i; no part if there is none.
   virtual KtConvexPart convexPart(KtU32 index) const;
-  /// Appends the numbers of the convex parts whose own boxes intersect a box, ascending.
+  /// Appends the numbers of the convex parts that may have a point in a box, ascending: all that
+  /// have one, and at most those whose own boxes intersect it.
   virtual void convexPartsInBox(const KtAxisAlignedBoundingBox& box,
                                 std::vector<KtU32>& parts) const;
   /// Scales all lengths, also those of the volumes around it, about the origin of the frame; a
