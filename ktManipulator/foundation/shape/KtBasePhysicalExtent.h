@@ -14,13 +14,13 @@ class KT_EXPORT KtBasePhysicalExtent : public KtShape {
   virtual void truncateValues(const double& precision);
   /// Whether the extent encloses a volume. An open mesh doesn't; what has no thickness encloses 0.
   virtual bool isSolid() const { return true; }
-  /// The integrals over the volume; all 0 where the extent is not solid. Where members of a union
-  /// overlap their common volume counts more than once.
+  /// The integrals over the volume; what is not solid has none. Those of a union are the sum of its
+  /// members': where they overlap, their common volume counts more than once.
   virtual KtVolumeMoments volumeMoments() const = 0;
   /// Whether a point lies inside or on the surface; never, where the extent is not solid.
   virtual bool contains(const KtVector& point) const = 0;
 
-  /// The volume, m^3; 0 where the extent is not solid.
+  /// The volume, m^3.
   double volume() const { return volumeMoments().volume; }
   /// The mass properties of a uniform solid about the origin of the frame: what
   /// `KtRigidBodyMassProperties` is made of.
@@ -29,7 +29,7 @@ class KT_EXPORT KtBasePhysicalExtent : public KtShape {
   /// @param mass          receives the mass, kg
   /// @param firstMoment   receives the mass times the centre of mass, kg m
   /// @param secondMoment  receives the inertia tensor, kg m^2
-  /// @return              false, and zeros, where the extent is not solid
+  /// @return              whether the extent is solid
   bool massMoments(double density, double& mass, KtVector& firstMoment,
                    KtSecondMoment& secondMoment) const;
 

@@ -90,16 +90,18 @@ void KtBaseUnion::convexPartsInBox(const KtAxisAlignedBoundingBox& box,
 }
 
 bool KtBaseUnion::isSolid() const {
-  bool solid = !isEmpty();
+  bool any = false;
+  bool solid = true;
   forEachMember(*this, [&](const KtShape& one) {
-    solid = solid && (one.isEmpty() || one.physicalExtent().isSolid());
+    if (!solid || one.isEmpty()) return;
+    any = true;
+    solid = one.physicalExtent().isSolid();
   });
-  return solid;
+  return any && solid;
 }
 
 KtVolumeMoments KtBaseUnion::volumeMoments() const {
   KtVolumeMoments moments;
-  if (!isSolid()) return moments;
   forEachMember(*this,
                 [&](const KtShape& one) { moments += one.physicalExtent().volumeMoments(); });
   return moments;

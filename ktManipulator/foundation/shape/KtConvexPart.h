@@ -15,13 +15,17 @@ class KT_EXPORT KtConvexPart {
   /// No part.
   KtConvexPart() = default;
   /// A convex shape.
-  explicit KtConvexPart(const KtShape& shape) noexcept : shape_(&shape) {}
+  explicit KtConvexPart(const KtShape& shape) noexcept : shape_(&shape), owner_(&shape) {}
   /// A triangle of a mesh.
   KtConvexPart(const KtShape& mesh, KtU32 triangle, const std::array<KtVector, 3>& corners) noexcept
-      : shape_(&mesh), triangle_(triangle), corners_(corners) {}
+      : shape_(&mesh), owner_(&mesh), triangle_(triangle), corners_(corners) {}
 
-  /// The shape that the part belongs to, which has a number of its own in its link.
+  /// The convex shape, or the mesh of the triangle; null for no part.
   const KtShape* shape() const noexcept { return shape_; }
+  /// The shape that has a number in its link: `shape()`, or the union of extents that it is in.
+  const KtShape* owner() const noexcept { return owner_; }
+  /// Sets what `owner()` answers.
+  void setOwner(const KtShape& owner) noexcept { owner_ = &owner; }
   /// Whether it is one triangle of the shape.
   bool isTriangle() const noexcept { return triangle_ != ktUnmappedIndex; }
   /// The number of the triangle; `ktUnmappedIndex` for a shape as a whole.
@@ -37,6 +41,7 @@ class KT_EXPORT KtConvexPart {
 
  private:
   const KtShape* shape_ = nullptr;
+  const KtShape* owner_ = nullptr;
   KtU32 triangle_ = ktUnmappedIndex;
   std::array<KtVector, 3> corners_;
 };

@@ -43,6 +43,12 @@ void KtExtentUnion::registerComponents() {
   registerComponent(KtGeom::KtMembersToken, &members_);
 }
 
+KtConvexPart KtExtentUnion::convexPart(KtU32 index) const {
+  KtConvexPart part = KtBaseUnion::convexPart(index);
+  if (part.shape() != nullptr) part.setOwner(*this);
+  return part;
+}
+
 const KtShape* KtExtentUnion::member(KtU32 index) const {
   return index < members_.size() ? members_.vectorContainer()[index] : nullptr;
 }

@@ -28,6 +28,7 @@ class KT_EXPORT KtExtentUnion : public KtXmlPersistent<KtExtentUnion, KtBaseUnio
                                       double& distance) const override {
     return KtBaseUnion::intersectLineSegment(segment, distance) != nullptr ? this : nullptr;
   }
+  KtConvexPart convexPart(KtU32 index) const override;
   KtU32 numberOfMembers() const override { return members_.size(); }
   const KtShape* member(KtU32 index) const override;
   KtShape* member(KtU32 index) override;

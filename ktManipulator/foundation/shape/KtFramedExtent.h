@@ -17,6 +17,8 @@ class KT_EXPORT KtFramedExtent : public KtBasePhysicalExtent {
     return frame_ * ownSupport(frame_.orientation().inverse() * direction);
   }
   void boundingSpheres(std::vector<KtSphere>& spheres) const override;
+  bool axisAlignedBoundingBox(const KtCoordinateSystemTransformation& t,
+                              KtAxisAlignedBoundingBox& box) const override;
   using KtShape::intersectLineSegment;
   const KtShape* intersectLineSegment(const KtLineSegment& segment,
                                       double& distance) const override;

@@ -439,6 +439,10 @@ TEST_F(Shapes, MeshesAndUnionsConsistOfConvexParts) {
   EXPECT_EQ(both.convexPart(1 + 7).triangle(), 7U);
   EXPECT_EQ(both.convexPart(1 + 7).shape(), both.member(1));
   EXPECT_EQ(both.convexPart(both.numberOfConvexParts()).shape(), nullptr);
+  KtExtentUnion extents;
+  extents.addMember(sheet);
+  EXPECT_EQ(extents.convexPart(3).shape(), extents.member(0));
+  EXPECT_EQ(extents.convexPart(3).owner(), &extents);
   const KtVector d = randomVector();
   double farthest = -1e300;
   for (KtU32 i = 0; i < both.numberOfConvexParts(); ++i) {
