@@ -16,6 +16,12 @@ struct KT_EXPORT KtLinkKey {
   /// Index of the link in its manipulator.
   KtU32 linkIndex = ktUnmappedIndex;
 
+  /// No link.
+  constexpr KtLinkKey() noexcept = default;
+  /// From the two indices.
+  constexpr KtLinkKey(KtU32 manipulator, KtU32 link) noexcept
+      : manipulatorIndex(manipulator), linkIndex(link) {}
+
   /// A hash value. Neighbouring links get values far apart, also in sums of two of them.
   constexpr KtU32 guesstimate() const noexcept {
     // The finaliser of MurmurHash3 (A. Appleby, 2011) over both indices.
@@ -36,6 +42,12 @@ struct KT_EXPORT KtLinkProximityKey {
   /// The second link.
   KtLinkKey second;
 
+  /// No pair.
+  constexpr KtLinkProximityKey() noexcept = default;
+  /// From the two links.
+  constexpr KtLinkProximityKey(const KtLinkKey& one, const KtLinkKey& other) noexcept
+      : first(one), second(other) {}
+
   /// Order by the first link, then by the second.
   constexpr auto operator<=>(const KtLinkProximityKey&) const noexcept = default;
 };
@@ -54,6 +66,12 @@ struct KT_EXPORT KtShapeKey {
   /// Number of the shape in its link.
   KtU32 shapeIndex = ktUnmappedIndex;
 
+  /// No shape.
+  constexpr KtShapeKey() noexcept = default;
+  /// From the three indices.
+  constexpr KtShapeKey(KtU32 manipulator, KtU32 link, KtU32 shape) noexcept
+      : manipulatorIndex(manipulator), linkIndex(link), shapeIndex(shape) {}
+
   /// The link that the shape belongs to.
   constexpr KtLinkKey linkKey() const noexcept { return {manipulatorIndex, linkIndex}; }
   /// Order by manipulator, link and shape.
@@ -66,6 +84,12 @@ struct KT_EXPORT KtShapeProximityKey {
   KtShapeKey first;
   /// The second shape.
   KtShapeKey second;
+
+  /// No pair.
+  constexpr KtShapeProximityKey() noexcept = default;
+  /// From the two shapes.
+  constexpr KtShapeProximityKey(const KtShapeKey& one, const KtShapeKey& other) noexcept
+      : first(one), second(other) {}
 
   /// Order by the first shape, then by the second.
   constexpr auto operator<=>(const KtShapeProximityKey&) const noexcept = default;
