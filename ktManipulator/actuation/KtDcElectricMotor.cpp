@@ -50,10 +50,11 @@ void KtDcElectricMotor::computeStateDerivatives(double input, KtActuatorState& s
   const KtU32 i = linkIndex();
   const auto& variables = state.powerConverterStates()[i].vectorContainer();
   if (variables.empty()) return;
-  derivatives.resize(1);
-  if (armatureInductance_ < 0.0) return;
+  // Taken before the resizing: the caller may have the derivatives written into the state.
   const double current = variables[0];
   const double rate = state.motorVelocities()[i];
+  derivatives.resize(1);
+  if (armatureInductance_ < 0.0) return;
   derivatives[0] =
       (input - current * armatureResistance_ - torqueConstant_ * rate) / armatureInductance_;
 }

@@ -57,10 +57,13 @@ void KtHydraulicCylinder::computeStateDerivatives(double input, KtActuatorState&
   const KtU32 i = linkIndex();
   const auto& pressures = state.powerConverterStates()[i].vectorContainer();
   if (pressures.size() < 2) return;
-  derivatives.resize(2);
-
+  // Taken before the resizing: the caller may have the derivatives written into the state.
   const double p1 = pressures[0];
   const double p2 = pressures[1];
+  const double position = state.motorPositions()[i];
+  const double rate = state.motorVelocities()[i];
+  derivatives.resize(2);
+
   double flow1 = 0.0;  // into chamber 1
   double flow2 = 0.0;  // out of chamber 2
   if (input > 0.0) {
@@ -72,8 +75,6 @@ void KtHydraulicCylinder::computeStateDerivatives(double input, KtActuatorState&
     flow1 = flowThrough(opening, p1 - drainPressure_);
     flow2 = flowThrough(opening, supplyPressure_ - p2);
   }
-  const double position = state.motorPositions()[i];
-  const double rate = state.motorVelocities()[i];
   derivatives[0] = fluidBulkModulus_ / (effectiveArea1_ * position + fluidVolume1_) *
                    (flow1 - effectiveArea1_ * rate);
   const double length2 = std::max(maximumFluidLength_ - position, 0.0);

@@ -129,14 +129,17 @@ double KtJointMechanics<Cls, Params>::dryFrictionTorque(double drive,
                                                         KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
   KtActuatorState& state = active.actuatorState();
-  if (!reach(i, state.motorPositions(), state.motorVelocities(), state.staticFrictionModes())) {
+  const Reals& positions = state.motorPositions();
+  const Reals& rates = state.motorVelocities();
+  KtActuatorState::Flags& modes = state.staticFrictionModes();
+  if (!reach(i, positions, rates, modes)) {
     reportIndex<Cls>("dryFrictionTorque");
     return 0.0;
   }
-  const double position = state.motorPositions()[i];
-  const double rate = state.motorVelocities()[i];
+  const double position = positions[i];
+  const double rate = rates[i];
   const double most = this->staticCoulombFriction_ * this->gearRatio_;
-  KtXmlBasicType<bool>& sticks = state.staticFrictionModes()[i];
+  KtXmlBasicType<bool>& sticks = modes[i];
 
   if (!(std::abs(rate) < this->limitingVelocityStickRegion_)) {
     sticks = false;
@@ -225,12 +228,14 @@ double KtJointMechanics<Cls, Params>::nonRigidOutputTorque(KtManipulatorActiveSt
   KtActuatorState& state = active.actuatorState();
   const Reals& positions = active.positionState().jointPositions();
   const Reals& velocities = active.velocityState().jointVelocities();
-  if (!reach(i, positions, state.motorPositions(), velocities, state.motorVelocities())) {
+  const Reals& motorPositions = state.motorPositions();
+  const Reals& motorRates = state.motorVelocities();
+  if (!reach(i, positions, motorPositions, velocities, motorRates)) {
     reportIndex<Cls>("nonRigidOutputTorque");
     return 0.0;
   }
-  const double motorPosition = state.motorPositions()[i];
-  const double motorRate = state.motorVelocities()[i];
+  const double motorPosition = motorPositions[i];
+  const double motorRate = motorRates[i];
   const double high = positions[i] * this->gearRatio_;
   const double low = high - this->backlash_;
   double torque = 0.0;
