@@ -61,6 +61,8 @@ const KtCoordinateSystemTransformation& KtQuadrilateralTypeLink::calculateTransf
 }
 
 void KtQuadrilateralTypeLink::transformBy(KtCoordinateSystemTransformation& t, double q) const {
+  // The kept transformation stands for the loop too, which is about to be that of this q.
+  if (q != lastJointParameter_) transformValid_ = false;
   loop_.length = nominalLength_ + q;
   loop_.k = 0.0;
   t *= precursor_;
