@@ -7,6 +7,8 @@
 #include "ktManipulator/dynamics/KtArticulatedBodyDynamics.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 
+template class KtXmlVectorType<KtDenavitHartenberg>;
+
 namespace {
 
 void report(const char* operation, const char* what) {
@@ -67,9 +69,7 @@ const KtCoordinateSystemTransformation& KtDenavitHartenberg::calculateTransform(
   if (transformValid_ && q == lastJointParameter_) return resultTransform_;
   lastJointParameter_ = q;
   resultTransform_.setToIdentity();
-  resultIsIdentity_ = true;
   transformBy(resultTransform_, q);
-  resultIsIdentity_ = false;
   transformValid_ = true;
   return resultTransform_;
 }
@@ -95,15 +95,13 @@ void KtDenavitHartenberg::transformBy(KtCoordinateSystemTransformation& t, doubl
   KtOrientation r;
   getJointTransform(q, p, r);
   const bool general = dhType_ == kGeneralPaul || dhType_ == kGeneralCraig;
-  if (resultIsIdentity_ && &t == &resultTransform_) {
-    // Asked for by calculateTransform: one product less.
-    resultIsIdentity_ = false;
-    if (general) {
-      t = precursor_;
-    } else {
+  if (t == KtCoordinateSystemTransformation()) {
+    // As calculateTransform asks: one product less.
+    if (!general) {
       t = {p, r};
       return;
     }
+    t = precursor_;
   } else if (general) {
     t *= precursor_;
   }
@@ -113,7 +111,7 @@ void KtDenavitHartenberg::transformBy(KtCoordinateSystemTransformation& t, doubl
 // The quaternion of Rz(theta) Rx(alpha) is the product of the two half-angle quaternions, which
 // needs one sincos per q and neither a root nor a division. At a rotational joint its sign is fixed
 // by making the component positive that Shepperd's rule would divide by: w, x, y or z by the signs
-// of cos q and cos alpha. Rx(alpha) Rz(theta) differs in the sign of y alone.
+// of cos q and cos alpha. Rx(alpha) Rz(theta) differs in the sign of y alone, before that choice.
 void KtDenavitHartenberg::getJointTransform(double q, KtVector& p, KtOrientation& r) const {
   const bool paul = isPaul();
   const double a = a_;
@@ -126,7 +124,10 @@ void KtDenavitHartenberg::getJointTransform(double q, KtVector& p, KtOrientation
     const double s = 2.0 * sh * ch;
     const double d = d_;
     p = paul ? KtVector(a * c, a * s, d) : KtVector(a, -sinAlpha_ * d, cosAlpha_ * d);
-    const double sign = std::copysign(1.0, c > 0.0 ? ch : sh) * halfAlphaSign_;
+    // At a quarter turn, where c is lost in rounding, the cosine itself has the sign.
+    const bool turned = (std::abs(c) > 1e-15 ? c : std::cos(q)) <= 0.0;
+    double sign = std::copysign(1.0, turned ? sh : ch) * halfAlphaSign_;
+    if (turned && !paul && cosAlpha_ < 0.0) sign = -sign;
     sh *= sign;
     ch *= sign;
   } else if (jointType_ == kPrismatic) {
@@ -246,8 +247,9 @@ void KtDenavitHartenberg::scaleBy(double factor) {
 }
 
 void KtDenavitHartenberg::transformBy(const KtCoordinateSystemTransformation& t) {
+  const KtCoordinateSystemTransformation by = t;  // which may be the precursor
   generalise();
-  precursor_ = t * precursor_;
+  precursor_ = by * precursor_;
 }
 
 double KtDenavitHartenberg::jointParameterScalability() const {
@@ -261,8 +263,9 @@ double KtDenavitHartenberg::jointParameterScalability() const {
 }
 
 void KtDenavitHartenberg::changeInboardFrameBy(const KtCoordinateSystemTransformation& t) {
+  const KtCoordinateSystemTransformation by = t;  // which may be the precursor
   generalise();
-  precursor_ = precursor_ * t;
+  precursor_ = precursor_ * by;
   transformValid_ = false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
 #include "ktManipulator/foundation/containers/KtXmlEnumType.h"
+#include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtCacheFlag.h"
 #include "ktManipulator/foundation/geometry/KtAngle.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
@@ -165,5 +166,6 @@ class KT_EXPORT KtDenavitHartenberg
   // The state of resultTransform_
   mutable double lastJointParameter_ = 0.0;
   mutable KtCacheFlag transformValid_;
-  mutable KtCacheFlag resultIsIdentity_;
 };
+
+extern template class KtXmlVectorType<KtDenavitHartenberg>;

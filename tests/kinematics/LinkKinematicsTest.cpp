@@ -115,13 +115,12 @@ TEST_F(LinkKinematics, TransformIsThatOfItsConventionInAllQuadrants) {
 TEST_F(LinkKinematics, TransformsQuaternionHasTheSignOfItsQuadrant) {
   for (int trial = 0; trial < 200; ++trial) {
     Dh link = randomDh(Dh::kRotational, trial % 2 == 0 ? Dh::kPaul : Dh::kCraig);
-    const double q = uniform(-7.0, 7.0);
+    const double q = trial < 40 ? (trial / 2 - 10) * kPi / 2 : uniform(-7.0, 7.0);
     const KtOrientation& r = link.calculateTransform(q).orientation();
     const bool turned = std::cos(q) <= 0.0;
     const bool twisted = link.dhAlpha().cosine() < 0.0;
     const double component = r[turned ? (twisted ? 2 : 3) : (twisted ? 1 : 0)];
-    const bool mirrored = link.dhType() == Dh::kCraig && turned && twisted;
-    EXPECT_GT(mirrored ? -component : component, 0.0) << q << " " << double(link.dhAlpha());
+    EXPECT_GT(component, 0.0) << nameOf(link) << q << " " << double(link.dhAlpha());
   }
 }
 
@@ -297,6 +296,44 @@ TEST_F(LinkKinematics, TransformIsKeptUntilASetterOrACopy) {
   EXPECT_EQ(allocations.count(), 0U);
 }
 
+// A transformation of another q in between doesn't mix the two positions' loops.
+TEST_F(LinkKinematics, QuadrilateralKeepsItsLoopWithItsTransform) {
+  for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
+    const Quad link = someQuadrilateral(type);
+    const Quad untouched = link;
+    link.calculateTransform(0.1);
+    T elsewhere;
+    link.transformBy(elsewhere, -0.2);
+    EXPECT_EQ(link.calculateAcceleration(0.1, 0.7, 0.3),
+              untouched.calculateAcceleration(0.1, 0.7, 0.3));
+    link.transformBy(elsewhere, -0.2);
+    EXPECT_EQ(link.frameCTransform(0.1), untouched.frameCTransform(0.1));
+    link.transformBy(elsewhere, -0.2);
+    EXPECT_EQ(link.frameBTransform(0.1), untouched.frameBTransform(0.1));
+  }
+}
+
+// A model that puts something before the joint by overriding the composition.
+class Shifted : public KtXmlPersistent<Shifted, Dh> {
+ public:
+  using Dh::transformBy;
+  void transformBy(T& t, double q) const override {
+    t *= T(KtVector(1.0, 2.0, 3.0));
+    Dh::transformBy(t, q);
+  }
+  bool operator==(const Shifted&) const = default;
+};
+
+TEST_F(LinkKinematics, TransformGoesThroughTheOverriddenComposition) {
+  for (const unsigned type : {Dh::kPaul, Dh::kGeneralCraig}) {
+    const Dh link = randomDh(Dh::kRotational, type);
+    Shifted shifted;
+    static_cast<Dh&>(shifted) = link;
+    EXPECT_TRUE(shifted.calculateTransform(0.3).approxEq(
+        T(KtVector(1.0, 2.0, 3.0)) * link.calculateTransform(0.3), 1e-14));
+  }
+}
+
 TEST_F(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
   const T t = randomTransformation();
   for (const unsigned dhType : kDhTypes) {
@@ -313,6 +350,12 @@ TEST_F(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
     const KtCoordinateSystemTransformation inner =
         link.precursor().inverse() * link.calculateTransform(0.4);
     EXPECT_TRUE(changed.calculateTransform(0.4).approxEq(link.precursor() * t * inner, 1e-13));
+    // By its own precursor, which a paul or craig link loses on the way.
+    Dh own = randomDh(Dh::kRotational, dhType);
+    const T precursor = own.precursor();
+    own.transformBy(own.precursor());
+    const bool had = isGeneralised(dhType) || dhType == Dh::kGeneral;
+    EXPECT_EQ(own.precursor(), precursor * (had ? precursor : T()));
   }
   KtScrewTypeLink screw;
   screw.setPrecursor(randomTransformation());
