@@ -178,6 +178,7 @@ TEST_F(PowerConverter, GuardsReportAndLeaveTheDerivatives) {
             "KtDcElectricMotor::outputTorque - index out of range\n"
             "KtHydraulicCylinder::outputTorque - index out of range\n");
   log.clear();
+  EXPECT_EQ(bound.outputTorque(1.0, state), 0.0);  // one pressure is none
   motor.setManipulatorLink(driven.elbow());
   state.powerConverterStates()[kJoint].clear();
   EXPECT_EQ(motor.outputTorque(1.0, state), 0.5);

@@ -170,6 +170,17 @@ TEST_F(ArticulatedBody, SumsAreRigidIfBothAre) {
   const KtGeneralForce before = whole.calculateForce(motion);
   whole.transformBy(t);
   EXPECT_TRUE(whole.calculateForce(t * motion).approxEq(t * before, 1e-12));
+  Dynamics pushed = whole;
+  pushed.setBias(whole.bias() + KtGeneralForce({}, {0.0, 0.25, 0.0}));
+  EXPECT_FALSE(whole.approxEq(pushed, 0.2));
+  EXPECT_TRUE(whole.approxEq(pushed, 0.3));
+  // One body is another's twin but for the place of its mass.
+  const KtSecondMoment j(1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
+  b.setFromRigidBody({1.0, {0.0, 0.25, 0.0}, j});
+  Inertia centred;
+  centred.setFromRigidBody({1.0, {}, j});
+  EXPECT_FALSE(b.approxEq(centred, 0.2));
+  EXPECT_TRUE(b.approxEq(centred, 0.3));
   Inertia back;
   back.setFromArray(arrayOf(a));
   EXPECT_TRUE(back.approxEq(a, 0.0));

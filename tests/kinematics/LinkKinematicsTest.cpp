@@ -398,8 +398,10 @@ TEST_F(LinkKinematics, ScalingScalesLengthsAndKeepsAngles) {
   }
   KtScrewTypeLink screw;
   screw.setPitch(0.5);
+  screw.setPrecursor(T(KtVector(1.0, 2.0, 3.0)));
   screw.scaleBy(2.0);
   EXPECT_EQ(screw.pitch(), 0.25);
+  EXPECT_EQ(screw.precursor(), T(KtVector(2.0, 4.0, 6.0)));
   screw.scaleBy(0.0);
   EXPECT_EQ(screw.pitch(), 0.25 / 1e-300);
 }
@@ -473,14 +475,30 @@ TEST_F(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
   Quad copy = link;
   copy.scaleBy(3.0);
   EXPECT_FALSE(copy.calculateTransform(0.1) == link.calculateTransform(0.1));
-  // Without a base side the cosine can't be divided by it.
+  // Without a base side the cosine can't be divided by it; of the two mirrored loops that with the
+  // larger one is taken.
   link.setNominalLength(0.0);
-  link.setOppositeLength(0.9);
-  const KtVector end = (link.precursor().inverse() * link.frameBTransform(0.0)).translation();
-  EXPECT_NEAR(std::hypot(end.x, end.y - link.d1Length()), 0.9, 1e-12);
-  EXPECT_NEAR(std::hypot(end.x, end.y), link.d2Length(), 1e-12);
-
+  for (const double opposite : {0.9, 0.4}) {
+    link.setOppositeLength(opposite);
+    const KtVector end = (link.precursor().inverse() * link.frameBTransform(0.0)).translation();
+    EXPECT_NEAR(std::hypot(end.x, end.y - link.d1Length()), opposite, 1e-12);
+    EXPECT_NEAR(std::hypot(end.x, end.y), link.d2Length(), 1e-12);
+    EXPECT_GT(end.x, 0.0);
+  }
+  // Without d1 too the loops are mirrored: at equal cosines the second solution is taken.
+  copy = link;
+  copy.setPrecursor(T());
+  copy.setNominalLength(-1.1);
+  copy.setD1Length(0.0);
+  copy.setOppositeLength(1.3);
+  EXPECT_GT(copy.calculateTransform(0.0).orientation().xAxis().y, 0.0);
+  // A side b of length 0 has no direction: frame B is turned a quarter back from the link.
   KtLogCapture log;
+  copy.setNominalLength(0.4);
+  copy.setD1Length(0.3);
+  copy.setOppositeLength(0.0);
+  EXPECT_TRUE(copy.frameBTransform(0.0).orientation().xAxis().approxEq({0.6, 0.8, 0.0}, 1e-7));
+  log.clear();
   link.setOppositeLength(9.0);
   const T impossible = link.calculateTransform(0.0);
   EXPECT_EQ(log.text(), "KtQuadrilateralTypeLink::transformBy()-Invalid joint position\n");
@@ -544,10 +562,24 @@ TEST_F(LinkKinematics, ComparisonsLookAtWhatTheyShould) {
   EXPECT_FALSE(link == other);
   EXPECT_FALSE(static_cast<const KtLinkKinematics&>(link).approxEq(
       static_cast<const KtLinkKinematics&>(other), 1e-3));
-  other = link;
-  other.setDhA(link.dhA() + 0.25);
-  EXPECT_TRUE(link.approxEq(other, 0.2500001));
-  EXPECT_FALSE(link.approxEq(other, 0.249));
+  const T step(KtVector(0.0, 0.25, 0.0));
+  for (const std::function<void(Dh&)>& change : std::vector<std::function<void(Dh&)>>{
+           [](Dh& x) { x.setDhA(x.dhA() + 0.25); }, [](Dh& x) { x.setDhD(x.dhD() - 0.25); },
+           [](Dh& x) { x.setDhAlpha(x.dhAlpha() + 0.25); },
+           [](Dh& x) { x.setDhTheta(x.dhTheta() - 0.25); },
+           [&](Dh& x) { x.setPrecursor(step * x.precursor()); }}) {
+    other = link;
+    change(other);
+    EXPECT_TRUE(link.approxEq(other, 0.2500001));
+    EXPECT_FALSE(link.approxEq(other, 0.249));
+    EXPECT_FALSE(link == other);
+  }
+  for (const auto set : {&Dh::setJointType, &Dh::setDhType}) {
+    other = link;
+    (other.*set)(9);
+    EXPECT_FALSE(link.approxEq(other, 99.0));
+    EXPECT_FALSE(link == other);
+  }
 
   KtScrewTypeLink fine;
   KtScrewTypeLink coarse;
@@ -560,8 +592,19 @@ TEST_F(LinkKinematics, ComparisonsLookAtWhatTheyShould) {
   moved.setPrecursor(T());
   EXPECT_TRUE(quad.approxEq(moved, 0.0));
   EXPECT_FALSE(quad == moved);
-  moved.setZDistanceC(5.0);
-  EXPECT_FALSE(quad.approxEq(moved, 0.1));
+  for (const auto set :
+       {&Quad::setNominalLength, &Quad::setD1Length, &Quad::setD2Length, &Quad::setOppositeLength,
+        &Quad::setZDistanceA, &Quad::setZDistanceB, &Quad::setZDistanceC}) {
+    moved = quad;
+    (moved.*set)(5.0);
+    EXPECT_TRUE(quad.approxEq(moved, 6.0));
+    EXPECT_FALSE(quad.approxEq(moved, 0.1));
+    EXPECT_FALSE(quad == moved);
+  }
+  moved = quad;
+  moved.setJointType(Quad::kPivotedSlider);
+  EXPECT_FALSE(quad.approxEq(moved, 9.0));
+  EXPECT_FALSE(quad == moved);
 
   const Dh example = Dh::defaultObject();
   EXPECT_EQ(example.jointType(), Dh::kPrismatic);

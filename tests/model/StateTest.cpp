@@ -101,6 +101,7 @@ TEST_F(States, InterpolateInPlace) {
   const System b = systemState({3}, {3}, 2.0);
   System expected;
   ASSERT_TRUE(expected.linearFactorInterpolation(a, b, 0.25));
+  EXPECT_EQ(expected.time(), 1.25);
   System first = a;
   System second = b;
   EXPECT_TRUE(first.linearFactorInterpolation(first, b, 0.25));
@@ -207,6 +208,9 @@ TEST_F(States, KnowWhatFitsAndWhatIsClose) {
   EXPECT_TRUE(a.approxEq(b, 0.3, true));
   b.velocityStates()[0].generalVelocity() *= 3.0;
   EXPECT_FALSE(a.approxEq(b, 0.3, true));
+  b = a;
+  b.positionStates()[0].coordSysXForm().setTranslation(randomVector() * 9.0);
+  EXPECT_FALSE(a.approxEq(b, 0.01, true));
   EXPECT_FALSE(a.approxEq(systemState({}, {}, 1.0), 9.0, false));
   // A difference of exactly the tolerance passes.
   KtAccelerationState still;
@@ -215,6 +219,9 @@ TEST_F(States, KnowWhatFitsAndWhatIsClose) {
   fast.jointAccelerations()[0] = 0.5;
   EXPECT_TRUE(still.approxEq(fast, 0.5));
   EXPECT_FALSE(fast.approxEq(still, 0.4999));
+  KtAccelerationState lifted = still;
+  lifted.generalAcceleration().setScalarValue(4, 0.5);
+  EXPECT_FALSE(still.approxEq(lifted, 0.4999));
   fast.resize(3);
   EXPECT_FALSE(fast.approxEq(still, 9.0));
   EXPECT_EQ(fast.jointAccelerations().vectorContainer(),
@@ -404,6 +411,8 @@ TEST_F(States, ShowAForceOnItsLineOfAction) {
   EXPECT_TRUE((arrow.endpoint1() - arrow.endpoint0()).approxEq(force, 1e-15));
   EXPECT_TRUE((arrow.endpoint0() - point).cross(force).approxEq(KtVector(), 1e-15));
   EXPECT_NEAR(arrow.endpoint0().dot(force), 0.0, 1e-15);
+  description.setExternalLinkForce({force * 1e-12, KtVector()});
+  EXPECT_EQ(description.representativeForceVector().endpoint1(), force * 1e-12);
   description.setExternalLinkForce({KtVector(), force});
   EXPECT_EQ(&description.representativeForceVector(),
             &KtExternalForceDescription::m_TheNullLineSegment);
