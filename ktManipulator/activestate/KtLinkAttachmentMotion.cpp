@@ -1,0 +1,71 @@
+#include <algorithm>
+
+#include "ktManipulator/activestate/KtAttachedFrame.h"
+#include "ktManipulator/activestate/KtManipulatorActiveState.h"
+#include "ktManipulator/foundation/core/KtPrint.h"
+#include "ktManipulator/model/KtIndividualManipulator.h"
+#include "ktManipulator/model/KtLinkAttachment.h"
+
+namespace {
+
+void store(const KtGeneralMotion& motion, std::vector<double>& reals, std::size_t start) {
+  for (unsigned i = 0; i < 6; ++i) reals[start + i] = motion[i];
+}
+
+// Generic, so that a link that answers no frames yet leaves the results at their defaults.
+
+constexpr auto placementOf = [](const auto& link, auto& active, const auto& frame, auto& result) {
+  if constexpr (Kt::detail::AnswersFrames<decltype(link), decltype(active)>) {
+    result = Kt::detail::attachedPlacement(link, active, frame);
+  }
+};
+constexpr auto velocityOf = [](const auto& link, auto& active, const auto& frame, auto& result) {
+  if constexpr (Kt::detail::AnswersFrames<decltype(link), decltype(active)>) {
+    result = Kt::detail::attachedVelocity(link, active, frame);
+  }
+};
+constexpr auto accelerationOf = [](const auto& link, auto& active, const auto& frame,
+                                   auto& result) {
+  if constexpr (Kt::detail::AnswersFrames<decltype(link), decltype(active)>) {
+    result = Kt::detail::attachedAcceleration(link, active, frame);
+  }
+};
+
+}  // namespace
+
+void KtLinkAttachment::calculatePlacement(const KtIndividualManipulator& manipulator,
+                                          KtManipulatorActiveState& activeState,
+                                          KtCoordinateSystemTransformation& placement) const {
+  const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
+  if (link == nullptr) {
+    Kt::Print::instance().write(
+        Kt::Print::kError,
+        "KtAttachment::calculateFramePlacement():  bad label on link attachment: %s.\n",
+        linkIdentifier().c_str());
+    return;
+  }
+  placementOf(*link, activeState, frame_, placement);
+}
+
+void KtLinkAttachment::calculateVelocity(const KtIndividualManipulator& manipulator,
+                                         KtManipulatorActiveState& activeState,
+                                         std::vector<double>& velocity, KtU32 startIndex) const {
+  KtGeneralMotion motion;
+  const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
+  if (link != nullptr) velocityOf(*link, activeState, frame_, motion);
+  const std::size_t start = startIndex;
+  velocity.resize(start + 6);
+  store(motion, velocity, start);
+}
+
+void KtLinkAttachment::calculateAcceleration(const KtIndividualManipulator& manipulator,
+                                             KtManipulatorActiveState& activeState,
+                                             std::vector<double>& acceleration,
+                                             KtU32 startIndex) const {
+  KtGeneralMotion motion;
+  const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
+  if (link != nullptr) accelerationOf(*link, activeState, frame_, motion);
+  const std::size_t start = startIndex;
+  acceleration.resize(std::max(acceleration.size(), start + 6));
+  store(motion, acceleration, start);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "ktManipulator/foundation/containers/KtXmlBasicType.h"
+#include "ktManipulator/foundation/tokens/KtManipTokens.h"
+#include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+
+/// Whether a link uses the shapes of another link of its manipulator, and of which one. The label
+/// is resolved when the manipulator is mapped.
+class KT_EXPORT KtLinkReferenceDescription
+    : public KtXmlPersistent<KtLinkReferenceDescription, KtXmlCompoundType> {
+ public:
+  void registerComponents() override;
+
+  /// Whether the shapes are those of another link; false by default.
+  virtual bool isShapeReferenced() const { return isShapeReferenced_; }
+  /// Sets what `isShapeReferenced()` answers.
+  virtual void setIsShapeReferenced(bool value) { isShapeReferenced_ = value; }
+  /// Label of that link; empty by default. It may stay behind when the flag is cleared.
+  virtual const KtString& referencedLinkLabel() const { return referencedLinkLabel_.value(); }
+  /// Sets what `referencedLinkLabel()` answers.
+  virtual void setReferencedLinkLabel(const KtString& label) { referencedLinkLabel_ = label; }
+
+  /// Exact equality.
+  bool operator==(const KtLinkReferenceDescription&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtLinkReferenceDescriptionToken; }
+
+ private:
+  KtXmlBasicType<bool> isShapeReferenced_;
+  KtXmlBasicType<KtString> referencedLinkLabel_;
+};
