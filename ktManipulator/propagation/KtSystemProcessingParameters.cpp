@@ -1,0 +1,5 @@
+#include "ktManipulator/propagation/KtSystemProcessingParameters.h"
+
+void KtSystemProcessingParameters::registerComponents() {
+  registerComponent(KtManip::KtMaxGjkIterationsToken, &maxGJKIterations_);
+}
