@@ -139,5 +139,6 @@ std::vector<Sample> allSamples() {
   addStateSamples(samples);
   addConstraintSamples(samples);
   addShapeSamples(samples);
+  addRecordSamples(samples);
   return samples;
 }

@@ -97,6 +97,7 @@ void addDynamicsSamples(std::vector<Sample>& samples);
 void addStateSamples(std::vector<Sample>& samples);
 void addConstraintSamples(std::vector<Sample>& samples);
 void addShapeSamples(std::vector<Sample>& samples);
+void addRecordSamples(std::vector<Sample>& samples);
 
 /// One sample for every persistent class of the library.
 std::vector<Sample> allSamples();
