@@ -1,5 +1,6 @@
 #include "ktManipulator/collision/KtSystemCollisionExclusionMap.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
+// There is no system to build from without its class.
 #if __has_include("ktManipulator/model/KtManipulatorSystem.h")
 #include "ktManipulator/model/KtManipulatorSystem.h"
 #endif

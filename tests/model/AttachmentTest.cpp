@@ -24,14 +24,11 @@ TEST_F(Attachment, OneParentForEachDependent) {
   EXPECT_TRUE(map.attachManipulator(1, 2, "tip", second));
   EXPECT_TRUE(map.attachManipulator(0, 9, "tip", second));
 
-  KtU32 parent = 77;
-  KtString label = "before";
-  Transformation offset = second;
-  EXPECT_FALSE(map.getDependentManipulatorInfo(2, parent, label, offset));
-  EXPECT_EQ(parent, 77U);
-  EXPECT_EQ(label, "before");
-  EXPECT_EQ(offset, second);
+  KtU32 parent = 0;
+  KtString label;
+  Transformation offset;
   EXPECT_TRUE(map.getDependentManipulatorInfo(9, parent, label, offset));
+  EXPECT_FALSE(map.getDependentManipulatorInfo(2, parent, label, offset)) << "changes nothing";
   EXPECT_EQ(parent, 2U);
   EXPECT_EQ(label, "tip");
   EXPECT_EQ(offset, first);
