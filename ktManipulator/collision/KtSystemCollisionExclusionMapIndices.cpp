@@ -1,15 +1,8 @@
 #include "ktManipulator/collision/KtSystemCollisionExclusionMap.h"
-#include "ktManipulator/model/KtIndividualManipulator.h"
-// There is no system to build from without its class.
-#if __has_include("ktManipulator/model/KtManipulatorSystem.h")
 #include "ktManipulator/model/KtManipulatorSystem.h"
-#endif
 
-void KtSystemCollisionExclusionMap::buildMapFromSystem(
-    [[maybe_unused]] const KtManipulatorSystem& system) {
-#if __has_include("ktManipulator/model/KtManipulatorSystem.h")
+void KtSystemCollisionExclusionMap::buildMapFromSystem(const KtManipulatorSystem& system) {
   buildMapFromManipulators(system.manipulators());
-#endif
 }
 
 void KtSystemCollisionExclusionMap::buildMapFromManipulators(

@@ -1,46 +1,357 @@
 #pragma once
 
-#include "ktManipulator/model/KtManipulatorLink.h"
+#include <string>
+#include <vector>
 
-/// One mechanism: a tree of links of which this object is the root and the base. The base has no
-/// joint.
+#include "ktManipulator/collision/KtLinkCollisionTable.h"
+#include "ktManipulator/collision/KtManipulatorSelfCollisionLinkMap.h"
+#include "ktManipulator/constraints/KtStateConstraintVector.h"
+#include "ktManipulator/constraints/KtStateEqualityConstraintVector.h"
+#include "ktManipulator/foundation/geometry/KtSphere.h"
+#include "ktManipulator/model/KtGeneralBoundObjectVector.h"
+#include "ktManipulator/model/KtManipulatorLink.h"
+#include "ktManipulator/model/KtManipulatorReferenceDescription.h"
+#include "ktManipulator/propagation/KtPropagationResultData.h"
+#include "ktManipulator/propagation/KtStoppingCriterionVector.h"
+
+class KtAccelerationState;
+class KtManipulatorPointEvent;
+class KtMassMatrixTool;
+class KtPlane;
+class KtPositionState;
+class KtReArray;
+class KtVelocityState;
+
+/// One mechanism: a tree of links of which this object is the root and the base.
+///
+/// The base has no joint: it stands where the position state's frame and the manipulator's own
+/// fixed frame put it, and its index is always `ktBaseIndex`. A link table and a label table over
+/// the tree turn it into what state vectors are indexed by: entry i belongs to the link of index i,
+/// links being numbered in pre-order from 0 at the first child.
+///
+/// A manipulator may stand for another one of its system, whose links it then shares: that one's
+/// tables and children answer for it. `KtManipulatorSystem` resolves the reference.
+///
+/// A file has no actuator, spring, damper, limits, points or frames of the base.
 class KT_EXPORT KtIndividualManipulator
     : public KtXmlPersistent<KtIndividualManipulator, KtManipulatorLink> {
  public:
+  /// Zero.
+  static const KtGeneralMotion m_theZeroAcceleration;
+
+  /// A base without links: fixed, controllable, at the origin, with a bounding sphere of 10 m.
   KtIndividualManipulator();
+  /// A copy. It shares no links with another manipulator until its system says so again.
   KtIndividualManipulator(const KtIndividualManipulator& other);
+  /// The same as a copy.
   KtIndividualManipulator& operator=(const KtIndividualManipulator& other);
 
   bool read(KtXmlReader& reader) override;
   void registerComponents() override;
-  void addChild(const KtManipulatorLink& link) override;
-  /// Always `ktBaseIndex`.
-  KtU32 linkIndex() const override { return ktBaseIndex; }
 
-  /// Whether the base cannot move.
-  virtual bool isFixedBase() const { return isFixedBase_; }
+  // Of the link.
+
+  bool setSurfaceProperties(const std::string& surfaceLabel, const KtDataMap& data) override;
+  /// The own children, or those of the manipulator that this one stands for.
+  const KtXmlVectorType<KtManipulatorLink>& childLinks() const override;
+  /// Also maps all links.
+  void setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) override;
+  /// Also maps the new child. Links that were mapped before may have moved: `mapManipulator` when
+  /// the last child is added. Nothing but the addition happens where another manipulator's links
+  /// are used.
+  void addChild(const KtManipulatorLink& link) override;
+  /// Also maps all links and builds the self-collision map anew.
+  void clearChildLinks() override;
+  /// Also maps all links and builds the self-collision map anew.
+  void addLinkToEndOfChain(const KtManipulatorLink& link) override;
+  /// Of all links but the base.
+  void truncateValues(const double& precision) override;
+  /// `ktBaseIndex`.
+  KtU32 linkIndex() const override;
+  const KtCoordinateSystemTransformation& dhFrameInSystem(
+      KtManipulatorActivePositionState& positionState) const override;
+  const KtCoordinateSystemTransformation& primaryFrameInSystem(
+      KtManipulatorActivePositionState& positionState) const override;
+  const KtGeneralMotion& dhFrameVelocityInSystem(
+      KtManipulatorActiveState& activeState) const override;
+  const KtGeneralMotion& dhFrameVelocityInLocal(
+      KtManipulatorActiveState& activeState) const override;
+  const KtGeneralMotion& primaryFrameVelocityInSystem(
+      KtManipulatorActiveState& activeState) const override;
+  const KtGeneralMotion& dhFrameAccelerationInLocal(
+      KtManipulatorActiveState& activeState) const override;
+  const KtGeneralForce& dhFrameForceInLocal(const KtManipulatorExternalForce& external,
+                                            KtManipulatorActiveState& activeState,
+                                            const KtStatedSystemStruct* asker) const override;
+  const KtRigidBodyMassProperties& crbi(KtManipulatorActiveState& activeState,
+                                        const KtStatedSystemStruct* asker) const override;
+  const KtArticulatedBodyDynamics& arbd(const KtManipulatorExternalForce& external,
+                                        const KtManipulatorTorque& torque,
+                                        KtManipulatorActiveState& activeState,
+                                        const KtStatedSystemStruct* asker) const override;
+  const KtGeneralMotion& arbiSupplementalDhFrameAccelerationInLocal(
+      const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
+      KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const override;
+  /// Looks up the properties of a surface among those of the manipulator.
+  bool lookup(const std::string& label, const KtDataMap*& data) const override;
+
+  // Its own.
+
+  /// Makes a whole manipulator of a link and its subtree: the base, fixed, at the origin.
+  virtual void setFromLink(const KtManipulatorLink& link);
+  /// The fixed frame between the position state's frame and the base's DH frame.
+  virtual const KtCoordinateSystemTransformation& coordSysXForm() const;
+  /// Sets what `coordSysXForm()` answers.
+  virtual void setCoordSysXForm(const KtCoordinateSystemTransformation& t);
+  /// A sphere around the whole mechanism in any position, in the base's frame.
+  virtual const KtSphere& absoluteBoundingSphere() const;
+  /// Sets what `absoluteBoundingSphere()` answers.
+  virtual void setAbsoluteBoundingSphere(const KtSphere& sphere);
+  /// Fills the self-collision map with all pairs of links, none of them to be tested, and compiles
+  /// it.
+  virtual void buildSelfCollisionLinkMap();
+  /// Sets the sphere around the mechanism from `upperBoundSubmanipulatorExtentDistance`.
+  virtual void fitAbsoluteBoundingSphere();
+  /// Whether the base cannot move; true unless set.
+  virtual bool isFixedBase() const;
   /// Sets what `isFixedBase()` answers.
-  virtual void setIsFixedBase(bool value) { isFixedBase_ = value; }
-  /// Number of joints: of links but the root.
-  virtual KtU32 jointDof() const { return static_cast<KtU32>(linkTable_.size()); }
-  /// `jointDof()` and the six of a free base.
-  virtual KtU32 jointAndBaseDof() const { return jointDof() + 6; }
+  virtual void setIsFixedBase(bool value);
+  /// Whether a read prepares all links for display; false unless set.
+  virtual bool optimizeOnLoad() const;
+  /// Sets what `optimizeOnLoad()` answers.
+  virtual void setOptimizeOnLoad(bool value);
+  /// Whether a controller may move the manipulator; true unless set.
+  virtual bool isControllable() const;
+  /// Sets what `isControllable()` answers.
+  virtual void setIsControllable(bool value);
+  /// Which manipulator this one stands for.
+  virtual const KtManipulatorReferenceDescription& manipulatorReferenceDescription() const;
+  /// Sets what `manipulatorReferenceDescription()` answers; the system resolves it.
+  virtual void setManipulatorReferenceDescription(
+      const KtManipulatorReferenceDescription& description);
+  /// Place of the manipulator in its system.
+  virtual KtU32 manipulatorIndex() const;
+  /// Number of joints, and so of links but the base.
+  virtual KtU32 jointDof() const;
+  /// `jointDof()` and the six of the base.
+  virtual KtU32 jointAndBaseDof() const;
   /// `jointDof()` for a fixed base, else `jointAndBaseDof()`.
-  virtual KtU32 totalDof() const { return isFixedBase() ? jointDof() : jointAndBaseDof(); }
-  /// The link of a label, also this object itself; null if there is none.
+  virtual KtU32 totalDof() const;
+  /// The compiled self-collision map; see `mapLinkCollisionCandidates`.
+  virtual const KtLinkCollisionTable& linkCollisionTest() const;
+  /// The factor of `crbi` as a 6 by 6 matrix; see
+  /// `KtRigidBodyMassProperties::spatialCholeskyDecomposition`.
+  virtual const KtReArray& crbiSpatialCholeskyDecomposition(
+      KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const;
+  /// The acceleration of a free base under torques and forces, in its DH axes.
+  virtual const KtGeneralMotion& arbiBaseAccelerationInLocal(
+      const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
+      KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const;
+  /// Index of the first link of a label; `ktBaseIndex` if only the base has it, `ktUnmappedIndex`
+  /// if none.
+  virtual KtU32 linkIndexByIdentifier(const std::string& label) const;
+  /// The last link of a label, the base included; null if there is none.
   virtual KtManipulatorLink* linkByIdentifier(const std::string& label) const;
   /// The link of an index, this object for `ktBaseIndex`; null if there is none.
   virtual const KtManipulatorLink* linkByIndex(KtU32 index) const;
-  /// Numbers all links anew.
+  /// Gives a link another label; false if there is none of the old one.
+  virtual bool changeLinkLabel(const std::string& label, const std::string& newLabel);
+  /// Advances positions by constant velocities over a time, s. Joints stop at their actuators'
+  /// limits; their velocities stay. The base's linear velocity is taken in the axes in which its
+  /// translation is given, its angular velocity in the outer frame's.
+  virtual void propagateState(const KtVelocityState& velocity, double dt,
+                              KtPositionState& position) const;
+  /// The same; the record is told of the last joint that met a limit.
+  virtual void propagateState(const KtVelocityState& velocity, double dt, KtPositionState& position,
+                              KtPropagationResultData& result) const;
+  /// Advances velocities by constant accelerations over a time, s. Joint rates stay within their
+  /// actuators' maximum rates.
+  virtual void propagateVelocityState(const KtAccelerationState& acceleration, double dt,
+                                      KtVelocityState& velocity) const;
+  /// Finds where a line segment meets the manipulator; see
+  /// `KtManipulatorLink::intersectLineSegment`.
+  virtual void intersectLineSegmentWithManipulator(const KtLineSegment& segment,
+                                                   KtManipulatorPointEvent& event,
+                                                   KtManipulatorActiveState* activeState,
+                                                   KtU32 level) const;
+  /// Lets links of equal shapes share them. Nothing where another manipulator's links are used.
+  ///
+  /// @return true
+  virtual bool findAndConvertToReferences();
+  /// Gives own copies of its shapes to every link that uses those of a link which is about to
+  /// change; false if there is none of that label.
+  virtual bool aboutToModifyLink(const std::string& label);
+  /// Replaces the subtree of a label by a copy of another; false if there is none of that label.
+  virtual bool replaceLinkAndChildren(const std::string& label, const KtManipulatorLink& link);
+  /// Replaces the joint model of the label of the link of an index; false without such a link.
+  virtual bool replaceLinkKinematics(KtU32 index, const KtLinkKinematics& kinematics);
+  /// Replaces the joint model of a link; false without such a link.
+  virtual bool replaceLinkKinematics(const std::string& label, const KtLinkKinematics& kinematics);
+  /// Replaces the shape of the label of the link of an index; false without such a link.
+  virtual bool replaceLinkShape(KtU32 index, const KtShape& shape);
+  /// Replaces the shape of a link; false without such a link.
+  virtual bool replaceLinkShape(const std::string& label, const KtShape& shape);
+  /// Sets the primary frame of the label of the link of an index; false without such a link.
+  virtual bool replaceLinkPrimaryFrame(KtU32 index, const KtCoordinateSystemTransformation& frame);
+  /// Sets the primary frame of a link, to which the body stays fixed; false without such a link.
+  virtual bool replaceLinkPrimaryFrame(const std::string& label,
+                                       const KtCoordinateSystemTransformation& frame);
+  using KtManipulatorLink::transformPrimaryFrame;
+  /// Moves the primary frame of a link, while the body stays; false without such a link.
+  virtual bool transformPrimaryFrame(const std::string& label,
+                                     const KtCoordinateSystemTransformation& frame);
+  /// Makes all primary frames the identity, while the bodies stay. Links that share shapes go on
+  /// sharing them where their primary frames were equal.
+  ///
+  /// @return true
+  virtual bool transformAllPrimaryFramesToIdentity();
+  /// Moves the base mass properties and the own shapes of a link; false without such a link.
+  virtual bool transformLinkComponentsBy(const std::string& label,
+                                         const KtCoordinateSystemTransformation& t);
+  /// Moves the subtree of a label; false without such a link.
+  virtual bool transformLinkSubtreeBy(const std::string& label,
+                                      const KtCoordinateSystemTransformation& t);
+  /// Resolves what this manipulator stands for among those of a system, by label.
+  ///
+  /// @return false, with nothing changed, if it stands for none or there is none of the label
+  virtual bool configureManipulatorReference(
+      const KtXmlVectorType<KtIndividualManipulator>& manipulators);
+  /// Bodies that ride on frames of closed linkages.
+  virtual const KtGeneralBoundObjectVector& generalBoundObjects() const;
+  /// Sets what `generalBoundObjects()` answers.
+  virtual void setGeneralBoundObjects(const KtGeneralBoundObjectVector& objects);
+  /// Numbers all links anew and resolves the references among them.
   virtual bool mapManipulator();
+  /// The same, into given tables. Where another manipulator's links are used the tables stay.
+  ///
+  /// @return whether all links' `mapLinks` answered true
+  virtual bool mapManipulator(LinkTable& links, LabelTable& labels);
+  /// The properties of surfaces by label.
+  virtual const KtSurfaceMap& surfaces() const;
+  /// Sets what `surfaces()` answers.
+  virtual void setSurfaces(const KtSurfaceMap& surfaces);
+  using KtManipulatorLink::setSurfaces;
+  /// Sets the self-collision map and compiles it.
+  virtual void setSelfCollisionLinkMap(const KtManipulatorSelfCollisionLinkMap& map);
+  /// Which pairs of links are tested for collision, by label.
+  virtual const KtManipulatorSelfCollisionLinkMap& selfCollisionLinkMap() const;
+  /// Compiles the self-collision map into `linkCollisionTest()`.
+  virtual void mapLinkCollisionCandidates();
+  /// Gives a shape of a link a map of surfaces. False without such a shape, and for the base.
+  virtual bool setSurfacesByIDs(KtU32 linkIndex, KtU32 shapeIndex, const KtSurfaceMap& surfaces);
+  /// Whether a pair of different links is tested for collision. Indices out of range are reported
+  /// and give false.
+  virtual bool canCollide(KtU32 link1, KtU32 link2) const;
+  /// The centre of mass of all links, in the system.
+  virtual KtVector getCenterOfMassInSystem(KtManipulatorActiveState& activeState) const;
+  /// Replaces all shapes by capsules around them; see `simplifyLinkShapesWithBoundingVolumes`.
+  virtual void simplifyLinkShapesWithCapsules(const KtDataMap& data);
+  /// Replaces all shapes by their convex hulls; see `simplifyLinkShapesWithBoundingVolumes`.
+  virtual void simplifyLinkShapesWithConvexHulls(const KtDataMap& data);
+  /// Replaces every shape by its first bounding volume, with the surface "Bounding".
+  ///
+  /// @param data           the properties of that surface
+  /// @param keepUnbounded  whether a shape without a bounding volume stays; otherwise it goes
+  virtual void simplifyLinkShapesWithBoundingVolumes(const KtDataMap& data, bool keepUnbounded);
+  /// The point of a plane about which the inertial forces have no moment along the plane, without
+  /// gravity. Where they have no force across the plane the output stays as it was.
+  virtual void computeZeroMomentPoint(const KtPlane& plane, KtManipulatorActiveState& activeState,
+                                      KtVector& point, const KtStatedSystemStruct* asker) const;
+  /// The same with gravity.
+  virtual void computeZeroMomentPoint(const KtVector& gravity, const KtPlane& plane,
+                                      KtManipulatorActiveState& activeState, KtVector& point,
+                                      const KtStatedSystemStruct* asker) const;
+  /// The kinetic energy, J.
+  ///
+  /// @param tool  one to be used; null takes one of its own
+  virtual double computeKineticEnergy(KtManipulatorActiveState& activeState, KtMassMatrixTool* tool,
+                                      const KtStatedSystemStruct* asker) const;
+  /// Constraints on the joint positions.
+  virtual const KtStateConstraintVector& stateConstraints() const;
+  /// Sets what `stateConstraints()` answers.
+  virtual void setStateConstraints(const KtStateConstraintVector& constraints);
+  /// Linear relations that the motion obeys.
+  virtual const KtStateEqualityConstraintVector& stateEqualityConstraints() const;
+  /// Sets what `stateEqualityConstraints()` answers.
+  virtual void setStateEqualityConstraints(const KtStateEqualityConstraintVector& constraints);
+  /// What stops a propagation.
+  virtual const KtStoppingCriterionVector& stoppingCriteria() const;
+  /// Sets what `stoppingCriteria()` answers.
+  virtual void setStoppingCriteria(const KtStoppingCriterionVector& criteria);
+  /// Collects a, alpha and d of every link whose joint is of the craig convention, by index. A link
+  /// that has a precursor adds nothing, so that the length tells whether all links are there.
+  ///
+  /// @return false if a link is of another kind
+  virtual bool getCraigDhParameters(std::vector<double>& parameters) const;
+  /// Replaces the bounding volumes of a link by one shape; false without such a link.
+  ///
+  /// @param data  the properties of its surface; null for a display colour and what the link's own
+  ///              surface says of contact
+  virtual bool setBoundingVolume(const std::string& label, const KtShape& shape,
+                                 const KtDataMap* data = nullptr);
 
-  /// Equality of the tree and the base's kind.
+  /// Sets what `manipulatorIndex()` answers.
+  void setManipulatorIndex(KtU32 index) noexcept { manipulatorIndex_ = index; }
+  /// Exchanges two link indices so that the first is not less than the second; the base counts as
+  /// the largest.
+  ///
+  /// @return true
+  bool makeIndicesCompatible(KtU32& index1, KtU32& index2) const;
+  /// Adds a capsule around the shapes of each link that uses its own.
+  void addCapsuleBoundingVolumeToLinks();
+  /// Adds a sphere around the shapes of each link that uses its own.
+  void addSphereBoundingVolumeToLinks();
+  /// Adds a box around the shapes of each link that uses its own, unless it has one.
+  void addBoundingBoxToLinks();
+  /// Adds the convex hull of the shapes of each link that uses its own.
+  void addConvexHullToLinks();
+  /// Whether two manipulators are alike in everything but their labels.
+  bool equalForReferencing(const KtIndividualManipulator& other) const;
+  /// Takes over all of another manipulator but its links, under the rules of a copy; see
+  /// `KtManipulatorLink::copyAllButChildLinksFrom`.
+  void copyAllButChildLinksFrom(const KtIndividualManipulator& other);
+  /// The manipulator whose links this one uses: itself, unless it stands for another.
+  const KtIndividualManipulator* referenceManipulator() const noexcept {
+    return referenceManipulator_;
+  }
+
+  /// Equality of everything that is written to files.
   bool operator==(const KtIndividualManipulator& other) const;
   /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtIndividualManipulatorToken; }
 
  private:
-  KtXmlBasicType<bool> isFixedBase_{true};
+  bool isReference() const { return manipulatorReferenceDescription_.isManipulatorReferenced(); }
+  void addBoundingVolumesToLinks(KtShape::KtShapeValues type);
+  bool equalBeyondLink(const KtIndividualManipulator& other) const;
+  void copyOwnFrom(const KtIndividualManipulator& other);
+  // The link of a label in the label table, found or not; it may be null.
+  LabelTable::const_iterator findLink(const std::string& label) const {
+    return labelTable_.find(label);
+  }
+
+  // Written to files
+  KtCoordinateSystemTransformation coordSysXForm_;
+  KtSphere absoluteBoundingSphere_{KtVector(), 10.0, 3};
+  KtXmlBasicType<bool> isFixedBase_ = true;
+  KtXmlBasicType<bool> optimizeOnLoad_ = false;
+  KtXmlBasicType<bool> isControllable_ = true;
+  KtManipulatorReferenceDescription manipulatorReferenceDescription_;
+  KtGeneralBoundObjectVector generalBoundObjects_;
+  KtStateConstraintVector stateConstraints_;
+  KtStateEqualityConstraintVector stateEqualityConstraints_;
+  KtStoppingCriterionVector stoppingCriteria_;
+  KtSurfaceMap surfaces_;
+  KtManipulatorSelfCollisionLinkMap selfCollisionLinkMap_;
+  // Derived from that
   LinkTable linkTable_;
   LabelTable labelTable_;
+  KtLinkCollisionTable linkCollisionTable_;
+  // Set by the system; not owned
+  KtIndividualManipulator* referenceManipulator_ = this;
+  KtU32 manipulatorIndex_ = 0;
+  // Filled by constant operations
+  mutable KtPropagationResultData propagationResult_;
 };
+
+extern template class KtXmlVectorType<KtIndividualManipulator>;

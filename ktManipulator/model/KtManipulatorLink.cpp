@@ -1,38 +1,197 @@
 #include "ktManipulator/model/KtManipulatorLink.h"
 
+#include <algorithm>
+#include <string>
+
+#include "ktManipulator/foundation/core/KtPrint.h"
+#include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
+
 template class KtXmlVectorType<KtManipulatorLink>;
 
-KtManipulatorLink::KtManipulatorLink(const KtManipulatorLink& other)
-    : KtXmlPersistent(other),
-      label_(other.label_),
-      childLinks_(other.childLinks_),
-      parentLink_(other.parentLink_),
-      linkIndex_(other.linkIndex_) {
+const KtCoordinateSystemTransformation KtManipulatorLink::m_theDummyTransformation;
+const KtGeneralMotion KtManipulatorLink::m_theDummyGeneralVelocity;
+const KtGeneralMotion KtManipulatorLink::m_theDummyGeneralAcceleration;
+const KtGeneralForce KtManipulatorLink::m_theDummyGeneralForce;
+const KtRigidBodyMassProperties KtManipulatorLink::m_theDummyCrbi =
+    KtRigidBodyMassProperties::nullObject();
+const KtArticulatedBodyDynamics KtManipulatorLink::m_theDummyArbd;
+const KtPolyPhysicalExtent KtManipulatorLink::m_theDummyPhysicalExtent;
+const KtGeneralMotion KtManipulatorLink::m_theDummySpatialMomentum;
+const KtGeneralMotion KtManipulatorLink::m_theDummySpatialMomentumRate;
+
+KtManipulatorLink::KtManipulatorLink() {
+  jointActuator_.setManipulatorLink(this);
+}
+
+KtManipulatorLink::KtManipulatorLink(const KtManipulatorLink& other) : KtXmlPersistent(other) {
+  copyOwnFrom(other);
+  childLinks_ = other.childLinks_;
   adoptChildren();
+  rebind();
 }
 
 KtManipulatorLink& KtManipulatorLink::operator=(const KtManipulatorLink& other) {
-  if (this != &other) {
-    KtXmlPersistent::operator=(other);
-    label_ = other.label_;
-    parentLink_ = other.parentLink_;
-    linkIndex_ = other.linkIndex_;
-    childLinks_ = other.childLinks_;
-    adoptChildren();
-  }
+  if (this == &other) return *this;
+  // The other may stand in a subtree that the assignment is about to remove.
+  const KtXmlVectorType<KtManipulatorLink> children = other.childLinks_;
+  copyAllButChildLinksFrom(other);
+  childLinks_ = children;
+  adoptChildren();
   return *this;
+}
+
+void KtManipulatorLink::copyAllButChildLinksFrom(const KtManipulatorLink& other) {
+  if (this == &other) {
+    childLinks_.resize(0);
+    return;
+  }
+  KtXmlPersistent::operator=(other);
+  copyOwnFrom(other);
+  rebind();
+}
+
+// The tables of shapes are not copied: they point into the other link.
+void KtManipulatorLink::copyOwnFrom(const KtManipulatorLink& other) {
+  label_ = other.label_;
+  linkKinematicsContainer_ = other.linkKinematicsContainer_;
+  memberShapeContainer_ = other.memberShapeContainer_;
+  jointActuator_ = other.jointActuator_;
+  oldJointActuator_ = other.oldJointActuator_;
+  oldJointActuatorContainer_ = other.oldJointActuatorContainer_;
+  baseMassProperties_ = other.baseMassProperties_;
+  springProperties_ = other.springProperties_;
+  damperProperties_ = other.damperProperties_;
+  linkReferenceDescription_ = other.linkReferenceDescription_;
+  upperLimitContainer_ = other.upperLimitContainer_;
+  lowerLimitContainer_ = other.lowerLimitContainer_;
+  namedPoints_ = other.namedPoints_;
+  namedFrames_ = other.namedFrames_;
+  isConstrained_ = other.isConstrained_;
+  massPropertiesMap_ = other.massPropertiesMap_;
+  massPropertiesInDHFrame_ = other.massPropertiesInDHFrame_;
+  totalMassProperties_ = other.totalMassProperties_;
+  numShapes_ = other.numShapes_;
+  parentLink_ = other.parentLink_;
+  linkIndex_ = other.linkIndex_;
+  referenceLink_ = this;
+  manipulator_ = nullptr;
+  forgetShapeTables();
+}
+
+// What points at this link, or out of it, after its members were replaced.
+void KtManipulatorLink::rebind() {
+  mapShapes();
+  jointActuator_.setManipulatorLink(this);
+  KtManipulatorLink::updateDefaultLimitConstraints();
 }
 
 bool KtManipulatorLink::read(KtXmlReader& reader) {
   const bool good = KtXmlCompoundType::read(reader);
+  mapShapes();
   adoptChildren();
+  updateMassProperties();
+  updateDHMassProperties();
+  if (!(oldJointActuator_ == KtOldJointActuator::nullObject())) {
+    jointActuator_.setFromOldJointActuator(oldJointActuator_);
+  }
+  const auto* held = dynamic_cast<const KtOldJointActuator*>(oldJointActuatorContainer_.element());
+  if (held != nullptr && !(*held == KtOldJointActuator::nullObject())) {
+    jointActuator_.setFromOldJointActuator(*held);
+  }
+  jointActuator_.setManipulatorLink(this);
+  updateDefaultLimitConstraints();
   return good;
 }
 
 void KtManipulatorLink::registerComponents() {
   KtXmlCompoundType::registerComponents();
+  registerTreeComponents();
+  registerShapeComponent();
+  registerComponent(KtManip::KtCompositeJointActuatorToken, &jointActuator_);
+  registerComponentReadOnly(KtManip::KtJointActuatorToken, &oldJointActuator_);
+  registerComponentReadOnly(KtManip::KtJointActuatorContainerToken, &oldJointActuatorContainer_);
+  registerMassComponent();
+  registerComponent(KtManip::KtSpringPropertiesToken, &springProperties_);
+  registerComponent(KtManip::KtDamperPropertiesToken, &damperProperties_);
+  registerComponent(KtManip::KtLinkReferenceDescriptionToken, &linkReferenceDescription_);
+  registerComponent(KtManip::KtUpperLimitConstraintToken, &upperLimitContainer_);
+  registerComponent(KtManip::KtLowerLimitConstraintToken, &lowerLimitContainer_);
+  registerComponent(KtManip::KtNamedPointsToken, &namedPoints_);
+  registerComponent(KtManip::KtNamedFramesToken, &namedFrames_);
+  registerComponent(KtManip::KtIsConstrainedToken, &isConstrained_);
+  registerMassMapComponent();
+}
+
+void KtManipulatorLink::registerTreeComponents() {
   registerComponent(KtManip::KtIdentifierToken, &label_);
+  registerComponent(KtManip::KtLinkKinematicsContainerToken, &linkKinematicsContainer_);
   registerComponent(KtManip::KtChildLinksToken, &childLinks_);
+}
+
+void KtManipulatorLink::registerMassComponent() {
+  registerComponent(KtManip::KtMassPropertiesToken, &baseMassProperties_);
+}
+
+void KtManipulatorLink::registerShapeComponent() {
+  registerComponent(KtGeom::KtShapeContainerToken, &memberShapeContainer_);
+}
+
+void KtManipulatorLink::registerMassMapComponent() {
+  registerComponent(KtManip::KtMassPropertiesMapToken, &massPropertiesMap_);
+}
+
+const std::string& KtManipulatorLink::label() const {
+  return label_.value();
+}
+void KtManipulatorLink::setLabel(const std::string& label) {
+  label_ = label;
+}
+
+void KtManipulatorLink::appendToAllLabels(const std::string& suffix) {
+  label_ = label_.value() + suffix;
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.appendToAllLabels(suffix);
+}
+
+void KtManipulatorLink::relabelSubtree(const std::string& prefix, KtU32& counter) {
+  setLabel(prefix + std::to_string(counter++));
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+    child.relabelSubtree(prefix, counter);
+  }
+}
+
+const KtLinkKinematicsContainer& KtManipulatorLink::linkKinematicsContainer() const {
+  return linkKinematicsContainer_;
+}
+
+void KtManipulatorLink::setLinkKinematicsContainer(const KtLinkKinematicsContainer& container) {
+  linkKinematicsContainer_ = container;
+  updateDHMassProperties();
+}
+
+void KtManipulatorLink::setLinkKinematics(const KtLinkKinematics& kinematics) {
+  linkKinematicsContainer_.setTopElement(kinematics);
+}
+
+const KtCoordinateSystemTransformation& KtManipulatorLink::primaryFrame() const {
+  return linkKinematicsContainer_.primaryFrame();
+}
+
+void KtManipulatorLink::setPrimaryFrame(const KtCoordinateSystemTransformation& frame) {
+  linkKinematicsContainer_.setPrimaryFrame(frame);
+  updateDHMassProperties();
+}
+
+const KtXmlVectorType<KtManipulatorLink>& KtManipulatorLink::childLinks() const {
+  return childLinks_;
+}
+
+void KtManipulatorLink::setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) {
+  if (&links != &childLinks_) {
+    // The links may stand below one of those that go.
+    const KtXmlVectorType<KtManipulatorLink> copy = links;
+    childLinks_ = copy;
+  }
+  adoptChildren();
 }
 
 void KtManipulatorLink::addChild(const KtManipulatorLink& link) {
@@ -40,21 +199,156 @@ void KtManipulatorLink::addChild(const KtManipulatorLink& link) {
   adoptChildren();
 }
 
+void KtManipulatorLink::clearChildLinks() {
+  childLinks_.resize(0);
+}
+
+void KtManipulatorLink::addLinkToEndOfChain(const KtManipulatorLink& link) {
+  if (childLinks_.size() > 0) {
+    childLinks_[0].addLinkToEndOfChain(link);
+  } else {
+    addChild(link);
+  }
+}
+
+// All of them: the list may have moved them.
+void KtManipulatorLink::adoptChildren() {
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.setParentLink(this);
+}
+
+KtManipulatorLink* KtManipulatorLink::parentLink() const {
+  return parentLink_;
+}
+void KtManipulatorLink::setParentLink(KtManipulatorLink* link) {
+  parentLink_ = link;
+}
+
+KtU32 KtManipulatorLink::linkIndex() const {
+  return linkIndex_;
+}
+
+KtU32 KtManipulatorLink::subtreeLinkCount() const {
+  KtU32 count = 1;
+  for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+    count += child.subtreeLinkCount();
+  }
+  return count;
+}
+
 bool KtManipulatorLink::mapLinks(LinkTable& links, LabelTable& labels) {
   linkIndex_ = static_cast<KtU32>(links.size());
   links.push_back(this);
   labels[label()] = this;
   bool good = true;
-  for (KtU32 i = 0; i < childLinks_.size(); ++i) {
-    good = childLinks_[i].mapLinks(links, labels) && good;
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+    good = child.mapLinks(links, labels) && good;
   }
+  updateDefaultLimitConstraints();
   return good;
 }
 
-bool KtManipulatorLink::operator==(const KtManipulatorLink& other) const {
-  return label_ == other.label_ && childLinks_ == other.childLinks_;
+void KtManipulatorLink::collectLeafLinks(LinkTable& links) const {
+  const auto& children = childLinks().vectorContainer();
+  if (children.empty()) links.push_back(this);
+  for (const KtManipulatorLink& child : children) child.collectLeafLinks(links);
 }
 
-void KtManipulatorLink::adoptChildren() {
-  for (KtU32 i = 0; i < childLinks_.size(); ++i) childLinks_[i].setParentLink(this);
+const KtIndividualManipulator* KtManipulatorLink::manipulator() const {
+  return manipulator_;
+}
+void KtManipulatorLink::setManipulatorPointer(const KtIndividualManipulator* manipulator) const {
+  manipulator_ = manipulator;
+}
+
+// A reference may lead to a reference, and labels from a file may lead in a circle, which is found
+// here once and for all: by the labels, since pointers of links that are resolved later are stale.
+bool KtManipulatorLink::setLinkReferences(const LabelTable& labels) {
+  constexpr int kMostSteps = 1000;
+  referenceLink_ = this;
+  if (linkReferenceDescription_.isShapeReferenced()) {
+    const std::string& label = linkReferenceDescription_.referencedLinkLabel();
+    const auto found = labels.find(label);
+    auto next = found;
+    int steps = 0;
+    while (next != labels.end() && next->second != nullptr && next->second != this &&
+           next->second->linkReferenceDescription().isShapeReferenced() && steps < kMostSteps) {
+      next = labels.find(next->second->linkReferenceDescription().referencedLinkLabel());
+      ++steps;
+    }
+    const bool circular = next != labels.end() && (next->second == this || steps == kMostSteps);
+    if (found != labels.end() && found->second != nullptr && !circular) {
+      referenceLink_ = found->second;
+    } else {
+      Kt::Print::instance().write(Kt::Print::kError,
+                                  "KtManipulatorLink::setLinkReference(): could not find link with "
+                                  "label %s for referencing.  Using self.",
+                                  label.c_str());
+    }
+  }
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.setLinkReferences(labels);
+  return true;
+}
+
+bool KtManipulatorLink::useReferencesWherePossible(const LinkTable& links) {
+  bool changed = false;
+  const std::size_t count = std::min<std::size_t>(linkIndex(), links.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    const KtManipulatorLink* candidate = links[i];
+    if (candidate == nullptr || candidate == this ||
+        candidate->linkReferenceDescription().isShapeReferenced() ||
+        !(candidate->shapeContainer() == shapeContainer())) {
+      continue;
+    }
+    linkReferenceDescription_.setReferencedLinkLabel(candidate->label());
+    linkReferenceDescription_.setIsShapeReferenced(true);
+    memberShapeContainer_ = KtShapeContainer();
+    forgetShapeTables();
+    changed = true;
+    break;
+  }
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+    changed = child.useReferencesWherePossible(links) || changed;
+  }
+  return changed;
+}
+
+bool KtManipulatorLink::removeLinkReferences() {
+  if (!linkReferenceDescription_.isShapeReferenced()) return true;
+  linkReferenceDescription_.setReferencedLinkLabel("");
+  linkReferenceDescription_.setIsShapeReferenced(false);
+  setShapeContainer(referenceLink_->shapeContainer());
+  referenceLink_ = this;
+  return true;
+}
+
+const KtLinkReferenceDescription& KtManipulatorLink::linkReferenceDescription() const {
+  return linkReferenceDescription_;
+}
+void KtManipulatorLink::setLinkReferenceDescription(const KtLinkReferenceDescription& description) {
+  linkReferenceDescription_ = description;
+}
+
+bool KtManipulatorLink::equalForReferencing(const KtManipulatorLink& other) const {
+  return KtXmlCompoundType::operator==(other) &&
+         linkKinematicsContainer_ == other.linkKinematicsContainer_ &&
+         childLinks_ == other.childLinks_ && shapeContainer() == other.shapeContainer() &&
+         jointActuator_ == other.jointActuator_ &&
+         baseMassProperties_ == other.baseMassProperties_ &&
+         springProperties_ == other.springProperties_ &&
+         damperProperties_ == other.damperProperties_ &&
+         linkReferenceDescription_ == other.linkReferenceDescription_ &&
+         massPropertiesInDHFrame_ == other.massPropertiesInDHFrame_ &&
+         numberOfShapes() == other.numberOfShapes() &&
+         upperLimitContainer_ == other.upperLimitContainer_ &&
+         lowerLimitContainer_ == other.lowerLimitContainer_ && namedPoints_ == other.namedPoints_ &&
+         namedFrames_ == other.namedFrames_ && isConstrained_ == other.isConstrained_ &&
+         massPropertiesMap_ == other.massPropertiesMap_;
+}
+
+bool KtManipulatorLink::operator==(const KtManipulatorLink& other) const {
+  return equalForReferencing(other) && label_ == other.label_;
+}
+
+KtManipulatorLink::Scratch& KtManipulatorLink::scratch() const {
+  return scratch_.require();
 }

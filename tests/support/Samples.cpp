@@ -138,7 +138,9 @@ std::vector<Sample> allSamples() {
   addDynamicsSamples(samples);
   addStateSamples(samples);
   addConstraintSamples(samples);
-  addShapeSamples(samples);
   addRecordSamples(samples);
+  addShapeSamples(samples);
+  addModelSamples(samples);
+  addSystemSamples(samples);
   return samples;
 }
