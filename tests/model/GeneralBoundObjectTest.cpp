@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include "ktManipulator/ktManipulator.h"
+#include "support/KtLogCapture.h"
+
+namespace {
+
+using T = KtCoordinateSystemTransformation;
+
+KtQuadrilateralTypeLink linkageOf(unsigned type) {
+  KtQuadrilateralTypeLink linkage;
+  linkage.setJointType(type);
+  linkage.setNominalLength(1.0);
+  linkage.setD1Length(1.0);
+  linkage.setD2Length(1.0);
+  linkage.setOppositeLength(1.0);
+  linkage.setZDistanceA(0.25);
+  linkage.setZDistanceB(0.5);
+  return linkage;
+}
+
+struct Scene {
+  KtIndividualManipulator arm;
+  KtManipulatorActiveState activeState;
+};
+
+// A boom at the root, and a link of another kind below it.
+Scene sceneOf(unsigned type) {
+  KtManipulatorLink other;
+  other.setLabel("other");
+  other.setLinkKinematics(KtDenavitHartenberg::defaultObject());
+  KtManipulatorLink boom;
+  boom.setLabel("boom");
+  boom.setLinkKinematics(linkageOf(type));
+  boom.addChild(other);
+  Scene scene;
+  scene.arm.addChild(boom);
+  KtPositionState positions;
+  positions.setJointPositions({2, 0.0});
+  scene.activeState.setPositionState(positions);
+  return scene;
+}
+
+// With all four sides equal the loop is a square: the side d2 leads up from the pivot at (1, 0),
+// or, as the solution of the larger cosine has it, along x to (2, 0).
+TEST(GeneralBoundObject, RidesOnItsFrameOfTheLinkage) {
+  const T frame(KtVector(0.1, 0.2, 0.3), KtOrientation::zRotation(0.4));
+  const auto check = [&](auto body, unsigned type, const T& seat) {
+    body.setPrimaryFrame(frame);
+    body.setlinkIdentifier("boom");
+    Scene scene = sceneOf(type);
+    const T& location = body.locationInSystem(scene.activeState, scene.arm);
+    EXPECT_TRUE(location.approxEq(seat * frame, 1e-12)) << body.token().text();
+  };
+  const KtQuadrilateralTypeLink fixed = linkageOf(0);
+  const KtQuadrilateralTypeLink pivoted = linkageOf(1);
+  const T pivot(KtVector(1.0, 0.0, 0.25), KtOrientation());
+  check(KtQuadrilateralFixedSliderJointOAObject(), 0, pivot);
+  check(KtQuadrilateralFixedSliderJointCBObject(), 0, fixed.frameBTransform(0.0));
+  check(KtQuadrilateralPivotedSliderJointBObject(), 1, pivoted.frameBTransform(0.0));
+  check(KtQuadrilateralPivotedSliderJointCObject(), 1, pivoted.frameCTransform(0.0));
+}
+
+TEST(GeneralBoundObject, RepeatsItsLastPlaceWhereNothingFits) {
+  KtQuadrilateralPivotedSliderJointBObject body;
+  const std::string name = "KtQuadrilateralPivotedSliderJointBObject::location - ";
+  Scene scene = sceneOf(1);
+  body.setlinkIdentifier("boom");
+  const T before = body.locationInSystem(scene.activeState, scene.arm);
+  EXPECT_NE(before, T());
+  const auto expectMessage = [&](Scene& in, const std::string& message) {
+    const KtLogCapture log;
+    EXPECT_EQ(body.locationInSystem(in.activeState, in.arm), before);
+    ASSERT_EQ(log.messages().size(), 1U);
+    EXPECT_EQ(log.messages()[0], (KtLogCapture::Message{Kt::Print::kError, name + message}));
+  };
+  body.setlinkIdentifier("nobody");
+  expectMessage(scene, "invalid link identifier.\n");
+  body.setlinkIdentifier("other");
+  expectMessage(scene, "link kinematics must be of type KtQuadrilateralTypeLink.\n");
+  body.setlinkIdentifier("boom");
+  Scene fixed = sceneOf(0);
+  expectMessage(fixed, "incompatible joint type. PIVOTED_SLIDER expected.\n");
+  scene.activeState.setPositionState(KtPositionState());
+  expectMessage(scene, "out of range index.\n");
+  KtQuadrilateralFixedSliderJointOAObject fixedBody;
+  fixedBody.setlinkIdentifier("boom");
+  const KtLogCapture log;
+  EXPECT_EQ(fixedBody.locationInSystem(scene.activeState, scene.arm), T());
+  EXPECT_TRUE(log.contains(
+      "KtQuadrilateralFixedSliderJointOAObject::location - incompatible joint type. FIXED_SLIDER "
+      "expected.\n"));
+}
+
+}  // namespace

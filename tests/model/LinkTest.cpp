@@ -1,0 +1,351 @@
+#include <gmock/gmock.h>
+
+#include <map>
+#include <memory>
+#include <numbers>
+
+#include "support/KtLogCapture.h"
+#include "support/Random.h"
+#include "support/Trees.h"
+
+namespace {
+
+using Link = KtManipulatorLink;
+using Mass = KtRigidBodyMassProperties;
+using T = KtCoordinateSystemTransformation;
+using namespace sampling;
+using Links = Seeded;
+using testing::ElementsAre;
+
+Link labelled(const std::string& label) {
+  Link link;
+  link.setLabel(label);
+  return link;
+}
+
+// Everything that must hold between a link, its children and its shapes after any change.
+void expectSound(const Link& link) {
+  for (const Link& child : link.childLinks().vectorContainer()) {
+    EXPECT_EQ(child.parentLink(), &link);
+    expectSound(child);
+  }
+  for (KtU32 i = 0; i < link.numShapes(); ++i) {
+    ASSERT_NE(link.shapeByIndex(i), nullptr);
+    if (!link.linkReferenceDescription().isShapeReferenced()) {
+      EXPECT_EQ(link.shapeByIndex(i)->link(), &link);
+    }
+  }
+  EXPECT_EQ(link.shapeByIndex(link.numShapes()), nullptr);
+}
+
+// R with the children P, which has the child S, and Q.
+Link smallTree() {
+  Link p = labelled("P");
+  p.addChild(labelled("S"));
+  Link r = labelled("R");
+  r.addChild(p);
+  r.addChild(labelled("Q"));
+  return r;
+}
+
+TEST_F(Links, MappingNumbersInPreOrder) {
+  Link tree = smallTree();
+  EXPECT_EQ(tree.linkIndex(), ktUnmappedIndex);
+  EXPECT_EQ(tree.subtreeLinkCount(), 4U);
+  Link::LinkTable links;
+  Link::LabelTable labels;
+  EXPECT_TRUE(tree.mapLinks(links, labels));
+  std::string order;
+  for (std::size_t i = 0; i < links.size(); ++i) {
+    order += links[i]->label();
+    EXPECT_EQ(links[i]->linkIndex(), i);
+    EXPECT_EQ(labels.at(links[i]->label()), links[i]);
+  }
+  EXPECT_EQ(order, "RPSQ");
+  Link::LinkTable leaves;
+  tree.collectLeafLinks(leaves);
+  ASSERT_EQ(leaves.size(), 2U);
+  EXPECT_EQ(leaves[0]->label() + leaves[1]->label(), "SQ");
+  // Two links of one label: the table has the later one.
+  tree.addChild(labelled("S"));
+  links.clear();
+  labels.clear();
+  tree.mapLinks(links, labels);
+  EXPECT_EQ(links.size(), 5U);
+  EXPECT_EQ(labels.at("S"), links[4]);
+}
+
+TEST_F(Links, WholeTreesAreRelabelledAndExtended) {
+  Link tree = smallTree();
+  KtU32 counter = 3;
+  tree.relabelSubtree("a", counter);
+  tree.appendToAllLabels("!");
+  EXPECT_EQ(counter, 7U);
+  EXPECT_EQ(tree.childLinks()[0].childLinks()[0].label(), "a5!");
+  tree.addLinkToEndOfChain(labelled("end"));
+  EXPECT_EQ(tree.childLinks()[0].childLinks()[0].childLinks()[0].label(), "end");
+  EXPECT_EQ(tree.childLinks()[1].childLinks().size(), 0U);
+  expectSound(tree);
+  tree.clearChildLinks();
+  EXPECT_EQ(tree.subtreeLinkCount(), 1U);
+}
+
+TEST_F(Links, CopiesStandAlone) {
+  auto original = std::make_unique<Link>(smallTree());
+  original->setShape(KtSphereShape());
+  original->setJointActuator(KtJointActuator::defaultObject());
+  Link parent = labelled("parent");
+  original->setParentLink(&parent);
+  KtIndividualManipulator manipulator;
+  original->setManipulatorPointer(&manipulator);
+  Link copy(*original);
+  EXPECT_EQ(copy, *original);
+  EXPECT_EQ(copy.parentLink(), &parent);
+  EXPECT_EQ(copy.manipulator(), nullptr);
+  Link assigned = labelled("old");
+  assigned.setShape(KtBoxShape());
+  assigned.addChild(labelled("gone"));
+  assigned = *original;
+  Link& self = assigned;
+  assigned = self;
+  EXPECT_EQ(assigned, *original);
+  Link bare;
+  bare.copyAllButChildLinksFrom(*original);
+  EXPECT_EQ(bare.childLinks().size(), 0U);
+  EXPECT_EQ(bare.label(), "R");
+  // A part of itself may be assigned.
+  Link whole = copy;
+  whole = whole.childLinks()[0];
+  EXPECT_EQ(whole.label(), "P");
+  Link narrowed = copy;
+  narrowed.setChildLinks(narrowed.childLinks()[0].childLinks());
+  EXPECT_EQ(narrowed.childLinks()[0].label(), "S");
+  original.reset();
+  for (const Link* link : {&copy, &assigned, &bare, &whole, &narrowed}) expectSound(*link);
+  EXPECT_EQ(copy.numShapes(), 1U);
+  copy.copyAllButChildLinksFrom(copy);
+  EXPECT_EQ(copy.childLinks().size(), 0U);
+}
+
+TEST_F(Links, MassIsTheSumOfWhatIsThere) {
+  Link link = trees::randomLink("link");
+  const Mass base = link.baseMassProperties();
+  const Mass load = Mass::uniformSolidSphere(3.0, 0.1);
+  const auto expectTotal = [&link](const Mass& total) {
+    EXPECT_TRUE(link.massProperties().approxEq(total, 1e-14));
+    Mass moved = total;
+    moved.transformBy(link.primaryFrame());
+    EXPECT_TRUE(link.massPropertiesInDHFrame().approxEq(moved, 1e-13));
+  };
+  link.addMassProperties("load", load);
+  expectTotal(base + load);
+  const KtStatedSystemStruct nobody;
+  EXPECT_EQ(&link.massProperties(&nobody), &link.massProperties());
+  link.setBaseMassProperties(load);
+  expectTotal(load + load);
+  EXPECT_FALSE(link.deleteMassProperties("cargo"));
+  EXPECT_TRUE(link.deleteMassProperties("load"));
+  expectTotal(load);
+  link.addMassProperties("load", base);
+  link.setPrimaryFrame(randomTransformation());
+  expectTotal(load + base);
+  link.setMassProperties(base);
+  EXPECT_EQ(link.massPropertiesMap().size(), 0U);
+  expectTotal(base);
+  // A replacement works and says that it didn't.
+  Link tree = smallTree();
+  EXPECT_FALSE(tree.replaceMassProperties("S", load));
+  EXPECT_EQ(tree.childLinks()[0].childLinks()[0].massProperties(), load);
+  EXPECT_FALSE(tree.replaceJointActuator("Q", KtJointActuator::defaultObject()));
+  EXPECT_EQ(tree.childLinks()[1].jointActuator(), KtJointActuator::defaultObject());
+}
+
+TEST_F(Links, MovingThePrimaryFrameLeavesTheBody) {
+  Link link = trees::randomLink("link");
+  link.setShape(KtBoxShape());
+  const Mass before = link.massPropertiesInDHFrame();
+  const KtVector corner = link.primaryFrame() * link.shapeByIndex(0)->supportPoint({1.0, 2.0, 3.0});
+  const KtVector direction = link.primaryFrame().orientation() * KtVector(1.0, 2.0, 3.0);
+  const T frame = randomTransformation();
+  EXPECT_TRUE(link.transformPrimaryFrame(frame));
+  EXPECT_EQ(link.primaryFrame(), frame);
+  EXPECT_TRUE(link.massPropertiesInDHFrame().approxEq(before, 1e-12));
+  const KtVector there = frame.orientation().inverse() * direction;
+  EXPECT_TRUE((frame * link.shapeByIndex(0)->supportPoint(there)).approxEq(corner, 1e-12));
+}
+
+TEST_F(Links, ScalingReachesTheTotalMassLater) {
+  Link link = trees::randomLink("link");
+  KtDenavitHartenberg joint;
+  joint.setJointType(KtDenavitHartenberg::kPrismatic);
+  joint.setPrimaryFrame(KtVector(1.0, 0.0, 0.0));
+  link.setLinkKinematicsContainer([&joint] {
+    KtLinkKinematicsContainer container;
+    container.setTopElement(joint);
+    return container;
+  }());
+  KtJointActuator actuator;
+  actuator.setUpperLimit(0.5);
+  link.setJointActuator(actuator);
+  const Mass total = link.massProperties();
+  link.addChild(link);
+  link.scaleBy(2.0);
+  EXPECT_EQ(link.massProperties(), total);
+  EXPECT_NEAR(link.baseMassProperties().mass(), 8.0 * total.mass(), 1e-12);
+  EXPECT_EQ(link.primaryFrame().translation().x, 2.0);
+  EXPECT_EQ(link.jointActuator().upperLimit(), 1.0);
+  EXPECT_EQ(link.childLinks()[0].jointActuator().upperLimit(), 1.0);
+  link.updateMassProperties();
+  EXPECT_NEAR(link.massProperties().mass(), 8.0 * total.mass(), 1e-12);
+}
+
+TEST_F(Links, LimitsBecomeConstraintsOnTheState) {
+  KtIndividualManipulator arm = trees::randomManipulator(6);
+  KtPositionState state;
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) state.jointPositions().pushBack(uniform());
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    const std::string label = arm.linkByIndex(i)->label();
+    EXPECT_TRUE(arm.setJointLimit(label, false, 0.5));
+    EXPECT_TRUE(arm.setJointLimit(label, true, -0.25));
+    const Link& link = *arm.linkByIndex(i);
+    const double q = state.jointPositions()[i];
+    const KtBaseStateConstraint& upper = link.upperLimitConstraint();
+    EXPECT_DOUBLE_EQ(upper.evaluate(state), 0.5 - q);
+    EXPECT_DOUBLE_EQ(link.lowerLimitConstraint().evaluate(state), q + 0.25);
+    EXPECT_TRUE(arm.setJointLimit(label, false, 0.75));
+    EXPECT_DOUBLE_EQ(upper.evaluate(state), 0.75 - q);
+    // In a copy that stands at another place the constraint follows it.
+    KtIndividualManipulator other;
+    other.addChild(link);
+    EXPECT_DOUBLE_EQ(other.linkByIndex(0)->upperLimitConstraint().evaluate(state),
+                     0.75 - state.jointPositions()[0]);
+  }
+  EXPECT_FALSE(arm.setJointLimit("nobody", false, 1.0));
+  // A link without a place weighs no joint.
+  Link alone;
+  alone.jointActuator();
+  EXPECT_EQ(alone.upperLimitConstraint().evaluate(state), 1e300);
+  // An explicit constraint hides the actuator's limit.
+  alone.setUpperLimitConstraint(arm.linkByIndex(2)->upperLimitConstraint());
+  EXPECT_DOUBLE_EQ(alone.upperLimitConstraint().evaluate(state), 0.75 - state.jointPositions()[2]);
+}
+
+TEST_F(Links, ShapesAreNumberedAndGiveTheirSurfaces) {
+  Link link = labelled("link");
+  KtLogCapture log;
+  EXPECT_EQ(&link.physicalExtent(), &Link::m_theDummyPhysicalExtent);
+  link.estimateMassProperties();
+  EXPECT_EQ(log.text(),
+            "KtManipulatorLink::physicalExtent()-->empty shape container\n"
+            "KtManipulatorLink::estimateMassProperties-->Shape container is empty\n");
+  EXPECT_EQ(link.massProperties(), Mass::defaultObject());
+  EXPECT_EQ(link.numShapesInPhysicalRepresentation(), 0U);
+
+  KtSphereShape ball;
+  ball.setIdentifier("ball");
+  ball.setSurfaceLabel("rubber");
+  link.setShape(ball);
+  EXPECT_EQ(link.numShapes(), 1U);
+  EXPECT_EQ(link.shapeByIdentifier("ball"), link.shapeByIndex(0));
+  EXPECT_EQ(link.getNthNonBoundingShape(9), link.shapeByIndex(0));
+  EXPECT_TRUE(link.addBoundingVolume(KtShape::kBox));
+  EXPECT_EQ(link.numberOfShapes(), 2U);
+  expectSound(link);
+  KtSurfaceMap surfaces;
+  KtDataMap data;
+  data.add("grip", 3.0);
+  surfaces.add(std::string("rubber"), data);
+  Link parent = labelled("parent");
+  parent.addChild(link);
+  EXPECT_FALSE(parent.setSurfaces("link", 2, surfaces));
+  EXPECT_TRUE(parent.setSurfaces("link", 0, surfaces));
+  const KtDataMap* found = nullptr;
+  EXPECT_TRUE(parent.childLinks()[0].lookup("rubber", found));
+  EXPECT_EQ(*found, data);
+  EXPECT_FALSE(parent.lookup("rubber", found));
+  EXPECT_EQ(parent.childLinks()[0].lookupCollisionAvoidanceMetric(), 1.0);
+  data.add("ktCollisionAvoidanceMetric", 7.0);
+  Link child = parent.childLinks()[0];
+  EXPECT_TRUE(child.setSurfaceProperties("rubber", data));
+  EXPECT_EQ(child.lookupCollisionAvoidanceMetric(), 7.0);
+  link.deleteAllBoundingVolumes();
+  EXPECT_EQ(link.numberOfShapes(), 1U);
+  expectSound(link);
+  link.setShapeContainer(KtShapeContainer());
+  EXPECT_EQ(link.shapeByIdentifier("ball"), nullptr);
+  expectSound(link);
+}
+
+TEST_F(Links, NamedPointsAndFramesKeepTheirFirstValue) {
+  Link link;
+  KtLogCapture log;
+  link.addNamedPoint("tip", {1.0, 2.0, 3.0});
+  link.addNamedPoint("tip", {4.0, 5.0, 6.0});
+  link.addNamedFrame("tool", T(KtVector(1.0, 0.0, 0.0)));
+  link.addNamedFrame("tool", T());
+  EXPECT_EQ(log.text(),
+            "KtManipulatorLink::addNamedPoint point already exists\n"
+            "KtManipulatorLink::addNamedFrame frame already exists\n");
+  KtVector point(9.0, 9.0, 9.0);
+  T frame;
+  EXPECT_FALSE(link.lookupNamedPoint("end", point));
+  EXPECT_EQ(point.x, 9.0);
+  EXPECT_TRUE(link.lookupNamedPoint("tip", point));
+  EXPECT_EQ(point, KtVector(1.0, 2.0, 3.0));
+  EXPECT_TRUE(link.lookupNamedFrame("tool", frame));
+  EXPECT_EQ(frame.translation().x, 1.0);
+}
+
+TEST_F(Links, PropertiesAreReplacedAndTheActuatorIsBound) {
+  Link source = trees::randomLink("source");
+  source.setShape(KtSphereShape());
+  source.addNamedPoint("tip", {1.0, 2.0, 3.0});
+  KtJointActuator actuator;
+  actuator.setUpperLimit(0.5);
+  source.setJointActuator(actuator);
+  KtIndividualManipulator arm = trees::randomManipulator(5);
+  const std::string label = arm.linkByIndex(3)->label();
+  EXPECT_FALSE(arm.replaceLinkProperties("nobody", source, true));
+  EXPECT_TRUE(arm.replaceLinkProperties(label, source, true));
+  const Link& target = *arm.linkByIndex(3);
+  EXPECT_EQ(target.label(), label);
+  EXPECT_EQ(target.massProperties(), source.massProperties());
+  EXPECT_EQ(target.namedPoints(), source.namedPoints());
+  EXPECT_EQ(target.numShapes(), 1U);
+  expectSound(target);
+  // Its limit is one of its own joint, and its actuator reads its own entry of a state.
+  KtPositionState state;
+  state.jointPositions().assign(5, 0.0);
+  state.jointPositions()[3] = 0.25;
+  EXPECT_EQ(target.upperLimitConstraint().evaluate(state), 0.25);
+  KtManipulatorActiveState active;
+  active.setPositionState(state);
+  KtVelocityState velocity;
+  velocity.jointVelocities().assign(5, 0.0);
+  active.setVelocityState(velocity);
+  KtAccelerationState acceleration;
+  acceleration.resize(5);
+  active.setAccelerationState(acceleration);
+  target.jointActuator().initializeActuatorStates(active);
+  EXPECT_EQ(active.actuatorState().motorPositions()[3], 0.25);
+  Link copy;
+  source.copyLinkProperties(copy);
+  EXPECT_EQ(copy.label(), "source");
+  EXPECT_EQ(copy.shapeContainer(), source.shapeContainer());
+}
+
+TEST_F(Links, ActuatorsOfOlderFilesAreTakenOver) {
+  const std::string document = R"(<manipulatorLink>
+      <jointActuator><upperLimit>0.5</upperLimit><maxTorque>7</maxTorque></jointActuator>
+      <identifier>old</identifier>
+    </manipulatorLink>)";
+  Link link;
+  ASSERT_TRUE(KtXmlReader::readString(document, link));
+  EXPECT_EQ(link.jointActuator().upperLimit(), 0.5);
+  EXPECT_EQ(link.jointActuator().maxTorque(), 7.0);
+  const std::string written = KtXmlWriter::writeString(link);
+  EXPECT_EQ(written.find("<jointActuator>"), std::string::npos);
+  EXPECT_NE(written.find("compositeJointActuator"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,422 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <memory>
+#include <numbers>
+
+#include "support/KtLogCapture.h"
+#include "support/Random.h"
+#include "support/Trees.h"
+
+namespace {
+
+using Arm = KtIndividualManipulator;
+using Link = KtManipulatorLink;
+using T = KtCoordinateSystemTransformation;
+using namespace sampling;
+using Manipulators = Seeded;
+using testing::ElementsAre;
+
+// A plain model of a tree: labels, and the place of each parent in the list, in pre-order.
+struct Node {
+  std::string label;
+  std::vector<Node> children;
+};
+
+void flatten(const Node& node, std::vector<std::string>& labels) {
+  labels.push_back(node.label);
+  for (const Node& child : node.children) flatten(child, labels);
+}
+
+Link linkOf(const Node& node) {
+  Link link = trees::randomLink(node.label);
+  for (const Node& child : node.children) link.addChild(linkOf(child));
+  return link;
+}
+
+Node* nth(Node& node, int& n) {
+  if (n-- == 0) return &node;
+  for (Node& child : node.children) {
+    if (Node* found = nth(child, n)) return found;
+  }
+  return nullptr;
+}
+
+// All that the tables must say of the tree.
+void expectMapped(const Arm& arm, const Node& model) {
+  std::vector<std::string> labels;
+  flatten(model, labels);
+  ASSERT_EQ(arm.jointDof() + 1, labels.size());
+  EXPECT_EQ(arm.totalDof(), arm.isFixedBase() ? arm.jointDof() : arm.jointDof() + 6);
+  EXPECT_EQ(arm.linkByIndex(ktBaseIndex), &arm);
+  EXPECT_EQ(arm.linkByIndex(arm.jointDof()), nullptr);
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    const Link* link = arm.linkByIndex(i);
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(link->label(), labels[i + 1]);
+    EXPECT_EQ(link->linkIndex(), i);
+    EXPECT_EQ(link->manipulator(), &arm);
+    ASSERT_NE(link->parentLink(), nullptr);
+    const auto first = std::find(labels.begin() + 1, labels.end(), link->label());
+    EXPECT_EQ(arm.linkIndexByIdentifier(link->label()), first - labels.begin() - 1);
+    const auto last = std::find(labels.rbegin(), labels.rend(), link->label());
+    const auto lastIndex = static_cast<KtU32>(labels.rend() - last - 2);
+    EXPECT_EQ(arm.linkByIdentifier(link->label()), arm.linkByIndex(lastIndex));
+  }
+}
+
+TEST_F(Manipulators, TablesFollowEveryEdit) {
+  for (int trial = 0; trial < 20; ++trial) {
+    Node model{"base", {}};
+    Arm arm;
+    arm.changeLinkLabel("", "base");
+    for (int step = 0; step < 30; ++step) {
+      std::vector<std::string> labels;
+      flatten(model, labels);
+      int place = static_cast<int>(uniform(0.0, static_cast<double>(labels.size()) - 0.001));
+      Node* node = nth(model, place);
+      const std::string before = node->label;
+      const std::string number = std::to_string(step);
+      const Node fresh{"n" + number, {{"m" + number, {}}, {"k" + number, {}}}};
+      switch (static_cast<int>(uniform(0.0, 5.999))) {
+        case 0:
+          model.children.push_back(fresh);
+          arm.addChild(linkOf(fresh));
+          break;
+        case 1: {
+          Node* end = &model;
+          while (!end->children.empty()) end = &end->children.front();
+          end->children.push_back(fresh);
+          arm.addLinkToEndOfChain(linkOf(fresh));
+          break;
+        }
+        case 2:
+          node->label = fresh.label;
+          EXPECT_TRUE(arm.changeLinkLabel(before, fresh.label));
+          break;
+        case 3:
+          if (node != &model) {
+            *node = fresh;
+            EXPECT_TRUE(arm.replaceLinkAndChildren(before, linkOf(fresh)));
+          }
+          break;
+        case 4:
+          if (step % 7 == 0) {
+            model.children.clear();
+            arm.clearChildLinks();
+          }
+          break;
+        default: {
+          // A copy is as good as the original, also after that is gone.
+          auto copy = std::make_unique<Arm>(arm);
+          arm = Arm();
+          arm = *copy;
+          break;
+        }
+      }
+      expectMapped(arm, model);
+    }
+    EXPECT_FALSE(arm.changeLinkLabel("nobody", "somebody"));
+    EXPECT_FALSE(arm.replaceLinkAndChildren("nobody", Link()));
+    EXPECT_EQ(arm.linkIndexByIdentifier("nobody"), ktUnmappedIndex);
+    EXPECT_EQ(arm.linkIndexByIdentifier(model.label), ktBaseIndex);
+  }
+}
+
+TEST_F(Manipulators, OneLabelLeadsToTheFirstIndexAndTheLastLink) {
+  Arm arm;
+  arm.addChild(trees::randomLink("twin"));
+  arm.addChild(trees::randomLink("twin"));
+  EXPECT_EQ(arm.linkIndexByIdentifier("twin"), 0U);
+  EXPECT_EQ(arm.linkByIdentifier("twin"), arm.linkByIndex(1));
+  EXPECT_TRUE(arm.replaceLinkPrimaryFrame(0, KtVector(1.0, 2.0, 3.0)));
+  EXPECT_EQ(arm.linkByIndex(1)->primaryFrame(), T(KtVector(1.0, 2.0, 3.0)));
+  EXPECT_FALSE(arm.replaceLinkPrimaryFrame(2, T()));
+}
+
+TEST_F(Manipulators, BadLabelsAreReported) {
+  Arm arm = trees::randomManipulator(3);
+  KtLogCapture log;
+  EXPECT_FALSE(arm.transformPrimaryFrame("nobody", T()));
+  EXPECT_EQ(log.text(), "KtIndividualManipulator::transformPrimaryFrame()->bad link label, nobody");
+  log.clear();
+  EXPECT_FALSE(arm.transformLinkSubtreeBy("nobody", T()));
+  EXPECT_FALSE(arm.transformLinkComponentsBy("nobody", T()));
+  EXPECT_FALSE(arm.replaceLinkShape("nobody", KtSphereShape()));
+  EXPECT_FALSE(arm.aboutToModifyLink("nobody"));
+  EXPECT_FALSE(arm.setBoundingVolume("nobody", KtSphereShape()));
+  EXPECT_EQ(log.text(), "");
+}
+
+TEST_F(Manipulators, SelfCollisionIsWhatTheMapSays) {
+  Arm arm = trees::randomManipulator(6);
+  arm.buildSelfCollisionLinkMap();
+  const KtU32 n = arm.jointDof();
+  const auto index = [n](KtU32 i) { return i < n ? i : ktBaseIndex; };
+  KtLogCapture log;
+  for (KtU32 i = 0; i <= n; ++i) {
+    for (KtU32 j = 0; j <= n; ++j) EXPECT_FALSE(arm.canCollide(index(i), index(j)));
+  }
+  KtManipulatorSelfCollisionLinkMap map = arm.selfCollisionLinkMap();
+  map.setAllAsCollisionCandidates();
+  const std::string off = arm.linkByIndex(2)->label();
+  map.setLinkCollisionCanditateByIdentifier(off, "base", false);
+  arm.setSelfCollisionLinkMap(map);
+  for (KtU32 i = 0; i <= n; ++i) {
+    for (KtU32 j = 0; j <= n; ++j) {
+      const bool excluded = (i == 2 && j == n) || (i == n && j == 2);
+      EXPECT_EQ(arm.canCollide(index(i), index(j)), i != j && !excluded) << i << ", " << j;
+    }
+  }
+  EXPECT_EQ(log.text(), "");
+  EXPECT_FALSE(arm.canCollide(n + 1, 0));
+  EXPECT_EQ(log.text(),
+            "KtIndividualManipulator::canCollide(): indices (7,0) out of range.  Returning "
+            "False.\n");
+  KtU32 low = 3;
+  KtU32 base = ktBaseIndex;
+  EXPECT_TRUE(arm.makeIndicesCompatible(low, base));
+  EXPECT_EQ(low, ktBaseIndex);
+  EXPECT_EQ(base, 3U);
+}
+
+// Two links of equal balls and one of a box, in a chain.
+Arm armWithTwins() {
+  Link a = trees::randomLink("a");
+  Link b = trees::randomLink("b");
+  Link c = trees::randomLink("c");
+  a.setShape(KtSphereShape());
+  b.setShape(KtBoxShape());
+  c.setShape(KtSphereShape());
+  Arm arm;
+  arm.setLabel("arm");
+  arm.addLinkToEndOfChain(a);
+  arm.addLinkToEndOfChain(b);
+  arm.addLinkToEndOfChain(c);
+  return arm;
+}
+
+TEST_F(Manipulators, LinksShareEqualShapesUntilOneChanges) {
+  auto original = std::make_unique<Arm>(armWithTwins());
+  EXPECT_TRUE(original->findAndConvertToReferences());
+  Arm arm(*original);
+  original.reset();
+  const Link& a = *arm.linkByIndex(0);
+  const Link& c = *arm.linkByIndex(2);
+  EXPECT_FALSE(arm.linkByIndex(1)->linkReferenceDescription().isShapeReferenced());
+  ASSERT_TRUE(c.linkReferenceDescription().isShapeReferenced());
+  EXPECT_EQ(c.memberShapeContainer().topElement(), nullptr);
+  EXPECT_EQ(&c.shapeContainer(), &a.shapeContainer());
+  EXPECT_EQ(c.shapeByIndex(0), a.shapeByIndex(0));
+  EXPECT_EQ(c.numShapes(), 1U);
+  // The same through a file.
+  Arm read;
+  ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(arm), read));
+  EXPECT_EQ(read, arm);
+  EXPECT_EQ(&read.linkByIndex(2)->shapeContainer(), &read.linkByIndex(0)->shapeContainer());
+  // Before the target goes, the other gets shapes of its own.
+  EXPECT_TRUE(arm.replaceLinkAndChildren("a", [] {
+    Link link = trees::randomLink("a");
+    Link child = trees::randomLink("c");
+    KtLinkReferenceDescription description;
+    description.setIsShapeReferenced(true);
+    description.setReferencedLinkLabel("a");
+    child.setLinkReferenceDescription(description);
+    link.addChild(child);
+    return link;
+  }()));
+  EXPECT_EQ(arm.linkByIndex(1)->shapeContainer().topElement(), nullptr);
+  EXPECT_TRUE(read.aboutToModifyLink("a"));
+  EXPECT_FALSE(read.linkByIndex(2)->linkReferenceDescription().isShapeReferenced());
+  EXPECT_EQ(read.linkByIndex(2)->linkReferenceDescription().referencedLinkLabel(), "a");
+  EXPECT_NE(read.linkByIndex(2)->memberShapeContainer().topElement(), nullptr);
+}
+
+TEST_F(Manipulators, BadReferencesFallBackToTheLinkItself) {
+  Arm arm = armWithTwins();
+  const auto refer = [&arm](const std::string& from, const std::string& to) {
+    KtLinkReferenceDescription description;
+    description.setIsShapeReferenced(true);
+    description.setReferencedLinkLabel(to);
+    arm.linkByIdentifier(from)->setLinkReferenceDescription(description);
+  };
+  KtLogCapture log;
+  refer("a", "nobody");
+  arm.mapManipulator();
+  EXPECT_EQ(log.text(),
+            "KtManipulatorLink::setLinkReference(): could not find link with label nobody for "
+            "referencing.  Using self.");
+  EXPECT_EQ(&arm.linkByIndex(0)->shapeContainer(), &arm.linkByIndex(0)->memberShapeContainer());
+  // A circle ends at the links themselves, a chain at its end.
+  refer("a", "b");
+  refer("b", "a");
+  refer("c", "a");
+  log.clear();
+  arm.mapManipulator();
+  EXPECT_NE(log.text(), "");
+  for (KtU32 i = 0; i < 3; ++i) EXPECT_EQ(arm.linkByIndex(i)->numberOfShapes(), 1U);
+  arm.linkByIdentifier("b")->removeLinkReferences();
+  log.clear();
+  arm.mapManipulator();
+  EXPECT_EQ(log.text(), "");
+  EXPECT_EQ(&arm.linkByIndex(2)->shapeContainer(), &arm.linkByIndex(1)->memberShapeContainer());
+  EXPECT_TRUE(arm.linkByIdentifier("c")->removeLinkReferences());
+  EXPECT_EQ(arm.linkByIndex(2)->memberShapeContainer(), arm.linkByIndex(1)->memberShapeContainer());
+}
+
+TEST_F(Manipulators, ManipulatorsStandForOthers) {
+  KtXmlVectorType<Arm> all;
+  all.pushBack(trees::randomManipulator(4));
+  Arm stand;
+  stand.setLabel("stand");
+  KtManipulatorReferenceDescription description;
+  description.setIsManipulatorReferenced(true);
+  description.setReferencedManipulatorLabel("base");
+  stand.setManipulatorReferenceDescription(description);
+  all.pushBack(stand);
+  EXPECT_FALSE(all[0].configureManipulatorReference(all));
+  EXPECT_TRUE(all[1].configureManipulatorReference(all));
+  EXPECT_EQ(all[1].jointDof(), 4U);
+  EXPECT_EQ(&all[1].childLinks(), &all[0].childLinks());
+  EXPECT_EQ(all[1].linkByIndex(2), all[0].linkByIndex(2));
+  EXPECT_EQ(all[1].linkByIndex(ktBaseIndex), &all[1]);
+  EXPECT_EQ(all[1].linkByIdentifier("stand"), &all[0]);
+  const Arm copy = all[1];
+  EXPECT_EQ(copy.referenceManipulator(), &copy);
+  EXPECT_EQ(copy.jointDof(), 0U);
+  // In a circle one stands for itself.
+  description.setReferencedManipulatorLabel("stand");
+  all[0].setManipulatorReferenceDescription(description);
+  EXPECT_TRUE(all[1].configureManipulatorReference(all));
+  EXPECT_FALSE(all[0].configureManipulatorReference(all));
+  EXPECT_EQ(all[0].referenceManipulator(), &all[0]);
+  EXPECT_EQ(&all[1].childLinks(), &all[0].childLinks());
+}
+
+TEST_F(Manipulators, PrimaryFramesBecomeTheIdentityAroundTheSameBodies) {
+  Arm arm = armWithTwins();
+  arm.setLinkReferenceDescription(arm.linkReferenceDescription());
+  arm.replaceLinkPrimaryFrame("c", arm.linkByIndex(0)->primaryFrame());
+  arm.findAndConvertToReferences();
+  std::vector<KtRigidBodyMassProperties> before;
+  for (KtU32 i = 0; i < 3; ++i) before.push_back(arm.linkByIndex(i)->massPropertiesInDHFrame());
+  const KtVector point =
+      arm.linkByIndex(2)->primaryFrame() *
+      arm.linkByIndex(2)->shapeByIndex(0)->boundingCapsule().lineSegment().endpoint0();
+  EXPECT_TRUE(arm.transformAllPrimaryFramesToIdentity());
+  for (KtU32 i = 0; i < 3; ++i) {
+    EXPECT_EQ(arm.linkByIndex(i)->primaryFrame(), T());
+    EXPECT_TRUE(arm.linkByIndex(i)->massPropertiesInDHFrame().approxEq(before[i], 1e-12)) << i;
+  }
+  EXPECT_TRUE(
+      arm.linkByIndex(2)->shapeByIndex(0)->boundingCapsule().lineSegment().endpoint0().approxEq(
+          point, 1e-12));
+}
+
+TEST_F(Manipulators, CraigParametersAreCollected) {
+  Arm arm;
+  const auto add = [&arm](unsigned type, const T& precursor) {
+    KtDenavitHartenberg joint;
+    joint.setDhType(type);
+    joint.setPrecursor(precursor);
+    joint.setDhA(1.0);
+    joint.setDhAlpha(2.0);
+    joint.setDhD(3.0);
+    Link link;
+    link.setLinkKinematics(joint);
+    arm.addLinkToEndOfChain(link);
+  };
+  add(KtDenavitHartenberg::kCraig, randomTransformation());
+  add(KtDenavitHartenberg::kGeneralCraig, T());
+  add(KtDenavitHartenberg::kGeneralCraig, randomTransformation());
+  std::vector<double> parameters = {9.0};
+  EXPECT_TRUE(arm.getCraigDhParameters(parameters));
+  EXPECT_THAT(parameters, ElementsAre(1.0, 2.0, 3.0, 1.0, 2.0, 3.0));
+  add(KtDenavitHartenberg::kPaul, T());
+  EXPECT_FALSE(arm.getCraigDhParameters(parameters));
+  EXPECT_EQ(parameters.size(), 6U);
+}
+
+TEST_F(Manipulators, BoundingVolumesGoAroundOwnShapes) {
+  Arm arm = armWithTwins();
+  arm.findAndConvertToReferences();
+  arm.addBoundingBoxToLinks();
+  arm.addBoundingBoxToLinks();
+  arm.addCapsuleBoundingVolumeToLinks();
+  // The exact box is a box already.
+  EXPECT_EQ(arm.linkByIndex(0)->numberOfShapes(), 3U);
+  EXPECT_EQ(arm.linkByIndex(1)->numberOfShapes(), 2U);
+  EXPECT_EQ(arm.linkByIndex(2)->numShapes(), arm.linkByIndex(0)->numShapes());
+  KtDataMap data;
+  data.add("grip", 2.0);
+  Arm simple = arm;
+  simple.simplifyLinkShapesWithCapsules(data);
+  const KtShape* shape = simple.linkByIndex(1)->shapeByIndex(0);
+  ASSERT_NE(shape, nullptr);
+  EXPECT_EQ(shape->shapeType(), KtShape::kCapsule);
+  const KtDataMap* found = nullptr;
+  EXPECT_TRUE(simple.linkByIndex(1)->lookup("Bounding", found));
+  EXPECT_EQ(*found, data);
+  Arm hulls = arm;
+  hulls.deleteAllBoundingVolumes();
+  Arm empty = hulls;
+  hulls.simplifyLinkShapesWithConvexHulls(data);
+  EXPECT_EQ(hulls.linkByIndex(1)->shapeByIndex(0)->shapeType(), KtShape::kConvexHull);
+  empty.simplifyLinkShapesWithBoundingVolumes(data, false);
+  EXPECT_EQ(empty.linkByIndex(1)->numShapes(), 0U);
+  // One volume of the caller's choice, with the contact properties of what it bounds.
+  const std::string spring = KtFoundCommon::KtSurfaceTensionSpringConstantToken.text();
+  KtDataMap surface;
+  surface.add(spring, 500.0);
+  KtSurfaceMap surfaces;
+  surfaces.add(arm.linkByIndex(1)->shapeByIndex(0)->surfaceLabel(), surface);
+  EXPECT_TRUE(arm.setSurfacesByIDs(1, 0, surfaces));
+  EXPECT_FALSE(arm.setSurfacesByIDs(ktBaseIndex, 0, surfaces));
+  EXPECT_TRUE(arm.setBoundingVolume("b", KtSphereShape()));
+  const KtShape* volume = arm.linkByIndex(1)->shapeByIndex(0)->outerBoundingVolume();
+  ASSERT_NE(volume, nullptr);
+  EXPECT_EQ(volume->shapeType(), KtShape::kSphere);
+  double value = 0.0;
+  ASSERT_NE(volume->defaultSurface(), nullptr);
+  EXPECT_TRUE(volume->defaultSurface()->lookup(spring, value));
+  EXPECT_EQ(value, 500.0);
+  EXPECT_EQ(arm.linkByIndex(1)->numberOfShapes(), 2U);
+}
+
+TEST_F(Manipulators, LinksBecomeManipulators) {
+  int next = 0;
+  Link link = trees::randomTree("link", 5, next);
+  link.setShape(KtSphereShape());
+  Arm arm = trees::randomManipulator(3);
+  arm.setIsFixedBase(false);
+  arm.setCoordSysXForm(randomTransformation());
+  arm.setFromLink(link);
+  EXPECT_EQ(arm.parentLink(), nullptr);
+  EXPECT_EQ(arm.linkIndex(), ktBaseIndex);
+  EXPECT_TRUE(arm.isFixedBase());
+  EXPECT_EQ(arm.coordSysXForm(), T());
+  EXPECT_EQ(arm.jointDof(), 5U);
+  EXPECT_GE(arm.absoluteBoundingSphere().radius(), KtSphereShape().boundingCapsule().radius());
+  // A step in time, with limits.
+  arm.setJointLimit(arm.linkByIndex(1)->label(), false, 0.05);
+  KtPositionState position;
+  position.jointPositions().assign(5, 0.0);
+  KtVelocityState velocity;
+  velocity.jointVelocities().assign(5, 1.0);
+  velocity.setGeneralVelocity({{1.0, 0.0, 0.0}, {0.0, 0.0, std::numbers::pi}});
+  KtPropagationResultData result;
+  arm.propagateState(velocity, 0.5, position, result);
+  EXPECT_EQ(position.jointPositions()[0], 0.5);
+  EXPECT_EQ(position.jointPositions()[1], 0.05);
+  EXPECT_TRUE(result.hitJointLimit());
+  EXPECT_EQ(result.linkIndexAtJointLimit(), 1U);
+  EXPECT_TRUE(position.coordSysXForm().approxEq(
+      T({0.5, 0.0, 0.0}, KtOrientation::zRotation(std::numbers::pi / 2)), 1e-15));
+  KtAccelerationState acceleration;
+  acceleration.resize(5);
+  acceleration.jointAccelerations()[2] = 4.0;
+  arm.propagateVelocityState(acceleration, 0.5, velocity);
+  EXPECT_EQ(velocity.jointVelocities()[2], 3.0);
+}
+
+}  // namespace

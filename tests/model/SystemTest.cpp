@@ -1,0 +1,416 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+
+#include "support/KtLogCapture.h"
+#include "support/Random.h"
+#include "support/Trees.h"
+
+namespace {
+
+using System = KtManipulatorSystem;
+using Arm = KtIndividualManipulator;
+using T = KtCoordinateSystemTransformation;
+using namespace sampling;
+using Systems = Seeded;
+using testing::ElementsAre;
+
+Arm armOf(const std::string& label, int links) {
+  Arm arm = trees::randomManipulator(links);
+  arm.changeLinkLabel("base", label);
+  return arm;
+}
+
+Arm referenceTo(const std::string& label, const std::string& target) {
+  KtManipulatorReferenceDescription description;
+  description.setIsManipulatorReferenced(true);
+  description.setReferencedManipulatorLabel(target);
+  Arm arm;
+  arm.setLabel(label);
+  arm.setManipulatorReferenceDescription(description);
+  return arm;
+}
+
+System systemOf(const std::vector<Arm>& arms) {
+  System system;
+  for (const Arm& arm : arms) system.addManipulator(arm);
+  return system;
+}
+
+bool isReference(const Arm& arm) {
+  return arm.manipulatorReferenceDescription().isManipulatorReferenced();
+}
+
+std::string targetOf(const System& system, KtU32 index) {
+  const auto& description = system.manipulators()[index].manipulatorReferenceDescription();
+  return description.isManipulatorReferenced() ? description.referencedManipulatorLabel() : "";
+}
+
+// What a user sees of a manipulator's links.
+std::vector<double> contentOf(const Arm& arm) {
+  std::vector<double> content;
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    content.push_back(arm.linkByIndex(i)->massProperties().mass());
+    content.push_back(arm.linkByIndex(i)->jointActuator().lowerLimit());
+  }
+  return content;
+}
+
+struct Model {
+  std::string label;
+  std::vector<double> content;
+};
+
+void expectLike(const System& system, const std::vector<Model>& model) {
+  ASSERT_EQ(system.numberOfManipulators(), model.size());
+  KtU32 joints = 0;
+  for (KtU32 i = 0; i < model.size(); ++i) {
+    const Arm& arm = system.manipulators()[i];
+    EXPECT_EQ(arm.label(), model[i].label);
+    EXPECT_EQ(arm.manipulatorIndex(), i);
+    EXPECT_EQ(contentOf(arm), model[i].content);
+    EXPECT_EQ(system.manipulatorByIdentifier(model[i].label), &arm);
+    const auto* target =
+        isReference(arm) ? system.manipulatorByIdentifier(targetOf(system, i)) : &arm;
+    EXPECT_EQ(arm.referenceManipulator(), target);
+    joints += static_cast<KtU32>(model[i].content.size() / 2);
+  }
+  EXPECT_EQ(system.jointDof(), joints);
+  EXPECT_EQ(system.jointAndBaseDof(), joints + 6 * model.size());
+}
+
+// Sharing must never show: whatever is done to one manipulator, the others look the same.
+TEST_F(Systems, SharingDoesNotShow) {
+  for (int trial = 0; trial < 15; ++trial) {
+    std::vector<Model> model;
+    System system;
+    for (int step = 0; step < 40; ++step) {
+      SCOPED_TRACE(testing::Message() << "trial " << trial << ", step " << step);
+      const std::string label = "m" + std::to_string(step);
+      const int action = static_cast<int>(uniform(0.0, 9.999));
+      const auto index = static_cast<KtU32>(uniform(0.0, static_cast<double>(model.size())));
+      if (model.empty() || action < 2) {
+        const Arm arm = armOf(label, 1 + step % 3);
+        system.addManipulator(arm);
+        model.push_back({label, contentOf(arm)});
+      } else if (action < 5) {
+        if (isReference(system.manipulators()[index])) continue;
+        system.addManipulator(referenceTo(label, model[index].label));
+        model.push_back({label, model[index].content});
+      } else if (action == 5) {
+        EXPECT_EQ(system.deleteManipulator(model[index].label), index);
+        model.erase(model.begin() + index);
+      } else if (action == 6) {
+        EXPECT_TRUE(system.deleteManipulator(index));
+        model.erase(model.begin() + index);
+      } else if (action == 7) {
+        const Arm arm = armOf(label, 2);
+        EXPECT_TRUE(uniform() < 0.0 ? system.exchangeManipulator(index, arm)
+                                    : system.exchangeManipulator(model[index].label, arm));
+        model[index] = {label, contentOf(arm)};
+      } else if (action == 8) {
+        const Arm& arm = system.manipulators()[index];
+        const std::string first = arm.linkByIndex(0)->label();
+        const double limit = uniform(-1.0, 0.0);
+        EXPECT_TRUE(system.setJointLimit(index, first, true, limit));
+        model[index].content[1] = limit;
+      } else {
+        const auto& arms = system.manipulators().vectorContainer();
+        if (std::ranges::none_of(arms, isReference)) system.findAndConvertToReferences();
+        System copy(system);
+        EXPECT_EQ(copy, system);
+        expectLike(copy, model);
+        const std::string text = KtXmlWriter::writeString(system);
+        System read;
+        EXPECT_TRUE(KtXmlReader::readString(text, read));
+        EXPECT_EQ(KtXmlWriter::writeString(read), text);
+        system = uniform() < 0.0 ? copy : read;
+        system.setManipulators(system.manipulators());
+      }
+      expectLike(system, model);
+      if (HasFailure()) return;
+    }
+  }
+}
+
+TEST_F(Systems, LinksGoToTheFirstReferrer) {
+  const std::vector<Arm> arms{armOf("P", 2), referenceTo("Q", "P"), referenceTo("R", "P")};
+  System system = systemOf(arms);
+  EXPECT_TRUE(system.aboutToModifyManipulator("P"));
+  EXPECT_EQ(targetOf(system, 1), "");
+  EXPECT_EQ(system.manipulators()[1].label(), "Q");
+  EXPECT_EQ(system.manipulators()[1].childLinks(), arms[0].childLinks());
+  EXPECT_EQ(targetOf(system, 2), "Q");
+
+  System other = systemOf(arms);
+  EXPECT_TRUE(other.aboutToModifyManipulator(1));
+  EXPECT_EQ(targetOf(other, 1), "");
+  EXPECT_EQ(targetOf(other, 2), "P");
+  EXPECT_FALSE(other.aboutToModifyManipulator("nobody"));
+}
+
+TEST_F(Systems, ReferencesResolveThroughChainsAndNotThroughCircles) {
+  System chain = systemOf({armOf("P", 3), referenceTo("Q", "P"), referenceTo("R", "Q")});
+  EXPECT_TRUE(chain.aboutToModifyManipulator(2));
+  EXPECT_EQ(chain.manipulators()[2].jointDof(), 3U);
+
+  const auto messageOf = [](const std::vector<Arm>& arms, KtU32 index) {
+    System system = systemOf(arms);
+    const KtLogCapture log;
+    EXPECT_EQ(system.aboutToModifyManipulator(index), index < arms.size());
+    EXPECT_TRUE(index >= arms.size() || isReference(system.manipulators()[index]));
+    EXPECT_EQ(system.jointDof(), 0U);
+    system.getNumberOfShapes(*std::make_unique<std::vector<std::vector<std::vector<int>>>>());
+    return log.text();
+  };
+  const std::string name = "KtManipulatorSystem::aboutToModifyManipulator(): ";
+  EXPECT_EQ(messageOf({}, 7), name + "bad index (7).\n");
+  EXPECT_EQ(messageOf({referenceTo("Q", "X")}, 0),
+            name + "could not find referenced manipulator X\n.");
+  EXPECT_EQ(messageOf({referenceTo("Q", "Q")}, 0),
+            name + "self-reference error for manipulator 0.\n" + name +
+                "could not find referenced manipulator Q\n.");
+  // One circle of three, seen from each.
+  for (KtU32 i = 0; i < 3; ++i) {
+    EXPECT_TRUE(messageOf({referenceTo("A", "B"), referenceTo("B", "C"), referenceTo("C", "A")}, i)
+                    .starts_with(name + "could not find referenced manipulator "));
+  }
+}
+
+// A reference that no longer resolves must not point to where its target was.
+TEST_F(Systems, NothingPointsToWhatWasDeleted) {
+  System system = systemOf({referenceTo("R", "X"), armOf("P", 2), referenceTo("X", "P")});
+  const KtLogCapture log;
+  EXPECT_TRUE(system.exchangeManipulator("P", referenceTo("P", "gone")));
+  EXPECT_TRUE(system.deleteManipulator(1));
+  EXPECT_EQ(system.deleteManipulator("X"), 1U);
+  EXPECT_EQ(system.deleteManipulator("X"), ktUnmappedIndex);
+  EXPECT_FALSE(system.deleteManipulator(1));
+  ASSERT_EQ(system.numberOfManipulators(), 1U);
+  const Arm& left = system.manipulators()[0];
+  EXPECT_EQ(left.referenceManipulator(), &left);
+  EXPECT_EQ(left.jointDof(), 2U) << "it got the links when their owner was deleted";
+}
+
+TEST_F(Systems, AlikeManipulatorsShareTheirLinks) {
+  const Arm arm = armOf("A", 3);
+  Arm twin = arm;
+  twin.changeLinkLabel("A", "B");
+  System system = systemOf({arm, armOf("C", 3), twin});
+  EXPECT_TRUE(system.findAndConvertToReferences());
+  EXPECT_EQ(targetOf(system, 2), "A");
+  EXPECT_EQ(targetOf(system, 1), "");
+  EXPECT_EQ(system.manipulators()[2].jointDof(), 3U);
+  EXPECT_EQ(system.manipulators()[2].linkByIndex(1), system.manipulators()[0].linkByIndex(1));
+  System empty;
+  EXPECT_TRUE(empty.findAndConvertToReferences());
+}
+
+TEST_F(Systems, DeletingByIndexAndByLabelDetachDifferently) {
+  const auto keysAfter = [](auto remove) {
+    System system;
+    for (const char* label : {"a", "b", "c", "d"}) system.addManipulator(armOf(label, 1));
+    KtManipulatorAttachmentMap map;
+    map.attachManipulator(0, 3, "d", T());
+    map.attachManipulator(1, 0, "link1", T());
+    map.attachManipulator(2, 1, "link1", T());
+    map.attachManipulator(3, 2, "nothing", T());
+    system.setManipulatorAttachmentMap(map);
+    EXPECT_EQ(system.manipulatorAttachmentMap().size(), 3U) << "the missing label must go";
+    remove(system);
+    std::vector<KtU32> keys;
+    for (const auto& entry : system.manipulatorAttachmentMap().mapContainer()) {
+      keys.push_back(entry.first.value());
+    }
+    return keys;
+  };
+  EXPECT_THAT(keysAfter([](System& s) { s.deleteManipulator(2); }), ElementsAre(2U));
+  EXPECT_THAT(keysAfter([](System& s) { s.deleteManipulator("c"); }), ElementsAre(0U, 1U));
+  EXPECT_THAT(keysAfter([](System& s) { s.deleteManipulator("b"); }), ElementsAre(0U));
+}
+
+TEST_F(Systems, MergingMovesAttachmentsAlong) {
+  System first = systemOf({armOf("a", 1), armOf("b", 2)});
+  KtManipulatorAttachmentMap map;
+  const T offset = randomTransformation();
+  map.attachManipulator(1, 0, "link1", offset);
+  first.setManipulatorAttachmentMap(map);
+  System both = first;
+  EXPECT_TRUE(both.mergeWith(first));
+  EXPECT_TRUE(both.mergeWith(both));
+  EXPECT_EQ(both.jointDof(), 12U);
+  EXPECT_EQ(both.manipulatorAttachmentMap().size(), 4U);
+  KtU32 parent = 0;
+  KtString label;
+  T found;
+  EXPECT_TRUE(both.manipulatorAttachmentMap().getDependentManipulatorInfo(7, parent, label, found));
+  EXPECT_EQ(parent, 6U);
+  EXPECT_EQ(label, "link1");
+  EXPECT_EQ(found, offset);
+}
+
+TEST_F(Systems, ExclusionsFollowTheLinks) {
+  System system = systemOf({armOf("a", 2), armOf("b", 2)});
+  KtSystemCollisionExclusionMap map;
+  const std::string label = system.manipulators()[0].linkByIndex(1)->label();
+  map.excludeLinkCollisionCandidate(0, label, 1, "b");
+  system.setCollisionExclusionMap(map);
+  EXPECT_FALSE(system.canCollide(0, 1, 1, ktBaseIndex));
+  EXPECT_TRUE(system.canCollide(0, 0, 1, ktBaseIndex));
+  EXPECT_FALSE(System(system).canCollide(1, ktBaseIndex, 0, 1));
+  Arm arm = system.manipulators()[0];
+  arm.changeLinkLabel(label, "renamed");
+  system.exchangeManipulator(0, arm);
+  EXPECT_TRUE(system.canCollide(0, 1, 1, ktBaseIndex));
+}
+
+KtManipulatorSystemState stateOf(const std::vector<KtU32>& positions,
+                                 const std::vector<KtU32>& velocities) {
+  KtManipulatorSystemState state;
+  for (const KtU32 count : positions) {
+    KtPositionState position;
+    position.setCoordSysXForm(randomTransformation());
+    position.jointPositions().resize(count);
+    for (auto& q : position.jointPositions().vectorContainer()) q = uniform();
+    state.positionStates().pushBack(position);
+  }
+  for (const KtU32 count : velocities) {
+    KtVelocityState velocity;
+    velocity.setGeneralVelocity(randomMotion());
+    velocity.jointVelocities().resize(count);
+    for (auto& q : velocity.jointVelocities().vectorContainer()) q = uniform();
+    state.velocityStates().pushBack(velocity);
+  }
+  state.setTime(0.75);
+  return state;
+}
+
+TEST_F(Systems, StatesAreGivenTheRightSize) {
+  const System system = systemOf({armOf("a", 2), armOf("b", 0), armOf("c", 3)});
+  const auto good = stateOf({2, 0, 3}, {2, 0, 3});
+  auto same = good;
+  EXPECT_TRUE(system.isCompatible(good));
+  system.rightSizeState(same);
+  EXPECT_EQ(same, good);
+
+  for (const auto& [positions, velocities] :
+       std::vector<std::pair<std::vector<KtU32>, std::vector<KtU32>>>{{{}, {}},
+                                                                      {{2, 0}, {2, 0}},
+                                                                      {{2, 0, 3}, {2, 0}},
+                                                                      {{5, 1, 1, 1}, {1, 2}},
+                                                                      {{1}, {9, 9, 9, 9}}}) {
+    const auto before = stateOf(positions, velocities);
+    EXPECT_FALSE(system.isCompatible(before));
+    auto after = before;
+    system.rightSizeState(after);
+    ASSERT_TRUE(system.isCompatible(after));
+    EXPECT_EQ(after.time(), 0.75);
+    for (KtU32 i = 0; i < 3; ++i) {
+      const auto& q = after.positionStates()[i];
+      const auto& v = after.velocityStates()[i];
+      const bool hadQ = i < positions.size();
+      const bool hadV = i < velocities.size();
+      EXPECT_EQ(q.coordSysXForm(), hadQ ? before.positionStates()[i].coordSysXForm() : T());
+      EXPECT_EQ(v.generalVelocity(),
+                hadV ? before.velocityStates()[i].generalVelocity() : KtGeneralMotion());
+      for (KtU32 j = 0; j < q.jointPositions().size(); ++j) {
+        const double old =
+            hadQ && j < positions[i] ? before.positionStates()[i].jointPositions()[j].value() : 0.0;
+        EXPECT_EQ(q.jointPositions()[j], 1e-9 + old);
+        EXPECT_EQ(v.jointVelocities()[j],
+                  hadV && j < velocities[i]
+                      ? before.velocityStates()[i].jointVelocities()[j].value()
+                      : 0.0);
+      }
+    }
+  }
+  EXPECT_TRUE(System().isCompatible({}));
+}
+
+TEST_F(Systems, SphereContainsEveryManipulators) {
+  std::vector<Arm> arms{armOf("a", 1), armOf("b", 1)};
+  for (Arm& arm : arms) {
+    arm.setCoordSysXForm(randomTransformation());
+    arm.setAbsoluteBoundingSphere(KtSphere(randomVector(), uniform(0.1, 0.5), 3));
+  }
+  const System system = systemOf(arms);
+  const auto state = stateOf({1, 1}, {1, 1});
+  const KtSphere all = system.absoluteBoundingSphere(state);
+  double slack = 1.0;
+  for (KtU32 i = 0; i < 2; ++i) {
+    const KtSphere& own = arms[i].absoluteBoundingSphere();
+    const KtVector center =
+        arms[i].coordSysXForm() * (state.positionStates()[i].coordSysXForm() * own.center());
+    const double rest = all.radius() - (center - all.center()).mag() - own.radius();
+    EXPECT_GT(rest, -1e-12);
+    slack = std::min(slack, rest);
+  }
+  EXPECT_LT(slack, 1e-12) << "a smaller one would do";
+  const KtLogCapture log;
+  EXPECT_TRUE(system.absoluteBoundingSphere({}).isEmpty());
+  EXPECT_EQ(log.text(),
+            "KtManipulatorSystem::absoluteBoundingSphere(): system size, 2, not equal to state "
+            "size, 0.");
+}
+
+TEST_F(Systems, PropagationMovesEachManipulatorThatThereIs) {
+  const System system = systemOf({armOf("a", 2)});
+  auto state = stateOf({2, 1}, {2, 1});
+  auto single = state.positionStates()[0];
+  system.manipulators()[0].propagateState(state.velocityStates()[0], 0.01, single);
+  const auto before = state;
+  system.propagateStateBy(state, 0.01);
+  EXPECT_EQ(state.positionStates()[0], single);
+  EXPECT_NE(single, before.positionStates()[0]);
+  EXPECT_EQ(state.positionStates()[1], before.positionStates()[1]);
+  EXPECT_EQ(state.velocityStates(), before.velocityStates());
+  EXPECT_EQ(state.time(), 0.75 + 0.01);
+}
+
+TEST_F(Systems, DhParametersNeedTheCraigConvention) {
+  const auto linkOf = [](unsigned type, const T& precursor) {
+    KtDenavitHartenberg joint;
+    joint.setDhType(type);
+    joint.setPrecursor(precursor);
+    joint.setDhA(1.0);
+    joint.setDhAlpha(2.0);
+    joint.setDhD(3.0);
+    KtManipulatorLink link;
+    link.setLabel("link" + std::to_string(type));
+    link.setLinkKinematics(joint);
+    return link;
+  };
+  Arm arm;
+  arm.setLabel("a");
+  for (const unsigned type : {0U, 2U, 3U}) arm.addLinkToEndOfChain(linkOf(type, T()));
+  arm.addLinkToEndOfChain(linkOf(3, randomTransformation()));
+  arm.addLinkToEndOfChain(KtManipulatorLink());
+  const System system = systemOf({arm, referenceTo("b", "a"), arm});
+  std::vector<std::vector<double>> rows(99);
+  EXPECT_TRUE(system.getCraigDhParameters(rows));
+  const std::vector<double> none;
+  const std::vector<double> three{1.0, 2.0, 3.0};
+  EXPECT_THAT(rows, ElementsAre(none, three, three, none, none, none, three, three, none, none));
+}
+
+TEST_F(Systems, BadIndicesAreReported) {
+  System system = systemOf({armOf("a", 1)});
+  const KtSurfaceMap surfaces;
+  const KtLogCapture log;
+  EXPECT_EQ(system.jointDof(1), 0U);
+  EXPECT_FALSE(system.setJointLimit(1, "link1", true, 0.0));
+  EXPECT_FALSE(system.replaceLinkProperties(1, "link1", KtManipulatorLink(), true));
+  EXPECT_EQ(log.text(),
+            "KtManipulatorSystem::jointDof-->manipulator at index (1) undefined\n"
+            "KtManipulatorSystem::setJointLimit() - invalid manipulator index.\n"
+            "KtManipulatorSystem::replaceLinkProperties() - invalid manipulator index.\n");
+  EXPECT_FALSE(system.exchangeManipulator(1, Arm()));
+  EXPECT_FALSE(system.exchangeManipulator("b", Arm()));
+  EXPECT_FALSE(system.setSelfCollisionMap({}, 1));
+  EXPECT_FALSE(system.setSurfacesByKey({1, 0, 0}, surfaces));
+  EXPECT_FALSE(system.setJointLimit(0, "nobody", true, 0.0));
+}
+
+}  // namespace

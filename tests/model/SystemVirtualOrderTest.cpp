@@ -1,0 +1,97 @@
+#include "ktManipulator/ktManipulator.h"
+#include "support/VirtualSlots.h"
+
+namespace {
+
+using M = KtIndividualManipulator;
+using T = KtCoordinateSystemTransformation;
+using Text = const std::string&;
+
+TEST(VirtualOrder, SystemsKeepTheirs) {
+  using E = KtSystemEnvironment;
+  expectOrderOf("KtSystemEnvironment", kCompound + 1, &E::coordSysXForm, &E::setCoordSysXForm,
+                &E::upGravityVector, &E::setUpGravityVector);
+  using S = KtManipulatorSystem;
+  expectOrderOf(
+      "KtManipulatorSystem", kCompound + 1, &S::mergeWith,
+      static_cast<KtU32 (S::*)() const>(&S::jointDof),
+      static_cast<KtU32 (S::*)(const KtU32&) const>(&S::jointDof), &S::jointAndBaseDof,
+      &S::environment, &S::setEnvironment, &S::manipulators, &S::setManipulators,
+      &S::addManipulator, static_cast<bool (S::*)(KtU32, const M&)>(&S::exchangeManipulator),
+      static_cast<bool (S::*)(Text, const M&)>(&S::exchangeManipulator),
+      static_cast<KtU32 (S::*)(Text)>(&S::deleteManipulator),
+      static_cast<bool (S::*)(KtU32)>(&S::deleteManipulator), &S::manipulatorByIdentifier,
+      &S::mapManipulators, &S::buildBoundingBoxTreeFromEnvironment,
+      &S::setFromIndividualManipulator, &S::linkInteractionsVector, &S::setLinkInteractionsVector,
+      &S::collisionExclusionMap, &S::setCollisionExclusionMap, &S::manipulatorAttachmentMap,
+      &S::setManipulatorAttachmentMap, &S::propagateStateBy, &S::propagateSingleStateBy,
+      &S::rightSizeState, &S::isCompatible, &S::absoluteBoundingSphere, &S::numberOfManipulators,
+      &S::processLinkInteractions, &S::collisionDetectionPrecisionLevel,
+      &S::findAndConvertToReferences, &S::setSurfacesByKey, &S::setJointLimit, &S::canCollide,
+      &S::replaceLinkProperties, &S::truncateValues, &S::getNumberOfShapes,
+      static_cast<bool (S::*)(Text)>(&S::aboutToModifyManipulator),
+      static_cast<bool (S::*)(KtU32)>(&S::aboutToModifyManipulator),
+      &S::computeCollisionDetectionPrecisionLevel);
+}
+
+TEST(VirtualOrder, StatedSystemsKeepTheirs) {
+  using S = KtStatedSystem;
+  using P = const KtPositionState&;
+  using V = const KtVelocityState&;
+  using Active = KtSystemActiveState;
+  using State = KtManipulatorSystemState;
+  using Results = S::ResultVector;
+  using Keys = S::ShapeKeyVector;
+  using Real = const KtReal&;
+  using U32 = const KtU32&;
+  expectOrderOf(
+      "KtStatedSystem", kCompound + 1, &S::mergeWith, &S::system, &S::setSystem,
+      &S::setAndDeleteSystemPointer, &S::setFromSystem, &S::setFromManipulator,
+      &S::clearAndInitializeForOneManipulator, &S::finalizeOneManipulator,
+      static_cast<void (S::*)(const M&, P, V)>(&S::addManipulator),
+      static_cast<void (S::*)(const M&)>(&S::addManipulator), &S::exchangeManipulator,
+      &S::addShapeAsManipulator, &S::setSelfCollisionMap,
+      static_cast<KtU32 (S::*)(Text)>(&S::deleteManipulator),
+      static_cast<bool (S::*)(KtU32)>(&S::deleteManipulator), &S::environment, &S::setEnvironment,
+      &S::state, &S::setState, &S::setIndividualPositionState,
+      &S::setIndividualCoordinateSystemTransformation, &S::setIndividualVelocityState,
+      &S::rotateIndividualBaseVelocity, &S::zeroIndividualVelocityState, &S::setPositionStates,
+      &S::setVelocityStates, static_cast<bool (S::*)(double, Active*)>(&S::propagateSelfTo),
+      static_cast<bool (S::*)(double, Results&, Active*)>(&S::propagateSelfTo),
+      static_cast<bool (S::*)(double, Results&, Active*, KtU32, Real, U32, Real)>(
+          &S::propagateSelfTo),
+      static_cast<bool (S::*)(double, State&, Active*) const>(&S::propagateTo),
+      static_cast<bool (S::*)(double, State&, Results&, Active&) const>(&S::propagateTo),
+      static_cast<bool (S::*)(double, State&, Results&, Active&, KtU32, Real, U32, Real) const>(
+          &S::propagateTo),
+      static_cast<void (S::*)(KtU32, V, double, KtPositionState&) const>(
+          &S::propagateSingleStateBy),
+      static_cast<void (S::*)(KtU32, V, double, KtPositionState&, KtPropagationResultData&) const>(
+          &S::propagateSingleStateBy),
+      &S::propagateSingleVelocityStateBy, &S::addCompatibleState, &S::setToMidpointState,
+      &S::rightSizeState, &S::absoluteBoundingSphere, &S::setSurfacesByKey,
+      static_cast<const Keys& (S::*)() const>(&S::modifiedShapeKeyVec),
+      static_cast<Keys& (S::*)()>(&S::modifiedShapeKeyVec), &S::setModifiedShapeKeyVec,
+      &S::addModifiedShapeKeyVec, &S::isTransparentDisplay, &S::setIsTransparentDisplay,
+      &S::intersectLineSegment, &S::scaleManipulatorBy, &S::findAndConvertToReferences,
+      &S::jointDof, &S::setJointLimit, &S::replaceLinkProperties, &S::generateCollisionReport,
+      &S::isSystemModified, &S::resetIsSystemModified, &S::truncateValues, &S::changeAmbientAlpha,
+      &S::changeDiffuseAlpha, &S::changeSpecularAlpha, &S::changeEmissionAlpha,
+      &S::selectedShapeKeyVector, &S::setSelectedShapeKeyVector, &S::transparencyAlpha,
+      &S::setTransparencyAlpha, &S::isSelectionDataChanged, &S::setIsSelectionDataChanged,
+      &S::setCollisionExclusionMap, &S::setManipulatorAttachmentMap,
+      &S::lookupManipulatorIndexFromLabel, &S::validateTopLevelDimensions,
+      &S::validateLowLevelDimensions, &S::aboutToModifySystem, &S::reregisterSystem,
+      &S::newManipulatorSystem, &S::checkForCollisions);
+}
+
+TEST(VirtualOrder, BodiesOfLinkagesKeepTheirs) {
+  using B = KtBaseGeneralBoundObject;
+  expectOrderOf("KtBaseGeneralBoundObject", kCompound + 1, &B::shape, &B::setShape,
+                &B::primaryFrame, &B::setPrimaryFrame, &B::locationInSystem);
+  using Q = KtQuadrilateralFixedSliderJointOAObject;
+  expectOrderOf("KtQuadrilateralFixedSliderJointOAObject", kCompound + 5, &Q::locationInSystem,
+                &Q::linkIdentifier, &Q::setlinkIdentifier);
+}
+
+}  // namespace
