@@ -41,8 +41,11 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
   KtXmlVariableVectorType& operator=(const KtXmlVariableVectorType& other) {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(other);
-    deleteFrom(0);
+    // Copied before anything is deleted: the other list may belong to an entry of this one.
+    std::vector<E*> replaced;
+    replaced.swap(entries_);
     cloneEntriesOf(other);
+    for (const E* element : replaced) delete element;
     return *this;
   }
   /// Takes over the other's value.

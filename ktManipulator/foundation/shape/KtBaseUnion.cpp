@@ -5,6 +5,13 @@ void KtBaseUnion::deleteBoundingVolumes() {
   forEachMember(*this, [](KtShape& one) { one.deleteBoundingVolumes(); });
 }
 
+bool KtBaseUnion::holds(const KtShape& part) const {
+  bool found = KtBasePhysicalExtent::holds(part);
+  forEachMember(*this,
+                [&](const KtShape& one) { found = found || &one == &part || one.holds(part); });
+  return found;
+}
+
 bool KtBaseUnion::lookup(const std::string& label, const KtDataMap*& data) const {
   bool found = KtBasePhysicalExtent::lookup(label, data);
   forEachMember(*this, [&](const KtShape& one) { found = found || one.lookup(label, data); });

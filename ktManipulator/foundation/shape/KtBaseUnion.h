@@ -7,6 +7,7 @@ class KT_EXPORT KtBaseUnion : public KtBasePhysicalExtent {
  public:
   KtShapeValues shapeType() const override { return kUnion; }
   void deleteBoundingVolumes() override;
+  bool holds(const KtShape& part) const override;
   bool lookup(const std::string& label, const KtDataMap*& data) const override;
   bool isEmpty() const override;
   bool isConvex() const override { return false; }

@@ -42,18 +42,29 @@ KtShape::KtShape(const KtShape& other)
 
 KtShape& KtShape::operator=(const KtShape& other) {
   if (this == &other) return *this;
+  // The other may be a part of this shape, or this a part of the other: its volumes are copied
+  // before anything changes, and a part lives on until the derived class has copied its members.
+  std::unique_ptr<KtShape> volume;
+  if (const KtShape* next = other.outerBoundingVolume()) {
+    volume.reset(static_cast<KtShape*>(next->clone()));
+  }
+  const bool fromPart = holds(other);
   KtBaseExpressionTreeElement::operator=(other);
   identifier_ = other.identifier_;
   surfaceLabel_ = other.surfaceLabel_;
   surfaces_ = other.surfaces_;
   takesContactForces_ = other.takesContactForces_;
-  if (other.outerBoundingVolume() != nullptr) {
-    outer() = *other.outer_;
-  } else if (outer_ != nullptr) {
-    outer_->setAndDeleteTopElementPointer(nullptr);
+  if (fromPart) replaced_ = std::make_unique<KtShapeContainer>(std::move(*outer_));
+  if (volume != nullptr || outer_ != nullptr) {
+    outer().setAndDeleteTopElementPointer(volume.release());
   }
   linkOuter();
   return *this;
+}
+
+bool KtShape::holds(const KtShape& part) const {
+  const KtShape* next = outerBoundingVolume();
+  return next != nullptr && (next == &part || next->holds(part));
 }
 
 bool KtShape::operator==(const KtShape& other) const {
@@ -172,15 +183,13 @@ void KtShape::refitBoundingVolumes() {
   if (next == nullptr) return;
   const KtShapeValues type = next->shapeType();
   if (type == kSphere || type == kCapsule || type == kBox || type == kConvexHull) {
-    if (const std::unique_ptr<KtShape> fitted = newBoundingVolume(type)) {
+    if (std::unique_ptr<KtShape> fitted = newBoundingVolume(type)) {
       fitted->setIdentifier(next->identifier());
       fitted->setSurfaceLabel(next->surfaceLabel());
       fitted->setSurfaces(next->surfaces());
       fitted->takesContactForces_ = next->takesContactForces_;
-      if (next->outerBoundingVolume() != nullptr) {
-        fitted->addBoundingVolume(*std::as_const(*next).outerBoundingVolume());
-      }
-      outer().setTopElement(*fitted);
+      fitted->outer_ = std::move(next->outer_);
+      outer().setAndDeleteTopElementPointer(fitted.release());
       linkOuter();
     }
   }
@@ -296,7 +305,11 @@ const KtShape* KtShape::intersectLineSegment(const KtLineSegment& segment, const
   double ignored = 0.0;
   const KtShape* shape = &outermost();
   while (shape != this && shape->level_ > level && shape->inner_->level_ >= level) {
-    if (shape->intersectLineSegment(segment, ignored) == nullptr) return nullptr;
+    // A hull without thickness meets no line, but the flat shape in it may.
+    if (shape->physicalExtent().isSolid() &&
+        shape->intersectLineSegment(segment, ignored) == nullptr) {
+      return nullptr;
+    }
     shape = shape->inner_;
   }
   return shape->intersectLineSegment(segment, distance);

@@ -52,7 +52,8 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   KtShape();
   /// A copy, with the volumes around it.
   KtShape(const KtShape& other);
-  /// Assigns a value.
+  /// Assigns a value, with the volumes around it. The other shape may be a part of this one: then
+  /// that part lives on until the next such assignment.
   KtShape& operator=(const KtShape& other);
   ~KtShape() override;
 
@@ -93,6 +94,9 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   /// level is at least the given one, or else the outermost. A union that stands for itself
   /// hands on to its members.
   virtual void boundingVolumes(ShapeVector& volumes, const KtU32& level) const;
+  /// Whether a shape is a part of this one: a volume around it, a member of a union, or a part of
+  /// one of these.
+  virtual bool holds(const KtShape& part) const;
 
   // Numbers.
 
@@ -248,6 +252,8 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   KtXmlBasicType<bool> takesContactForces_ = true;
   // Made on first need: most shapes have no volume around them.
   mutable std::unique_ptr<KtShapeContainer> outer_;
+  // The volumes before the last assignment from a part of them; null otherwise.
+  std::unique_ptr<KtShapeContainer> replaced_;
   // Set by the link and by the chain
   const KtShape* inner_ = nullptr;
   const KtManipulatorLink* link_ = nullptr;

@@ -127,6 +127,43 @@ TEST(ShapeTree, ChainsLeadInAndOutWhateverMadeThem) {
   expectChain(box, 4);
 }
 
+TEST(ShapeTree, AShapeMayBeAssignedFromAPartOfItselfAndAPartFromTheWhole) {
+  KtSphereShape inner({1, 0, 0}, 1.0);
+  inner.addBoundingVolume(KtSphereShape({2, 0, 0}, 3.0));
+  inner.addBoundingVolume(KtSphereShape({3, 0, 0}, 9.0));
+  const KtSphereShape whole = inner;
+  const auto volume = [](KtShape& shape) -> KtSphereShape& {
+    return dynamic_cast<KtSphereShape&>(*shape.outerBoundingVolume());
+  };
+  KtSphereShape expected({2, 0, 0}, 3.0);
+  expected.addBoundingVolume(KtSphereShape({3, 0, 0}, 9.0));
+  inner = volume(inner);
+  EXPECT_EQ(inner, expected);
+  inner = volume(inner);
+  EXPECT_EQ(inner, KtSphereShape({3, 0, 0}, 9.0));
+  // The volume becomes a copy of the whole, which had that volume in it.
+  inner = whole;
+  volume(inner) = inner;
+  EXPECT_EQ(volume(inner), whole);
+  EXPECT_EQ(inner.radius(), 1.0);
+
+  // A union out of one around it, and out of one in it.
+  KtShapeUnion part = machinePart();
+  KtShapeUnion around;
+  around.addMember(machinePart());
+  part.addBoundingVolume(around);
+  const KtShape* outermost = std::as_const(part).outerBoundingVolume()->outerBoundingVolume();
+  const auto* deep = dynamic_cast<const KtShapeUnion*>(outermost);
+  ASSERT_NE(deep, nullptr);
+  EXPECT_TRUE(part.holds(*deep->member(0)));
+  EXPECT_FALSE(part.holds(part));
+  part = dynamic_cast<const KtShapeUnion&>(*deep->member(0));
+  EXPECT_EQ(part, machinePart());
+  part = around;
+  part = dynamic_cast<const KtShapeUnion&>(*std::as_const(part).member(0));
+  EXPECT_EQ(part, machinePart());
+}
+
 TEST(ShapeTree, VolumesMoveAndScaleWithTheirShape) {
   KtShapeContainer holder;
   holder.setTopElement(machinePart());
