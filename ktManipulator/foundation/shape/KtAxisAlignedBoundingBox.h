@@ -75,7 +75,8 @@ class KT_EXPORT KtAxisAlignedBoundingBox {
                     std::max({min_.z - point.z, 0.0, point.z - max_.z}))
         .mag();
   }
-  /// Whether the line segment from a point along a vector, up to a share of it, meets the box.
+  /// Whether the line segment from a point along a vector, up to a share of it, meets the box; one
+  /// that misses it by rounding alone may count as meeting it.
   bool meets(const KtVector& point, const KtVector& along, double share) const noexcept;
 
   /// Exact equality of the corners.
@@ -90,6 +91,7 @@ class KT_EXPORT KtAxisAlignedBoundingBox {
 
 inline bool KtAxisAlignedBoundingBox::meets(const KtVector& point, const KtVector& along,
                                             double share) const noexcept {
+  if (isEmpty()) return false;
   double from = 0.0;
   double to = share;
   const auto clip = [&](double least, double largest, double p, double d) {
@@ -105,5 +107,6 @@ inline bool KtAxisAlignedBoundingBox::meets(const KtVector& point, const KtVecto
   clip(min_.x, max_.x, point.x, along.x);
   clip(min_.y, max_.y, point.y, along.y);
   clip(min_.z, max_.z, point.z, along.z);
-  return from <= to;
+  // T. Ize, Robust BVH ray traversal, Journal of Computer Graphics Techniques 2 (2013), 12-27.
+  return from <= to * (1.0 + 1e-15);
 }

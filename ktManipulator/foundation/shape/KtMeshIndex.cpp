@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
+#include <tuple>
 #include <utility>
 
 namespace Kt::detail {
@@ -25,12 +27,46 @@ KtVolumeMoments tetrahedron(const KtVector& a, const KtVector& b, const KtVector
   return moments;
 }
 
+using Edges = std::vector<std::pair<KtU32, KtU32>>;
+
+// Whether each of the edges, which are in order, is there once in each direction.
+bool areClosed(const Edges& edges) {
+  return !edges.empty() && std::adjacent_find(edges.begin(), edges.end()) == edges.end() &&
+         std::all_of(edges.begin(), edges.end(), [&](const auto& edge) {
+           return edge.first != edge.second &&
+                  std::binary_search(edges.begin(), edges.end(),
+                                     std::pair(edge.second, edge.first));
+         });
+}
+
+// The same where vertices at one place count as one: many files repeat the vertices for every
+// triangle, or along a seam. Triangles that this makes a line are left out.
+bool isClosedByPlace(const MeshIndex::Vertices& vertices, const MeshIndex::Triangles& triangles) {
+  const auto key = [&](KtU32 i) { return std::tie(vertices[i].x, vertices[i].y, vertices[i].z); };
+  std::vector<KtU32> order(vertices.size());
+  std::iota(order.begin(), order.end(), 0U);
+  std::sort(order.begin(), order.end(), [&](KtU32 a, KtU32 b) { return key(a) < key(b); });
+  std::vector<KtU32> places(vertices.size());
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const bool isSame = i != 0 && key(order[i]) == key(order[i - 1]);
+    places[order[i]] = isSame ? places[order[i - 1]] : order[i];
+  }
+  Edges edges;
+  for (const auto& t : triangles) {
+    const std::array<KtU32, 3> at = {places[t[0]], places[t[1]], places[t[2]]};
+    if (at[0] == at[1] || at[1] == at[2] || at[2] == at[0]) continue;
+    for (unsigned k = 0; k < 3; ++k) edges.emplace_back(at[k], at[(k + 1) % 3]);
+  }
+  std::sort(edges.begin(), edges.end());
+  return areClosed(edges);
+}
+
 }  // namespace
 
 MeshIndex::MeshIndex(const Vertices& vertices, const Triangles& triangles) {
   std::vector<KtAxisAlignedBoundingBox> boxes(triangles.size());
   order_.resize(triangles.size());
-  std::vector<std::pair<KtU32, KtU32>> edges;
+  Edges edges;
   edges.reserve(3 * triangles.size());
   KtVector middle;
   for (std::size_t i = 0; i < triangles.size(); ++i) {
@@ -46,14 +82,9 @@ MeshIndex::MeshIndex(const Vertices& vertices, const Triangles& triangles) {
   build(boxes, 0, static_cast<KtU32>(triangles.size()));
 
   std::sort(edges.begin(), edges.end());
-  isClosed_ =
-      std::adjacent_find(edges.begin(), edges.end()) == edges.end() &&
-      std::all_of(edges.begin(), edges.end(), [&](const auto& edge) {
-        return edge.first != edge.second &&
-               std::binary_search(edges.begin(), edges.end(), std::pair(edge.second, edge.first));
-      });
+  isClosed_ = areClosed(edges) || isClosedByPlace(vertices, triangles);
 
-  // Of a closed mesh each edge stands there in both directions, so this lists every neighbour.
+  // Of a hull each edge stands there in both directions, so this lists every neighbour.
   firstNeighbour_.assign(vertices.size() + 1, 0);
   neighbours_.reserve(edges.size());
   for (const auto& edge : edges) {
@@ -132,13 +163,28 @@ void MeshIndex::trianglesInBox(const Vertices& vertices, const Triangles& triang
   std::sort(found.begin() + start, found.end());
 }
 
-// T. Moeller, B. Trumbore, Fast, minimum storage ray/triangle intersection, Journal of Graphics
-// Tools 2 (1997), 21-28; here for both sides of a triangle.
+// S. Woop, C. Benthin, I. Wald, Watertight ray/triangle intersection, Journal of Computer Graphics
+// Techniques 2 (2013), 65-82; here for both sides of a triangle. No segment slips through between
+// two triangles that share an edge.
 bool MeshIndex::intersect(const Vertices& vertices, const Triangles& triangles,
                           const KtLineSegment& segment, double& share) const {
   if (nodes_.empty()) return false;
   const KtVector& from = segment.endpoint0();
   const KtVector along = segment.endpoint1() - from;
+  // The segment becomes the third axis of a sheared frame, along its largest component.
+  double KtVector::*u = &KtVector::x;
+  double KtVector::*v = &KtVector::y;
+  double KtVector::*w = &KtVector::z;
+  if (along.*w != along.largestComponent() && -(along.*w) != along.largestComponent()) {
+    std::swap(w, std::abs(along.x) > std::abs(along.y) ? u : v);
+  }
+  if (along.*w == 0.0) return false;
+  const double shearU = along.*u / along.*w;
+  const double shearV = along.*v / along.*w;
+  const auto sheared = [&](const KtVector& vertex) {
+    const KtVector p = vertex - from;
+    return KtVector(p.*u - shearU * (p.*w), p.*v - shearV * (p.*w), p.*w / along.*w);
+  };
   double nearest = 1.0;
   bool met = false;
   std::array<KtU32, kDeepest> stack{};
@@ -154,19 +200,17 @@ bool MeshIndex::intersect(const Vertices& vertices, const Triangles& triangles,
     }
     for (KtU32 i = node.first; i < node.first + node.count; ++i) {
       const auto& t = triangles[order_[i]];
-      const KtVector& a = vertices[t[0]];
-      const KtVector ab = vertices[t[1]] - a;
-      const KtVector ac = vertices[t[2]] - a;
-      const KtVector p = along.cross(ac);
-      const double determinant = ab.dot(p);
-      if (determinant == 0.0) continue;
-      const KtVector s = from - a;
-      const double u = s.dot(p) / determinant;
-      if (!(u >= 0.0 && u <= 1.0)) continue;
-      const KtVector q = s.cross(ab);
-      const double v = along.dot(q) / determinant;
-      if (!(v >= 0.0 && u + v <= 1.0)) continue;
-      const double one = ac.dot(q) / determinant;
+      const KtVector a = sheared(vertices[t[0]]);
+      const KtVector b = sheared(vertices[t[1]]);
+      const KtVector c = sheared(vertices[t[2]]);
+      const double weightA = c.x * b.y - c.y * b.x;
+      const double weightB = a.x * c.y - a.y * c.x;
+      const double weightC = b.x * a.y - b.y * a.x;
+      const bool anyNegative = weightA < 0.0 || weightB < 0.0 || weightC < 0.0;
+      const bool anyPositive = weightA > 0.0 || weightB > 0.0 || weightC > 0.0;
+      if (anyNegative == anyPositive) continue;  // outside, or the triangle is seen edge-on
+      const double one =
+          (weightA * a.z + weightB * b.z + weightC * c.z) / (weightA + weightB + weightC);
       if (!(one >= 0.0 && one <= nearest)) continue;
       nearest = one;
       met = true;

@@ -23,7 +23,8 @@ class MeshIndex {
   /// From vertices and triangles whose indices are all in range. The index keeps neither.
   MeshIndex(const Vertices& vertices, const Triangles& triangles);
 
-  /// Whether every edge belongs to two triangles that run along it in opposite directions.
+  /// Whether every edge belongs to two triangles that run along it in opposite directions, where
+  /// vertices at the same place may count as one.
   bool isClosed() const noexcept { return isClosed_; }
   /// The integrals over the volume of a closed mesh, whichever side its triangles show outwards; 0
   /// for an open one.

@@ -1,6 +1,7 @@
 #include "ktManipulator/foundation/shape/KtPolyPhysicalExtent.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/foundation/shape/KtConvexHull.h"
@@ -63,6 +64,7 @@ const KtShape* KtPolyPhysicalExtent::intersectLineSegment(const KtLineSegment& s
                                                           double& distance) const {
   if (index() == nullptr) return nullptr;
   const KtLineSegment own = frame().inverse() * segment;
+  if (!std::isfinite(own.length())) return nullptr;
   double share = 0.0;
   if (!ownContains(own.endpoint0()) && !index()->intersect(vertices(), triangles(), own, share)) {
     return nullptr;
@@ -95,6 +97,8 @@ void KtPolyPhysicalExtent::convexPartsInBox(const KtAxisAlignedBoundingBox& box,
                                                  (corner & 2U) != 0 ? half.y : -half.y,
                                                  (corner & 4U) != 0 ? half.z : -half.z)));
   }
+  own.enlarge(1e-14 * (own.minimum().largestComponent() + own.maximum().largestComponent()));
+  if (!std::isfinite(half.magSquared())) own = index()->box();  // it may well be without end
   const auto start = static_cast<std::ptrdiff_t>(parts.size());
   index()->trianglesInBox(vertices(), triangles(), own, parts);
   parts.erase(std::remove_if(parts.begin() + start, parts.end(),

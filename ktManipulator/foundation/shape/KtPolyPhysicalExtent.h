@@ -4,7 +4,8 @@
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 
 /// A triangle mesh. A closed one is solid, whether its triangles run counter-clockwise or clockwise
-/// seen from outside; an open one is a surface without thickness.
+/// seen from outside; an open one is a surface without thickness. To be closed its triangles need
+/// not share vertices: equal coordinates are enough.
 ///
 /// For distance and collision it consists of its triangles.
 class KT_EXPORT KtPolyPhysicalExtent
@@ -30,8 +31,7 @@ class KT_EXPORT KtPolyPhysicalExtent
   /// Sets vertices, in the frame of the mesh, and triangles, by the indices of their vertices.
   ///
   /// @return false, a message and no change for a vertex that is not finite (or beyond 1e100), or
-  /// an
-  ///         index that is not below the number of vertices
+  ///         an index that is not below the number of vertices
   bool setMesh(const std::vector<KtVector>& vertices,
                const std::vector<std::array<KtU32, 3>>& triangles);
 
