@@ -30,15 +30,20 @@ void KtConeShape::ownPoints(std::vector<KtVector>& points) const {
 
 void KtConeShape::clip(Kt::detail::LineClip& line) const {
   line.toSlab(KtVector::zVector(1.0), KtVector(), 0.0, height());
-  // In the slab: x^2 + y^2 <= (r / h)^2 (h - z)^2.
-  const KtVector& p = line.point();
+  if (height() == 0.0) {  // a disc
+    line.toTube(KtVector(), KtVector::zVector(1.0), radius());
+    return;
+  }
+  // In the slab: x^2 + y^2 <= (r / h)^2 (h - z)^2, seen from the point next to the base's centre.
   const KtVector& d = line.along();
-  const double ratio = radius() / KtMath::nonZeroPos(height());
+  const double shift = -line.point().dot(d) / KtMath::nonZeroPos(d.magSquared());
+  const KtVector p = line.point() + d * shift;
+  const double ratio = radius() / height();
   const double square = ratio * ratio;
   const double below = height() - p.z;
   line.toQuadratic(d.x * d.x + d.y * d.y - square * d.z * d.z,
                    p.x * d.x + p.y * d.y + square * below * d.z,
-                   p.x * p.x + p.y * p.y - square * below * below);
+                   p.x * p.x + p.y * p.y - square * below * below, shift);
 }
 
 KtVolumeMoments KtConeShape::ownMoments() const {
@@ -52,8 +57,10 @@ KtVolumeMoments KtConeShape::ownMoments() const {
 }
 
 bool KtConeShape::ownContains(const KtVector& point) const {
-  return point.z >= 0.0 && point.z <= height() &&
-         std::hypot(point.x, point.y) * height() <= radius() * (height() - point.z);
+  if (!(point.z >= 0.0 && point.z <= height())) return false;
+  const double across = std::hypot(point.x, point.y);
+  return height() == 0.0 ? across <= radius()
+                         : across * height() <= radius() * (height() - point.z);
 }
 
 void KtConeShape::mirror() {

@@ -39,14 +39,8 @@ void KtEllipsoidShape::ownPoints(std::vector<KtVector>& points) const {
 }
 
 void KtEllipsoidShape::clip(Kt::detail::LineClip& line) const {
-  const KtVector p = inUnits(line.point(), radii_);
-  const KtVector d = inUnits(line.along(), radii_);
-  // Without a thickness there is nothing to meet, and squares may be beyond the range of a double.
-  if (std::isfinite(p.magSquared()) && std::isfinite(d.magSquared())) {
-    line.toQuadratic(d.magSquared(), p.dot(d), p.magSquared() - 1.0);
-  } else {
-    line.toNothing();
-  }
+  // Without a thickness there is nothing to meet: squares beyond the range of a double give none.
+  line.toLength(inUnits(line.point(), radii_), inUnits(line.along(), radii_), 1.0);
 }
 
 KtVolumeMoments KtEllipsoidShape::ownMoments() const {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "ktManipulator/foundation/geometry/KtLineSegment.h"
 
@@ -19,16 +20,18 @@ class LineClip {
 
   /// Where the remaining part begins, as distance from the first end; false if nothing remains.
   bool enter(double& distance) const noexcept {
-    if (!(from_ <= to_)) return false;
-    distance = from_ * along_.mag();
+    const double length = along_.mag();
+    if (!(from_ <= to_) || !std::isfinite(length)) return false;
+    distance = from_ * length;
     return true;
   }
   /// Cuts off everything.
   void toNothing() noexcept { to_ = -1.0; }
-  /// Keeps the share between two.
+  /// Keeps the share between two; nothing if one is NaN.
   void toShares(double from, double to) noexcept {
     from_ = std::max(from_, from);
     to_ = std::min(to_, to);
+    if (!(from <= to)) toNothing();
   }
   /// Keeps what lies between two planes at right angles to a direction, at distances from a point.
   void toSlab(const KtVector& direction, const KtVector& origin, double least,
@@ -48,55 +51,67 @@ class LineClip {
     const double speed = along_.dot(normal);
     const double start = (point_ - origin).dot(normal);
     if (speed == 0.0) {
-      if (start > 0.0) toNothing();
+      if (!(start <= 0.0)) toNothing();
     } else if (speed > 0.0) {
-      to_ = std::min(to_, -start / speed);
+      toShares(-kFar, -start / speed);
     } else {
-      from_ = std::max(from_, -start / speed);
+      toShares(-start / speed, kFar);
     }
   }
-  /// Keeps the shares t with a t^2 + 2 b t + c <= 0. Where a is negative they are two pieces; the
-  /// earlier one that something remains of is kept.
-  void toQuadratic(double a, double b, double c) noexcept {
+  /// Keeps the shares t with |m + t d| <= length.
+  void toLength(const KtVector& m, const KtVector& d, double length) noexcept {
+    const double square = d.magSquared();
+    if (square == 0.0) {
+      if (!(m.mag() <= length)) toNothing();
+      return;
+    }
+    // From the share at which it is shortest, so that far away little cancels. E. Haines, J.
+    // Guenther, T. Akenine-Moeller, Precision improvements for ray/sphere intersection, in: Ray
+    // Tracing Gems, Apress 2019, 87-94.
+    const double middle = -m.dot(d) / square;
+    const double room = length * length - (m + d * middle).magSquared();
+    const double half = std::sqrt(room / square);  // NaN where there is no room
+    toShares(middle - half, middle + half);
+  }
+  /// Keeps the shares t with a s^2 + 2 b s + c <= 0, where s = t - shift. Where a is negative they
+  /// are two pieces; the earlier one that something remains of is kept.
+  void toQuadratic(double a, double b, double c, double shift) noexcept {
     const double discriminant = b * b - a * c;
     if (a == 0.0) {
       if (b == 0.0) {
-        if (c > 0.0) toNothing();
+        if (!(c <= 0.0)) toNothing();
       } else if (b > 0.0) {
-        to_ = std::min(to_, -0.5 * c / b);
+        toShares(-kFar, shift - 0.5 * c / b);
       } else {
-        from_ = std::max(from_, -0.5 * c / b);
+        toShares(shift - 0.5 * c / b, kFar);
       }
       return;
     }
-    if (discriminant < 0.0) {
-      if (a > 0.0) toNothing();
+    if (!(discriminant >= 0.0)) {
+      if (!(a < 0.0 && c <= 0.0)) toNothing();
       return;
     }
     // Without cancellation: the root of larger magnitude first, the other from the product.
     const double q = -(b + std::copysign(std::sqrt(discriminant), b));
     const double r0 = q / a;
     const double r1 = q != 0.0 ? c / q : r0;
-    const double first = std::min(r0, r1);
-    const double second = std::max(r0, r1);
+    const double first = shift + std::min(r0, r1);
+    const double second = shift + std::max(r0, r1);
     if (a > 0.0) {
       toShares(first, second);
     } else if (from_ <= first) {
-      to_ = std::min(to_, first);
+      toShares(-kFar, first);
     } else {
-      from_ = std::max(from_, second);
+      toShares(second, kFar);
     }
   }
   /// Keeps what lies in a ball.
   void toBall(const KtVector& center, double radius) noexcept {
-    const KtVector m = point_ - center;
-    toQuadratic(along_.magSquared(), m.dot(along_), m.magSquared() - radius * radius);
+    toLength(point_ - center, along_, radius);
   }
   /// Keeps what is no farther from a line than the radius.
   void toTube(const KtVector& origin, const KtVector& unitAxis, double radius) noexcept {
-    const KtVector m = (point_ - origin).cross(unitAxis);
-    const KtVector d = along_.cross(unitAxis);
-    toQuadratic(d.magSquared(), m.dot(d), m.magSquared() - radius * radius);
+    toLength((point_ - origin).cross(unitAxis), along_.cross(unitAxis), radius);
   }
   /// Where the segment starts.
   const KtVector& point() const noexcept { return point_; }
@@ -104,6 +119,8 @@ class LineClip {
   const KtVector& along() const noexcept { return along_; }
 
  private:
+  static constexpr double kFar = std::numeric_limits<double>::infinity();
+
   KtVector point_;
   KtVector along_;
   double from_ = 0.0;
