@@ -62,6 +62,7 @@ std::vector<Triangle> convexHull(const std::vector<KtVector>& points, std::strin
     facetT* facet = nullptr;
     vertexT* vertex = nullptr;
     vertexT** vertexp = nullptr;
+    double six = 0.0;  // times the volume: negative where the sense is the other one
     FORALLfacets {
       Triangle corners{};
       std::size_t count = 0;
@@ -70,12 +71,16 @@ std::vector<Triangle> convexHull(const std::vector<KtVector>& points, std::strin
         ++count;
       }
       if (count != 3) continue;
-      const KtVector normal(facet->normal[0], facet->normal[1], facet->normal[2]);
-      const KtVector& a = points[corners[0]];
-      if ((points[corners[1]] - a).cross(points[corners[2]] - a).dot(normal) < 0.0) {
-        std::swap(corners[1], corners[2]);
-      }
+      // The library's own sense of rotation: that of a triangle which is thin as rounding can't be
+      // told from its corners.
+      if (facet->toporient != 0) std::swap(corners[1], corners[2]);
+      six += (points[corners[0]] - middle)
+                 .dot(((points[corners[1]] - middle) / extent)
+                          .cross((points[corners[2]] - middle) / extent));
       triangles.push_back(corners);
+    }
+    if (six < 0.0) {
+      for (Triangle& corners : triangles) std::swap(corners[1], corners[2]);
     }
   } else {
     complaint = failure == qh_ERRsingular ? "all points lie on one plane" : "the search failed";

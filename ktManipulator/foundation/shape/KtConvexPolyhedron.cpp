@@ -1,6 +1,7 @@
 #include "ktManipulator/foundation/shape/KtConvexPolyhedron.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/foundation/shape/KtConvexHull.h"
@@ -12,8 +13,24 @@ namespace {
 
 constexpr std::size_t kScanned = 32;  // vertices that are looked through faster than walked along
 
-KtVector normalOf(const std::array<KtU32, 3>& t, const std::vector<KtVector>& points) {
-  return (points[t[1]] - points[t[0]]).cross(points[t[2]] - points[t[0]]);
+// Calls visit(normal, corner) for the faces until it gives false. Left out are faces so thin, for a
+// body of this extent, that rounding turns their planes; their neighbours bound the body there.
+//
+// Gives false if a call did, or if no face is left.
+template <class Visit>
+bool visitFaces(const KtBasePolyhedralExtent& body, double extent, Visit&& visit) {
+  bool any = false;
+  for (const auto& t : body.triangles()) {
+    const KtVector& corner = body.vertices()[t[0]];
+    const KtVector ab = body.vertices()[t[1]] - corner;
+    const KtVector ac = body.vertices()[t[2]] - corner;
+    const KtVector normal = ab.cross(ac);
+    const double longest = std::max({ab.magSquared(), ac.magSquared(), (ac - ab).magSquared()});
+    if (!(normal.mag() > 1e-9 * extent * std::sqrt(longest))) continue;
+    if (!visit(normal, corner)) return false;
+    any = true;
+  }
+  return any;
 }
 
 }  // namespace
@@ -89,15 +106,19 @@ KtVector KtConvexPolyhedron::ownSupport(const KtVector& direction) const {
 }
 
 void KtConvexPolyhedron::clip(Kt::detail::LineClip& line) const {
-  if (triangles().empty()) line.toNothing();
-  for (const auto& t : triangles()) {
-    line.toHalfSpace(normalOf(t, vertices()), vertices()[t[0]]);
-  }
+  const bool any =
+      index() != nullptr && visitFaces(*this, index()->box().size().largestComponent(),
+                                       [&](const KtVector& normal, const KtVector& corner) {
+                                         line.toHalfSpace(normal, corner);
+                                         return true;
+                                       });
+  if (!any) line.toNothing();
 }
 
 bool KtConvexPolyhedron::ownContains(const KtVector& point) const {
-  return !triangles().empty() &&
-         std::all_of(triangles().begin(), triangles().end(), [&](const auto& t) {
-           return normalOf(t, vertices()).dot(point - vertices()[t[0]]) <= 0.0;
-         });
+  return index() != nullptr && index()->box().contains(point) &&
+         visitFaces(*this, index()->box().size().largestComponent(),
+                    [&](const KtVector& normal, const KtVector& corner) {
+                      return normal.dot(point - corner) <= 0.0;
+                    });
 }
