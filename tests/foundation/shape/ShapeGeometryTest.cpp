@@ -237,6 +237,98 @@ TEST_F(Shapes, LineSegmentsMeetTheFirstPointInside) {
   });
 }
 
+// The mesh with vertices of their own for each triangle, as many files have them.
+KtPolyPhysicalExtent unshared(const KtBasePolyhedralExtent& from) {
+  std::vector<KtVector> vertices;
+  Triangles triangles;
+  for (const auto& t : from.triangles()) {
+    const auto first = static_cast<KtU32>(vertices.size());
+    for (const KtU32 corner : t) vertices.push_back(from.vertices()[corner]);
+    triangles.push_back({first, first + 1, first + 2});
+  }
+  triangles.push_back({0, 0, 1});  // a line encloses nothing and opens nothing
+  KtPolyPhysicalExtent mesh;
+  EXPECT_TRUE(mesh.setMesh(vertices, triangles));
+  return mesh;
+}
+
+TEST_F(Shapes, NoLineSegmentSlipsThroughTheEdgesOfAMesh) {
+  KtConvexPolyhedron hull;
+  ASSERT_TRUE(hull.setFromPoints(randomPoints(60)));
+  const KtPolyPhysicalExtent mesh = unshared(hull);
+  EXPECT_TRUE(mesh.isSolid());
+  EXPECT_NEAR(mesh.volume(), hull.volume(), 1e-14);
+  for (int i = 0; i < 5000; ++i) {
+    const auto& t = hull.triangles()[static_cast<std::size_t>(i) % hull.triangles().size()];
+    const double share = i % 3 == 0 ? 1.0 : uniform(0, 1);
+    const KtVector edge = hull.vertices()[t[0]] * share + hull.vertices()[t[1]] * (1.0 - share);
+    const KtVector inside = hull.vertices()[t[2]] * 0.01;
+    double distance = 0.0;
+    ASSERT_NE(mesh.intersectLineSegment({inside + (edge - inside) * 2.0, inside}, distance),
+              nullptr);
+    ASSERT_NEAR(distance, (edge - inside).mag(), 1e-12);
+  }
+}
+
+TEST_F(Shapes, LineSegmentsFromFarAwayMeetSmallBodies) {
+  forEach([](const KtBasePhysicalExtent& one) {
+    const std::unique_ptr<KtShape> small(dynamic_cast<KtShape*>(one.clone()));
+    small->scaleBy(1e-2);
+    const KtAxisAlignedBoundingBox box = boxOf(*small);
+    for (int i = 0; i < 50; ++i) {
+      const KtVector from = randomVector().unitVector() * 1e6;
+      const KtVector through = randomPointIn(box);
+      const KtVector near = through + (from - through).unitVector();
+      double expected = 0.0;
+      double distance = 0.0;
+      const bool isMet = small->intersectLineSegment({near, through}, expected) != nullptr;
+      const bool isMetFromFar = small->intersectLineSegment({from, through}, distance) != nullptr;
+      // Beside the body by less than rounding it may be either.
+      if (isMet && isMetFromFar) {
+        EXPECT_NEAR(distance - (from - near).mag(), expected, 1e-6);
+      }
+      if (dynamic_cast<const KtBasePhysicalExtent&>(*small).contains(through)) {
+        EXPECT_TRUE(isMet && isMetFromFar);
+      }
+    }
+  });
+}
+
+TEST_F(Shapes, NothingMeetsWhatIsNoNumber) {
+  forEach([&](const KtBasePhysicalExtent& one) {
+    const KtVector inside = one.volumeMoments().first / one.volume();
+    double distance = -7.0;
+    EXPECT_EQ(one.intersectLineSegment({inside, {NAN, 0.0, 0.0}}, distance), nullptr);
+    EXPECT_EQ(one.intersectLineSegment({{NAN, 0.0, 0.0}, inside}, distance), nullptr);
+    const std::unique_ptr<KtBasePhysicalExtent> moved(
+        dynamic_cast<KtBasePhysicalExtent*>(one.clone()));
+    moved->transformBy(T(KtVector(NAN, 0.0, 0.0)));
+    EXPECT_EQ(moved->intersectLineSegment({{}, inside}, distance), nullptr);
+    EXPECT_FALSE(moved->contains(inside));
+    EXPECT_EQ(distance, -7.0);
+  });
+  EXPECT_FALSE(KtAxisAlignedBoundingBox().meets({}, {1.0, 1.0, 1.0}, 1.0));
+}
+
+TEST_F(Shapes, FlatBodiesAreMetThroughTheirVolumes) {
+  KtPolyPhysicalExtent sheet;
+  ASSERT_TRUE(sheet.setMesh({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 3}}));
+  KtConeShape disc(1.0, 0.0);
+  EXPECT_TRUE(disc.contains({0.9, 0.0, 0.0}));
+  EXPECT_FALSE(disc.contains({1.1, 0.0, 0.0}));
+  for (KtShape* flat : {static_cast<KtShape*>(&sheet), static_cast<KtShape*>(&disc)}) {
+    for (const auto type :
+         {KtShape::kConvexHull, KtShape::kSphere, KtShape::kCapsule, KtShape::kBox}) {
+      flat->deleteBoundingVolumes();
+      ASSERT_TRUE(flat->addBoundingVolume(type));
+      double distance = 0.0;
+      EXPECT_EQ(flat->intersectLineSegment({{0.3, 0.4, 1}, {0.3, 0.4, -1}}, 0, distance), flat);
+      EXPECT_EQ(distance, 1.0);
+      EXPECT_EQ(flat->intersectLineSegment({{0.3, 1.4, 1}, {0.3, 1.4, -1}}, 0, distance), nullptr);
+    }
+  }
+}
+
 TEST_F(Shapes, ScalingAndMovingAreThoseOfEveryPoint) {
   forEach([](const KtBasePhysicalExtent& one) {
     for (const double factor : {2.5, -0.5}) {
@@ -353,6 +445,24 @@ TEST_F(Shapes, HullsOfCloudsHaveAllPointsBehindTheirFaces) {
       for (const KtVector& p : points) best = std::max(best, p.dot(d));
       EXPECT_NEAR(hull.support(d).dot(d), best, 1e-12 * size * 100.0);
       EXPECT_EQ(hull.vertices()[hull.closestPointIndex()], hull.support(d));
+    }
+  }
+  // Points that differ by rounding, or little more, make faces whose planes mean nothing.
+  for (int round = 0; round < 200; ++round) {
+    std::vector<KtVector> points;
+    for (const KtVector& p : randomPoints(4 + round % 40)) {
+      for (int i = 0; i <= round % 4; ++i) {
+        points.push_back(p + randomVector() * std::pow(10.0, i * (round % 7) - 16));
+      }
+    }
+    KtConvexPolyhedron hull;
+    ASSERT_TRUE(hull.setFromPoints(points));
+    EXPECT_TRUE(hull.isSolid());
+    const KtVector center = hull.volumeMoments().first / hull.volume();
+    double distance = 0.0;
+    for (const KtVector& p : hull.vertices()) {
+      EXPECT_TRUE(hull.contains(center + (p - center) * 0.99));
+      EXPECT_EQ(hull.intersectLineSegment({center + (p - center) * 9.0, center}, distance), &hull);
     }
   }
   std::vector<KtVector> grid;
