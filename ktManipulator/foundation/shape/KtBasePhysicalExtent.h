@@ -9,8 +9,8 @@ class KT_EXPORT KtBasePhysicalExtent : public KtShape {
   const KtBasePhysicalExtent& physicalExtent() const override { return *this; }
 
   /// Cuts every length and coordinate down, towards 0, to a multiple of a precision; orientations
-  /// stay. The computed volumes around the extent are fitted anew. A precision that is not positive
-  /// and finite changes nothing.
+  /// stay. Volumes around the extent that are of a kind to add are fitted anew. A precision that is
+  /// not positive and finite changes nothing.
   virtual void truncateValues(const double& precision);
   /// Whether the extent encloses a volume. An open mesh doesn't; what has no thickness encloses 0.
   virtual bool isSolid() const { return true; }

@@ -232,7 +232,8 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   virtual void scaleOwn(double factor) = 0;
   /// Moves the geometry of this very shape.
   virtual void transformOwn(const KtCoordinateSystemTransformation& t) = 0;
-  /// Fits the computed volumes around this shape anew after its geometry has changed.
+  /// Fits the volumes around this shape anew after its geometry has changed: those of the kinds
+  /// that can be added, wherever they came from.
   void refitBoundingVolumes();
   /// Sets what `link()` answers.
   void setLink(const KtManipulatorLink* link) noexcept { link_ = link; }
