@@ -60,7 +60,7 @@ TEST_P(RoundTrip, CopiesAreWholeAndIndependent) {
 TEST_P(RoundTrip, SchemaAcceptsWhatIsWritten) {
 #ifdef KT_XMLLINT
   const auto original = GetParam().make();
-  const auto folder = std::filesystem::path(testing::TempDir()) / "ktSchema";
+  const auto folder = std::filesystem::path(KT_TEST_OUTPUT) / "schemas";
   std::filesystem::create_directories(folder);
   const std::string stem = (folder / GetParam().name).string();
   ASSERT_TRUE(original->createSchema(stem + ".xsd", original->token()));
