@@ -646,6 +646,12 @@ TEST_F(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
   EXPECT_EQ(holder.torqueRequiredToExert(1.0, KtGeneralForce({1.0, 1.0, 1.0}, {})), 0.0);
   EXPECT_EQ(holder.jointParameterScalability(), 0.0);
 
+  // A joint that is none is reported with its place.
+  log.clear();
+  EXPECT_FALSE(KtXmlReader::readString(
+      "<linkKinematicsContainer>\n<ball/></linkKinematicsContainer>", holder));
+  EXPECT_TRUE(log.contains("2: <ball> is not an element of linkKinematicsContainer")) << log.text();
+
   Dh link = randomDh(Dh::kPrismatic, Dh::kPaul);
   holder.setTopElement(link);
   holder.setPrimaryFrame(t);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "ktManipulator/foundation/containers/KtXmlHolding.h"
 
@@ -52,14 +53,19 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
     return (topElement_ == nullptr || Kt::detail::writeHeld(writer, *topElement_)) && ok;
   }
   /// Replaces the object by a new one of the tag, made by this holder's creators or the reader's
-  /// factory, and reads it; an unknown tag gives false without a message of this class.
+  /// factory, and reads it; an unknown tag is reported by the reader, with its place, and gives
+  /// false.
   bool readValueFromToken(const KtToken& token, KtXmlReader& reader) override {
     if (token == KtXml::KtAddLibrariesToken) {
       readLibraries(reader);
       return true;
     }
     setAndDeleteTopElementPointer(Kt::detail::makeHeld<E>(*this, token, reader));
-    if (topElement_ == nullptr) return false;
+    if (topElement_ == nullptr) {
+      reader.reportError("<" + std::string(token.localName()) + "> is not an element of " +
+                         std::string(this->token().localName()));
+      return false;
+    }
     topElement_->read(reader);
     return true;
   }
