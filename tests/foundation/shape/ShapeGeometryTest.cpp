@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "ktManipulator/ktManipulator.h"
@@ -153,6 +154,9 @@ TEST_F(Shapes, MassPropertiesAgreeWithThoseOfCommonBodies) {
   const KtEllipsoid ellipsoid(1.0, 2.0, 3.0, T());
   expectSame(KtEllipsoidShape(ellipsoid),
              Mass::uniformSolidAxisAlignedEllipsoid(5.0, 1.0, 2.0, 3.0));
+  // Negative lengths count as their magnitudes.
+  EXPECT_EQ(KtEllipsoidShape(KtEllipsoid(1.0, -2.0, 3.0, T())).volume(), ellipsoid.volume());
+  EXPECT_EQ(KtBoxShape({1.0, -2.0, 3.0}).volume(), 6.0);
   // The solid cone about its base: 3/80 (4 r^2 + h^2) m about its centre of mass.
   Mass cone(5.0, {0.0, 0.0, 5.0 * 0.5}, [] {
     const double across = 3.0 / 80.0 * (4.0 * 0.25 + 4.0) * 5.0 + 5.0 * 0.25;
@@ -553,6 +557,16 @@ TEST_F(Shapes, MeshesAndUnionsConsistOfConvexParts) {
   extents.addMember(sheet);
   EXPECT_EQ(extents.convexPart(3).shape(), extents.member(0));
   EXPECT_EQ(extents.convexPart(3).owner(), &extents);
+  constexpr double far = std::numeric_limits<double>::infinity();
+  std::vector<KtU32> all;
+  both.convexPartsInBox({{-far, -far, -far}, {far, far, far}}, all);
+  EXPECT_EQ(all.size(), both.numberOfConvexParts());
+  // An open member makes a union open, one without a point plays no part.
+  EXPECT_FALSE(both.isSolid());
+  KtShapeUnion solid;
+  solid.addMember(KtBoxShape({1.0, 1.0, 1.0}));
+  solid.addMember(KtPolyPhysicalExtent());
+  EXPECT_TRUE(solid.isSolid());
   const KtVector d = randomVector();
   double farthest = -1e300;
   for (KtU32 i = 0; i < both.numberOfConvexParts(); ++i) {
@@ -607,6 +621,7 @@ TEST_F(Shapes, TruncatedValuesAreMultiples) {
   shapes.addMember(hull);
   ASSERT_TRUE(shapes.addBoundingVolume(KtShape::kSphere));
   ASSERT_TRUE(shapes.addBoundingVolume(KtShape::kBox));
+  shapes.outerBoundingVolume()->setIdentifier("ball");
   shapes.truncateValues(-1.0);
   shapes.truncateValues(NAN);
   EXPECT_EQ(dynamic_cast<const KtConvexPolyhedron&>(*shapes.member(1)), hull);
@@ -617,6 +632,7 @@ TEST_F(Shapes, TruncatedValuesAreMultiples) {
   for (const KtVector& v : dynamic_cast<const KtConvexPolyhedron&>(*shapes.member(1)).vertices()) {
     EXPECT_NEAR(v.x * 10.0, std::round(v.x * 10.0), 1e-14);
   }
+  EXPECT_EQ(shapes.outerBoundingVolume()->identifier(), "ball");
   for (int i = 0; i < 100; ++i) {
     const KtVector d = randomVector().unitVector();
     const KtShape* volume = shapes.KtShape::outerBoundingVolume();

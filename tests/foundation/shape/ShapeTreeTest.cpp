@@ -226,7 +226,11 @@ TEST(ShapeTree, SurfacesAreFoundByLabel) {
   EXPECT_EQ(box.surfaceType(0, {}), "metal");
 
   // A volume has the surface of what it bounds, in the colour of volumes.
+  const KtBoxShape hard = box;
+  box.setTakesContactForces(false);
+  EXPECT_NE(box, hard);
   box.addBoundingVolume(KtShape::kSphere);
+  EXPECT_FALSE(box.outerBoundingVolume()->takesContactForces());
   double value = 0.0;
   ASSERT_NE(box.outerBoundingVolume()->defaultSurface(), nullptr);
   EXPECT_TRUE(box.outerBoundingVolume()->defaultSurface()->lookup("k", value));
@@ -341,6 +345,9 @@ TEST(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
   EXPECT_EQ(ab->frictionMode(), KtShapeCollisionData::kKinetic);
   cache.setValid(bc);
   EXPECT_EQ(visit(), std::vector{bc});
+  cache.invalidateAll();  // takes the visit back to its start, too
+  cache.setValid(bc);
+  EXPECT_EQ(cache.nextCollisionData(), bc);
   KtSystemShapeCollisionCache other = copy;
   KtShapeCollisionData* copied = other.getCollisionData(kA, kB);
   EXPECT_NE(copied, ab);
@@ -365,6 +372,7 @@ TEST(ShapeCollisionCache, APairHasOneRecordInBothOrders) {
   record.setLinkPointer(kC, nullptr);
   record.setClosestPointIndex(kB, 7);
   record.setCollisionNormal({1, 0, 0});
+  record.setLineOfAction({0, 1, 0});
   record.addPenetrationPoint({1, 1, 1}, {2, 2, 2});
   record.setVelocityPrimaryObject(kB, {{1, 0, 0}, {}});
   record.setStaticStartCollisionPointInPrimary1({4, 0, 0});
@@ -376,6 +384,7 @@ TEST(ShapeCollisionCache, APairHasOneRecordInBothOrders) {
   EXPECT_EQ(turned.link2Pointer(), &one);
   EXPECT_EQ(turned.closestPointIndex1(), 7U);
   EXPECT_EQ(turned.collisionNormal(), KtVector(-1, 0, 0));
+  EXPECT_EQ(turned.lineOfAction(), KtVector(0, -1, 0));
   EXPECT_EQ(turned.penetrationPointPrimary(0, 0), KtVector(2, 2, 2));
   EXPECT_EQ(turned.getPenetrationPointShapePrimary(kA, 0), KtVector(1, 1, 1));
   EXPECT_EQ(turned.penetrationPointPrimary(2, 0), KtVector());
