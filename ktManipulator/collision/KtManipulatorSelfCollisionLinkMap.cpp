@@ -1,22 +1,25 @@
 #include "ktManipulator/collision/KtManipulatorSelfCollisionLinkMap.h"
 
 #include <algorithm>
-#include <vector>
+#include <iterator>
+#include <set>
 
 #include "ktManipulator/model/KtIndividualManipulator.h"
 
 void KtManipulatorSelfCollisionLinkMap::buildMapFromSystem(
     const KtIndividualManipulator& manipulator) {
   const KtU32 count = manipulator.jointDof();
-  std::vector<const KtManipulatorLink*> links;
-  links.reserve(count + 1);
+  std::set<KtXmlBasicType<KtString>> labels;
   for (KtU32 i = 0; i < count; ++i) {
-    if (const KtManipulatorLink* link = manipulator.linkByIndex(i)) links.push_back(link);
+    if (const KtManipulatorLink* link = manipulator.linkByIndex(i)) labels.insert(link->label());
   }
-  links.push_back(&manipulator);
-  for (std::size_t i = 0; i < links.size(); ++i) {
-    for (std::size_t j = 0; j <= i; ++j) {
-      setLinkCollisionCanditateByIdentifier(links[i]->label(), links[j]->label(), false);
+  labels.insert(manipulator.label());
+  // In the order of the maps, so that each entry's place is known: the pairs are many.
+  for (auto first = labels.begin(); first != labels.end(); ++first) {
+    auto& inner = mapContainer()[*first].mapContainer();
+    auto place = inner.begin();
+    for (auto second = first; second != labels.end(); ++second) {
+      place = std::next(inner.insert_or_assign(place, *second, false));
     }
   }
 }
