@@ -57,6 +57,7 @@ void KtIndividualManipulator::copyOwnFrom(const KtIndividualManipulator& other) 
 }
 
 bool KtIndividualManipulator::read(KtXmlReader& reader) {
+  referenceManipulator_ = this;  // until a system maps what the file says
   const bool good = KtManipulatorLink::read(reader);
   mapManipulator();
   mapLinkCollisionCandidates();
@@ -120,13 +121,13 @@ void KtIndividualManipulator::setChildLinks(const KtXmlVectorType<KtManipulatorL
 void KtIndividualManipulator::addChild(const KtManipulatorLink& link) {
   const KtManipulatorLink* first = ownChildLinks().size() > 0 ? &ownChildLinks()[0] : nullptr;
   KtManipulatorLink::addChild(link);
-  if (isReference()) return;
   auto& children = ownChildLinks();
   if (first != nullptr && first != &children[0]) {
     // The list has moved the children: no entry of the tables holds any more.
     mapManipulator();
     return;
   }
+  if (isReference()) return;
   const std::size_t before = linkTable_.size();
   KtManipulatorLink& child = children[children.size() - 1];
   child.mapLinks(linkTable_, labelTable_);
