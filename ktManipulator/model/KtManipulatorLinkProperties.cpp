@@ -137,6 +137,7 @@ bool KtManipulatorLink::addBoundingVolume(KtShape::KtShapeValues type) {
 }
 
 void KtManipulatorLink::deleteBoundingVolumes() {
+  forgetShapeTables();  // which mapShapes doesn't where the link references other shapes
   memberShapeContainer_.deleteBoundingVolumes();
   mapShapes();
 }
@@ -184,6 +185,11 @@ void KtManipulatorLink::truncateValues(const double& precision) {
     auto* extent = dynamic_cast<KtBasePhysicalExtent*>(own(getNthNonBoundingShape(i)));
     if (extent != nullptr) extent->truncateValues(precision);
   }
+  // Bounding volumes were fitted anew, to shapes that may be those of a referenced link.
+  KtManipulatorLink* owner = this;
+  while (owner->referenceLink_ != owner) owner = owner->referenceLink_;
+  owner->forgetShapeTables();
+  owner->mapShapes();
 }
 
 void KtManipulatorLink::optimizeForRendering() {}
@@ -545,8 +551,10 @@ bool KtManipulatorLink::replaceLinkProperties(const std::string& label,
   // The default constraints are made for this link's own place in the state.
   updateDefaultLimitConstraints();
   if (!withShape) return true;
+  // Found first: the source may be this link, or use its shapes.
+  const KtShapeContainer& shapes = source.shapeContainer();
   linkReferenceDescription_.setIsShapeReferenced(false);
   referenceLink_ = this;
-  setShapeContainer(source.shapeContainer());
+  setShapeContainer(shapes);
   return true;
 }
