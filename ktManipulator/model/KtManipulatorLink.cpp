@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
@@ -33,9 +34,10 @@ KtManipulatorLink::KtManipulatorLink(const KtManipulatorLink& other) : KtXmlPers
 KtManipulatorLink& KtManipulatorLink::operator=(const KtManipulatorLink& other) {
   if (this == &other) return *this;
   // The other may stand in a subtree that the assignment is about to remove.
-  const KtXmlVectorType<KtManipulatorLink> children = other.childLinks_;
+  // Moving the list in leaves the children where they are, and copies the subtree only once.
+  KtXmlVectorType<KtManipulatorLink> children = other.childLinks_;
   copyAllButChildLinksFrom(other);
-  childLinks_ = children;
+  childLinks_ = std::move(children);
   adoptChildren();
   return *this;
 }
@@ -86,6 +88,9 @@ void KtManipulatorLink::rebind() {
 }
 
 bool KtManipulatorLink::read(KtXmlReader& reader) {
+  // The shapes are about to go, and what was referenced is not what the file says.
+  forgetShapeTables();
+  referenceLink_ = this;
   const bool good = KtXmlCompoundType::read(reader);
   mapShapes();
   adoptChildren();
@@ -93,10 +98,12 @@ bool KtManipulatorLink::read(KtXmlReader& reader) {
   updateDHMassProperties();
   if (!(oldJointActuator_ == KtOldJointActuator::nullObject())) {
     jointActuator_.setFromOldJointActuator(oldJointActuator_);
+    oldJointActuator_ = KtOldJointActuator();  // the next file may have none
   }
   const auto* held = dynamic_cast<const KtOldJointActuator*>(oldJointActuatorContainer_.element());
   if (held != nullptr && !(*held == KtOldJointActuator::nullObject())) {
     jointActuator_.setFromOldJointActuator(*held);
+    oldJointActuatorContainer_ = KtJointActuatorContainer();
   }
   jointActuator_.setManipulatorLink(this);
   updateDefaultLimitConstraints();
@@ -148,14 +155,16 @@ void KtManipulatorLink::setLabel(const std::string& label) {
 }
 
 void KtManipulatorLink::appendToAllLabels(const std::string& suffix) {
-  label_ = label_.value() + suffix;
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.appendToAllLabels(suffix);
+  const std::string kept = suffix;  // it may be one of the labels
+  label_ = label_.value() + kept;
+  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.appendToAllLabels(kept);
 }
 
 void KtManipulatorLink::relabelSubtree(const std::string& prefix, KtU32& counter) {
-  setLabel(prefix + std::to_string(counter++));
+  const std::string kept = prefix;  // it may be one of the labels
+  setLabel(kept + std::to_string(counter++));
   for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
-    child.relabelSubtree(prefix, counter);
+    child.relabelSubtree(kept, counter);
   }
 }
 
@@ -188,8 +197,8 @@ const KtXmlVectorType<KtManipulatorLink>& KtManipulatorLink::childLinks() const 
 void KtManipulatorLink::setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) {
   if (&links != &childLinks_) {
     // The links may stand below one of those that go.
-    const KtXmlVectorType<KtManipulatorLink> copy = links;
-    childLinks_ = copy;
+    KtXmlVectorType<KtManipulatorLink> copy = links;
+    childLinks_ = std::move(copy);
   }
   adoptChildren();
 }
