@@ -4,6 +4,7 @@
 #include <memory>
 #include <numbers>
 
+#include "support/Allocations.h"
 #include "support/KtLogCapture.h"
 #include "support/Random.h"
 #include "support/Trees.h"
@@ -88,6 +89,14 @@ TEST_F(Links, WholeTreesAreRelabelledAndExtended) {
   expectSound(tree);
   tree.clearChildLinks();
   EXPECT_EQ(tree.subtreeLinkCount(), 1U);
+  // By one of their own labels.
+  Link own = smallTree();
+  own.appendToAllLabels(own.childLinks()[0].label());
+  EXPECT_EQ(own.label(), "RP");
+  EXPECT_EQ(own.childLinks()[1].label(), "QP");
+  counter = 0;
+  own.relabelSubtree(own.label(), counter);
+  EXPECT_EQ(own.childLinks()[1].label(), "RP3");
 }
 
 TEST_F(Links, CopiesStandAlone) {
@@ -125,6 +134,65 @@ TEST_F(Links, CopiesStandAlone) {
   EXPECT_EQ(copy.numShapes(), 1U);
   copy.copyAllButChildLinksFrom(copy);
   EXPECT_EQ(copy.childLinks().size(), 0U);
+}
+
+// By memory asked for, which is the same on every machine.
+TEST_F(Links, DeepTreesAreAssignedAtTheCostOfACopy) {
+  Link chain = labelled("0");
+  for (int i = 1; i < 60; ++i) chain.addLinkToEndOfChain(labelled(std::to_string(i)));
+  const Allocations copying;
+  Link target(chain);
+  const std::size_t once = copying.count();
+  const Allocations assigning;
+  target = chain;
+  EXPECT_LE(assigning.count(), 2 * once);
+  const Allocations setting;
+  target.setChildLinks(chain.childLinks());
+  EXPECT_LE(setting.count(), 2 * once);
+  EXPECT_EQ(target, chain);
+  expectSound(target);
+}
+
+TEST_F(Links, TablesOfShapesNeverOutliveTheShapes) {
+  KtLinkReferenceDescription description;
+  description.setIsShapeReferenced(true);
+  const std::string referring = [&] {
+    Link link;
+    link.setLinkReferenceDescription(description);
+    return KtXmlWriter::writeString(link);
+  }();
+  const auto bounded = [] {
+    Link link;
+    link.setShape(KtSphereShape());
+    EXPECT_TRUE(link.addBoundingVolume(KtShape::kBox));
+    EXPECT_EQ(link.numShapes(), 2U);
+    return link;
+  };
+  const auto last = [](const Link& link) {
+    return link.shapeContainer().topElement()->outerBoundingVolume();
+  };
+  Link truncated = bounded();
+  truncated.truncateValues(0.125);
+  EXPECT_EQ(truncated.shapeByIndex(1), last(truncated));
+  EXPECT_EQ(last(truncated)->link(), &truncated);
+  Link target = bounded();
+  target.setLabel("target");
+  Link referrer;
+  description.setReferencedLinkLabel("target");
+  referrer.setLinkReferenceDescription(description);
+  referrer.setLinkReferences({{"target", &target}});
+  referrer.truncateValues(0.125);
+  EXPECT_EQ(target.shapeByIndex(1), last(target));
+  Link converted = bounded();
+  converted.setLinkReferenceDescription(description);
+  converted.deleteBoundingVolumes();
+  EXPECT_EQ(converted.shapeByIndex(1), nullptr);
+  Link read = bounded();
+  ASSERT_TRUE(KtXmlReader::readString(referring, read));
+  EXPECT_EQ(read.shapeByIndex(0), nullptr);
+  // A link that is read references nothing until it is mapped.
+  ASSERT_TRUE(KtXmlReader::readString(referring, referrer));
+  EXPECT_EQ(referrer.shapeByIndex(0), nullptr);
 }
 
 TEST_F(Links, MassIsTheSumOfWhatIsThere) {
@@ -346,6 +414,10 @@ TEST_F(Links, ActuatorsOfOlderFilesAreTakenOver) {
   const std::string written = KtXmlWriter::writeString(link);
   EXPECT_EQ(written.find("<jointActuator>"), std::string::npos);
   EXPECT_NE(written.find("compositeJointActuator"), std::string::npos);
+  // A newer file that is read into the same link counts.
+  Link other;
+  ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(other), link));
+  EXPECT_EQ(link.jointActuator(), other.jointActuator());
 }
 
 }  // namespace

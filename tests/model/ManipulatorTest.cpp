@@ -123,6 +123,24 @@ TEST_F(Manipulators, TablesFollowEveryEdit) {
   }
 }
 
+// One that is called a reference after it was mapped has no table of links that have moved.
+TEST_F(Manipulators, ReferencesKeepNoLinksThatHaveMoved) {
+  Arm arm = trees::randomManipulator(1);
+  KtManipulatorReferenceDescription description;
+  description.setIsManipulatorReferenced(true);
+  arm.setManipulatorReferenceDescription(description);
+  for (int i = 0; i < 4; ++i) {
+    arm.addChild(Link());
+    EXPECT_TRUE(arm.jointDof() == 0 || arm.linkByIndex(0) == &arm.childLinks()[0]);
+  }
+  // What it stood for is forgotten with the file that said so.
+  KtXmlVectorType<Arm> others(1, trees::randomManipulator(3));
+  others[0].changeLinkLabel("base", "");
+  ASSERT_TRUE(arm.configureManipulatorReference(others));
+  ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(Arm()), arm));
+  EXPECT_EQ(arm.jointDof(), 0U);
+}
+
 TEST_F(Manipulators, OneLabelLeadsToTheFirstIndexAndTheLastLink) {
   Arm arm;
   arm.addChild(trees::randomLink("twin"));
@@ -209,6 +227,10 @@ TEST_F(Manipulators, LinksShareEqualShapesUntilOneChanges) {
   EXPECT_EQ(&c.shapeContainer(), &a.shapeContainer());
   EXPECT_EQ(c.shapeByIndex(0), a.shapeByIndex(0));
   EXPECT_EQ(c.numShapes(), 1U);
+  // A link is replaced by itself, with the shape that it referenced.
+  Arm same(arm);
+  EXPECT_TRUE(same.replaceLinkProperties("c", *same.linkByIndex(2), true));
+  EXPECT_EQ(same.linkByIndex(2)->memberShapeContainer(), a.shapeContainer());
   // The same through a file.
   Arm read;
   ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(arm), read));
