@@ -228,6 +228,28 @@ TEST_F(Links, MassIsTheSumOfWhatIsThere) {
   EXPECT_EQ(tree.childLinks()[1].jointActuator(), KtJointActuator::defaultObject());
 }
 
+TEST_F(Links, AttachedManipulatorsAddTheMassOfTheirRoot) {
+  KtStatedSystem stated;
+  stated.addManipulator(trees::randomManipulator(1));
+  stated.addManipulator(trees::randomManipulator(2));
+  const Link& link = *stated.system().manipulators()[0].linkByIndex(0);
+  const T offset = randomTransformation();
+  KtManipulatorAttachmentMap attachments;
+  attachments.attachManipulator(1, 0, link.label(), offset);
+  stated.setManipulatorAttachmentMap(attachments);
+  KtStatedSystemStruct asker;
+  asker.statedSystem = &stated;
+  Mass all = stated.system().manipulators()[1].massProperties();
+  all.transformBy(offset);
+  all += link.massProperties();
+  EXPECT_TRUE(link.massProperties(&asker).approxEq(all, 1e-13));
+  all.transformBy(link.primaryFrame());
+  EXPECT_TRUE(link.massPropertiesInDHFrame(&asker).approxEq(all, 1e-12));
+  Link framed(link);
+  framed.addNamedFrame("frame", offset);
+  EXPECT_FALSE(framed.equalForReferencing(link));
+}
+
 TEST_F(Links, MovingThePrimaryFrameLeavesTheBody) {
   Link link = trees::randomLink("link");
   link.setShape(KtBoxShape());
