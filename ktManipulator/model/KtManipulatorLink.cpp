@@ -96,14 +96,13 @@ bool KtManipulatorLink::read(KtXmlReader& reader) {
   adoptChildren();
   updateMassProperties();
   updateDHMassProperties();
+  // The old form stays, and is taken over again by the next read into this link.
   if (!(oldJointActuator_ == KtOldJointActuator::nullObject())) {
     jointActuator_.setFromOldJointActuator(oldJointActuator_);
-    oldJointActuator_ = KtOldJointActuator();  // the next file may have none
   }
   const auto* held = dynamic_cast<const KtOldJointActuator*>(oldJointActuatorContainer_.element());
   if (held != nullptr && !(*held == KtOldJointActuator::nullObject())) {
     jointActuator_.setFromOldJointActuator(*held);
-    oldJointActuatorContainer_ = KtJointActuatorContainer();
   }
   jointActuator_.setManipulatorLink(this);
   updateDefaultLimitConstraints();

@@ -436,10 +436,12 @@ TEST_F(Links, ActuatorsOfOlderFilesAreTakenOver) {
   const std::string written = KtXmlWriter::writeString(link);
   EXPECT_EQ(written.find("<jointActuator>"), std::string::npos);
   EXPECT_NE(written.find("compositeJointActuator"), std::string::npos);
-  // A newer file that is read into the same link counts.
+  // It is so again when a newer file is read into the same link, but not into another one.
   Link other;
   ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(other), link));
-  EXPECT_EQ(link.jointActuator(), other.jointActuator());
+  EXPECT_EQ(link.jointActuator().upperLimit(), 0.5);
+  ASSERT_TRUE(KtXmlReader::readString(written, other));
+  EXPECT_EQ(other.jointActuator().upperLimit(), 0.5);
 }
 
 }  // namespace
