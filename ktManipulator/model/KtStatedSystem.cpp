@@ -176,6 +176,7 @@ KtU32 KtStatedSystem::addShapeAsManipulator(const KtShape& shape,
   KtManipulatorLink body;
   body.setFromShape(shape);
   body.setLabel(label);
+  body.mapShapes();  // only numbered shapes take properties
   body.setSurfaceProperties(shape.surfaceLabel(), data);
   KtIndividualManipulator manipulator;
   manipulator.setFromLink(body);

@@ -343,7 +343,10 @@ TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
     stated.changeDiffuseAlpha(bad, 0.5);
     EXPECT_EQ(log.text(), "");
   }
-  EXPECT_NE(stated.shapeByKey({1, ktBaseIndex, 0}), nullptr);
+  const KtShape* added = stated.shapeByKey({1, ktBaseIndex, 0});
+  ASSERT_NE(added, nullptr);
+  ASSERT_NE(added->defaultSurface(), nullptr);
+  EXPECT_EQ(*added->defaultSurface(), data);
   const KtShapeStateCacheKey key(0, 0, 0);
   const KtLogCapture log;
   stated.changeDiffuseAlpha(key, 0.5);
