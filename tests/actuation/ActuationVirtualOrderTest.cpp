@@ -10,7 +10,7 @@ using RealLists = KtActuatorState::RealLists;
 
 TEST(VirtualOrder, ActuatorStateKeepsIts) {
   using S = KtActuatorState;
-  expectOrderOf(
+  expectOrder(
       "KtActuatorState", kCompound + 1, static_cast<const Reals& (S::*)() const>(&S::outputTorques),
       static_cast<Reals& (S::*)()>(&S::outputTorques), &S::setOutputTorques,
       static_cast<const Reals& (S::*)() const>(&S::motorPositions),
@@ -33,34 +33,34 @@ TEST(VirtualOrder, ActuatorStateKeepsIts) {
       static_cast<RealLists& (S::*)()>(&S::powerConverterStates), &S::setPowerConverterStates,
       &S::resize);
   using M = KtManufacturerData;
-  expectOrderOf("KtManufacturerData", kCompound + 1, &M::manufacturer, &M::setManufacturer,
-                &M::partNumber, &M::setPartNumber, &M::isValid);
+  expectOrder("KtManufacturerData", kCompound + 1, &M::manufacturer, &M::setManufacturer,
+              &M::partNumber, &M::setPartNumber, &M::isValid);
 }
 
 TEST(VirtualOrder, JointActuatorsKeepTheirs) {
   using B = KtBaseJointActuator;
-  expectOrderOf("KtBaseJointActuator", kCompound + 1, &B::setManipulatorLink, &B::lowerLimit,
-                &B::setLowerLimit, &B::upperLimit, &B::setUpperLimit, &B::maxOutputRate,
-                &B::setMaxOutputRate, &B::maxOutputTorque, &B::minOutputTorque, &B::maxTorque,
-                &B::setMaxTorque, &B::minTorque, &B::setMinTorque, &B::inertia, &B::setInertia,
-                &B::frictionCoefficient, &B::setFrictionCoefficient, &B::gearRatio, &B::isRigid,
-                &B::outputTorque, &B::linearTorque, &B::acceleration, &B::effectiveInertia,
-                &B::scaleBy, &B::initializeActuatorStates);
+  expectOrder("KtBaseJointActuator", kCompound + 1, &B::setManipulatorLink, &B::lowerLimit,
+              &B::setLowerLimit, &B::upperLimit, &B::setUpperLimit, &B::maxOutputRate,
+              &B::setMaxOutputRate, &B::maxOutputTorque, &B::minOutputTorque, &B::maxTorque,
+              &B::setMaxTorque, &B::minTorque, &B::setMinTorque, &B::inertia, &B::setInertia,
+              &B::frictionCoefficient, &B::setFrictionCoefficient, &B::gearRatio, &B::isRigid,
+              &B::outputTorque, &B::linearTorque, &B::acceleration, &B::effectiveInertia,
+              &B::scaleBy, &B::initializeActuatorStates);
   using O = KtOldJointActuator;
-  expectOrderOf("KtOldJointActuator", kCompound + 1 + 25, &O::setGearRatio, &O::stopperZone,
-                &O::setStopperZone, &O::stopperSpringCoefficient, &O::setStopperSpringCoefficient,
-                &O::stopperDampingCoefficient, &O::setStopperDampingCoefficient,
-                &O::staticCoulombFriction, &O::setStaticCoulombFriction,
-                &O::kineticCoulombFrictionPercentage, &O::setKineticCoulombFrictionPercentage,
-                &O::staticCoulombSpringCoefficient, &O::setStaticCoulombSpringCoefficient,
-                &O::staticCoulombDamperCoefficient, &O::setStaticCoulombDamperCoefficient,
-                &O::limitingVelocityStickRegion, &O::setLimitingVelocityStickRegion, &O::setIsRigid,
-                &O::jointFlexibilityStiffness, &O::setJointFlexibilityStiffness,
-                &O::jointFlexibilityDamping, &O::setJointFlexibilityDamping, &O::backlash,
-                &O::setBacklash, &O::stopperTorque, &O::viscousFrictionTorque,
-                &O::dryFrictionTorque, &O::nonRigidOutputTorque);
+  expectOrder("KtOldJointActuator", kCompound + 1 + 25, &O::setGearRatio, &O::stopperZone,
+              &O::setStopperZone, &O::stopperSpringCoefficient, &O::setStopperSpringCoefficient,
+              &O::stopperDampingCoefficient, &O::setStopperDampingCoefficient,
+              &O::staticCoulombFriction, &O::setStaticCoulombFriction,
+              &O::kineticCoulombFrictionPercentage, &O::setKineticCoulombFrictionPercentage,
+              &O::staticCoulombSpringCoefficient, &O::setStaticCoulombSpringCoefficient,
+              &O::staticCoulombDamperCoefficient, &O::setStaticCoulombDamperCoefficient,
+              &O::limitingVelocityStickRegion, &O::setLimitingVelocityStickRegion, &O::setIsRigid,
+              &O::jointFlexibilityStiffness, &O::setJointFlexibilityStiffness,
+              &O::jointFlexibilityDamping, &O::setJointFlexibilityDamping, &O::backlash,
+              &O::setBacklash, &O::stopperTorque, &O::viscousFrictionTorque, &O::dryFrictionTorque,
+              &O::nonRigidOutputTorque);
   using J = KtJointActuator;
-  expectOrderOf(
+  expectOrder(
       "KtJointActuator", kCompound + 1, &J::setManipulatorLink, &J::mechanicalComponentContainer,
       &J::setMechanicalPartContainer, &J::setMechanicalComponent, &J::powerConverterContainer,
       &J::setPowerConverterContainer, &J::setPowerConverter, &J::lowerLimit, &J::setLowerLimit,
@@ -75,7 +75,7 @@ TEST(VirtualOrder, JointActuatorsKeepTheirs) {
 
 TEST(VirtualOrder, MechanicalComponentsKeepTheirs) {
   using C = KtMechanicalActuatorComponent;
-  expectOrderOf(
+  expectOrder(
       "KtMechanicalActuatorComponent", kCompound + 1, &C::setManipulatorLink, &C::inertia,
       &C::setInertia, &C::frictionCoefficient, &C::setFrictionCoefficient, &C::gearRatio,
       &C::setGearRatio, &C::lowerLimit, &C::setLowerLimit, &C::upperLimit, &C::setUpperLimit,
@@ -92,40 +92,40 @@ TEST(VirtualOrder, MechanicalComponentsKeepTheirs) {
       &C::stopperTorque, &C::viscousFrictionTorque, &C::dryFrictionTorque, &C::acceleration,
       &C::effectiveInertia, &C::scaleBy, &C::initializeActuatorStates, &C::nonRigidOutputTorque);
   using H = KtMechanicalActuatorComponentContainer;
-  expectOrderOf("KtMechanicalActuatorComponentContainer", kHolder + 4, &H::outputTorque,
-                &H::linearTorque);
+  expectOrder("KtMechanicalActuatorComponentContainer", kHolder + 4, &H::outputTorque,
+              &H::linearTorque);
 }
 
 TEST(VirtualOrder, PowerConvertersKeepTheirs) {
   using B = KtBasePowerConverter;
-  expectOrderOf("KtBasePowerConverter", kCompound + 1, &B::setManipulatorLink, &B::maxTorque,
-                &B::setMaxTorque, &B::minTorque, &B::setMinTorque, &B::numStateVariables,
-                &B::scaleBy, &B::outputTorque, &B::computeStateDerivatives, &B::limitOutputTorque);
+  expectOrder("KtBasePowerConverter", kCompound + 1, &B::setManipulatorLink, &B::maxTorque,
+              &B::setMaxTorque, &B::minTorque, &B::setMinTorque, &B::numStateVariables, &B::scaleBy,
+              &B::outputTorque, &B::computeStateDerivatives, &B::limitOutputTorque);
   using M = KtDcElectricMotor;
-  expectOrderOf("KtDcElectricMotor", kCompound + 1 + 10, &M::armatureInductance,
-                &M::setArmatureInductance, &M::armatureResistance, &M::setArmatureResistance,
-                &M::torqueConstant, &M::setTorqueConstant, &M::maxEfficiency, &M::setMaxEfficiency,
-                &M::noLoadSpeed, &M::setNoLoadSpeed, &M::noLoadCurrent, &M::setNoLoadCurrent,
-                &M::stallTorque, &M::setStallTorque);
+  expectOrder("KtDcElectricMotor", kCompound + 1 + 10, &M::armatureInductance,
+              &M::setArmatureInductance, &M::armatureResistance, &M::setArmatureResistance,
+              &M::torqueConstant, &M::setTorqueConstant, &M::maxEfficiency, &M::setMaxEfficiency,
+              &M::noLoadSpeed, &M::setNoLoadSpeed, &M::noLoadCurrent, &M::setNoLoadCurrent,
+              &M::stallTorque, &M::setStallTorque);
   using H = KtPowerConverterContainer;
-  expectOrderOf("KtPowerConverterContainer", kHolder + 4, &H::numStateVariables, &H::outputTorque,
-                &H::computeStateDerivatives);
+  expectOrder("KtPowerConverterContainer", kHolder + 4, &H::numStateVariables, &H::outputTorque,
+              &H::computeStateDerivatives);
 }
 
 TEST(VirtualOrder, SpringsAndDampersKeepTheirs) {
   using M = const KtIndividualManipulator&;
   using S = KtSpringProperties;
-  expectOrderOf("KtSpringProperties", kCompound + 1, &S::springConstant, &S::setSpringConstant,
-                &S::weightingFactors, &S::setWeightingFactors, &S::springOffsets,
-                &S::setSpringOffsets, &S::associatedJoints, &S::setAssociatedJoints,
-                static_cast<double (S::*)(M, const KtPositionState&) const>(&S::torque),
-                static_cast<double (S::*)(M, const Active&) const>(&S::torque));
+  expectOrder("KtSpringProperties", kCompound + 1, &S::springConstant, &S::setSpringConstant,
+              &S::weightingFactors, &S::setWeightingFactors, &S::springOffsets,
+              &S::setSpringOffsets, &S::associatedJoints, &S::setAssociatedJoints,
+              static_cast<double (S::*)(M, const KtPositionState&) const>(&S::torque),
+              static_cast<double (S::*)(M, const Active&) const>(&S::torque));
   using D = KtDamperProperties;
-  expectOrderOf("KtDamperProperties", kCompound + 1, &D::damperConstant, &D::setDamperConstant,
-                &D::weightingFactors, &D::setWeightingFactors, &D::associatedJoints,
-                &D::setAssociatedJoints,
-                static_cast<double (D::*)(M, const KtVelocityState&) const>(&D::torque),
-                static_cast<double (D::*)(M, const Active&) const>(&D::torque));
+  expectOrder("KtDamperProperties", kCompound + 1, &D::damperConstant, &D::setDamperConstant,
+              &D::weightingFactors, &D::setWeightingFactors, &D::associatedJoints,
+              &D::setAssociatedJoints,
+              static_cast<double (D::*)(M, const KtVelocityState&) const>(&D::torque),
+              static_cast<double (D::*)(M, const Active&) const>(&D::torque));
 }
 
 }  // namespace

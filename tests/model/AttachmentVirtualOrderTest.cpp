@@ -5,16 +5,14 @@ namespace {
 
 TEST(VirtualOrder, AttachmentsKeepTheirs) {
   using M = KtManipulatorAttachmentMap;
-  expectOrder("KtManipulatorAttachmentMap", kMap + 1,
-              {slotOf(&M::attachManipulator), slotOf(&M::removeManipulatorAttachment),
-               slotOf(&M::getDependentManipulatorInfo), slotOf(&M::dependentManipulators),
-               slotOf(&M::getDependentManipulatorsAndOffsets), slotOf(&M::calculateBaseLocations)});
+  expectOrder("KtManipulatorAttachmentMap", kMap + 1, &M::attachManipulator,
+              &M::removeManipulatorAttachment, &M::getDependentManipulatorInfo,
+              &M::dependentManipulators, &M::getDependentManipulatorsAndOffsets,
+              &M::calculateBaseLocations);
   using A = KtLinkAttachment;
-  expectOrder("KtLinkAttachment", kCompound + 1,
-              {slotOf(&A::manipulatorIndex), slotOf(&A::setManipulatorIndex),
-               slotOf(&A::linkIdentifier), slotOf(&A::setLinkIdentifier), slotOf(&A::frame),
-               slotOf(&A::setFrame), slotOf(&A::calculatePlacement), slotOf(&A::calculateVelocity),
-               slotOf(&A::calculateAcceleration)});
+  expectOrder("KtLinkAttachment", kCompound + 1, &A::manipulatorIndex, &A::setManipulatorIndex,
+              &A::linkIdentifier, &A::setLinkIdentifier, &A::frame, &A::setFrame,
+              &A::calculatePlacement, &A::calculateVelocity, &A::calculateAcceleration);
 }
 
 }  // namespace

@@ -9,10 +9,10 @@ using Text = const std::string&;
 
 TEST(VirtualOrder, SystemsKeepTheirs) {
   using E = KtSystemEnvironment;
-  expectOrderOf("KtSystemEnvironment", kCompound + 1, &E::coordSysXForm, &E::setCoordSysXForm,
-                &E::upGravityVector, &E::setUpGravityVector);
+  expectOrder("KtSystemEnvironment", kCompound + 1, &E::coordSysXForm, &E::setCoordSysXForm,
+              &E::upGravityVector, &E::setUpGravityVector);
   using S = KtManipulatorSystem;
-  expectOrderOf(
+  expectOrder(
       "KtManipulatorSystem", kCompound + 1, &S::mergeWith,
       static_cast<KtU32 (S::*)() const>(&S::jointDof),
       static_cast<KtU32 (S::*)(const KtU32&) const>(&S::jointDof), &S::jointAndBaseDof,
@@ -44,7 +44,7 @@ TEST(VirtualOrder, StatedSystemsKeepTheirs) {
   using Keys = S::ShapeKeyVector;
   using Real = const KtReal&;
   using U32 = const KtU32&;
-  expectOrderOf(
+  expectOrder(
       "KtStatedSystem", kCompound + 1, &S::mergeWith, &S::system, &S::setSystem,
       &S::setAndDeleteSystemPointer, &S::setFromSystem, &S::setFromManipulator,
       &S::clearAndInitializeForOneManipulator, &S::finalizeOneManipulator,
@@ -87,11 +87,11 @@ TEST(VirtualOrder, StatedSystemsKeepTheirs) {
 
 TEST(VirtualOrder, BodiesOfLinkagesKeepTheirs) {
   using B = KtBaseGeneralBoundObject;
-  expectOrderOf("KtBaseGeneralBoundObject", kCompound + 1, &B::shape, &B::setShape,
-                &B::primaryFrame, &B::setPrimaryFrame, &B::locationInSystem);
+  expectOrder("KtBaseGeneralBoundObject", kCompound + 1, &B::shape, &B::setShape, &B::primaryFrame,
+              &B::setPrimaryFrame, &B::locationInSystem);
   using Q = KtQuadrilateralFixedSliderJointOAObject;
-  expectOrderOf("KtQuadrilateralFixedSliderJointOAObject", kCompound + 5, &Q::locationInSystem,
-                &Q::linkIdentifier, &Q::setlinkIdentifier);
+  expectOrder("KtQuadrilateralFixedSliderJointOAObject", kCompound + 5, &Q::locationInSystem,
+              &Q::linkIdentifier, &Q::setlinkIdentifier);
 }
 
 }  // namespace

@@ -5,34 +5,18 @@ namespace {
 
 TEST(VirtualOrder, PropagationRecordsKeepTheirs) {
   using R = KtPropagationResultData;
-  expectOrder("KtPropagationResultData", kCompound + 1,
-              {slotOf(&R::hitJointLimit),
-               slotOf(&R::setHitJointLimit),
-               slotOf(&R::hitSingularity),
-               slotOf(&R::setHitSingularity),
-               slotOf(&R::hitGeneralStoppingCriterion),
-               slotOf(&R::setHitGeneralStoppingCriterion),
-               slotOf(&R::satisfiedGeneralStoppingCriteriaDescription),
-               slotOf(&R::setSatisfiedGeneralStoppingCriteriaDescription),
-               slotOf(&R::collisionOccurred),
-               slotOf(&R::setCollisionOccurred),
-               slotOf(&R::setLinkIndexAtJointLimit),
-               slotOf(&R::linkIndexAtJointLimit),
-               slotOf(&R::collidedManipulator),
-               slotOf(&R::setCollidedManipulator),
-               slotOf(&R::collidedLink),
-               slotOf(&R::setCollidedLink),
-               slotOf(&R::otherCollidedLink),
-               slotOf(&R::setOtherCollidedLink),
-               slotOf(&R::otherCollidedManipulator),
-               slotOf(&R::setOtherCollidedManipulator),
-               slotOf(&R::registerGenericStoppingCriterion),
-               slotOf(&R::reset)});
+  expectOrder("KtPropagationResultData", kCompound + 1, &R::hitJointLimit, &R::setHitJointLimit,
+              &R::hitSingularity, &R::setHitSingularity, &R::hitGeneralStoppingCriterion,
+              &R::setHitGeneralStoppingCriterion, &R::satisfiedGeneralStoppingCriteriaDescription,
+              &R::setSatisfiedGeneralStoppingCriteriaDescription, &R::collisionOccurred,
+              &R::setCollisionOccurred, &R::setLinkIndexAtJointLimit, &R::linkIndexAtJointLimit,
+              &R::collidedManipulator, &R::setCollidedManipulator, &R::collidedLink,
+              &R::setCollidedLink, &R::otherCollidedLink, &R::setOtherCollidedLink,
+              &R::otherCollidedManipulator, &R::setOtherCollidedManipulator,
+              &R::registerGenericStoppingCriterion, &R::reset);
   using C = KtBaseStoppingCriterion;
-  expectOrder("KtBaseStoppingCriterion", kCompound + 1,
-              {slotOf(&C::descriptiveText), slotOf(&C::stop)});
-  expectOrder("KtBaseLinkInteractions", kCompound + 1,
-              {slotOf(&KtBaseLinkInteractions::forceBetweenLinks)});
+  expectOrder("KtBaseStoppingCriterion", kCompound + 1, &C::descriptiveText, &C::stop);
+  expectOrder("KtBaseLinkInteractions", kCompound + 1, &KtBaseLinkInteractions::forceBetweenLinks);
 }
 
 }  // namespace

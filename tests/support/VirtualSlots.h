@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstring>
-#include <initializer_list>
 #include <string>
 
 /// Position of a virtual operation in its class's table, from the form that a pointer to a virtual
@@ -18,20 +17,15 @@ std::size_t slotOf(Member member) {
   return static_cast<std::size_t>(raw - 1) / sizeof(void*);
 }
 
-/// Expects the operations to stand one behind the other, the first at a position.
-inline void expectOrder(const std::string& cls, std::size_t first,
-                        std::initializer_list<std::size_t> slots) {
+/// Expects the operations, as pointers to virtual members, to stand one behind the other, the first
+/// at a position.
+template <class... Members>
+void expectOrder(const std::string& cls, std::size_t first, Members... members) {
   std::size_t expected = first;
-  for (const std::size_t slot : slots) {
+  for (const std::size_t slot : {slotOf(members)...}) {
     EXPECT_EQ(slot, expected) << cls << ", operation " << expected - first << " of its list";
     ++expected;
   }
-}
-
-/// The same for pointers to the operations themselves.
-template <class... Members>
-void expectOrderOf(const std::string& cls, std::size_t first, Members... members) {
-  expectOrder(cls, first, {slotOf(members)...});
 }
 
 // Last slots of the classes that everything persistent derives from.
