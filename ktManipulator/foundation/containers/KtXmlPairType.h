@@ -55,14 +55,6 @@ class KT_EXPORT KtXmlPairType : public KtXmlPersistent<KtXmlPairType<A, B>> {
   bool operator==(const KtXmlPairType& other) const {
     return pair_.first == other.pair_.first && pair_.second == other.pair_.second;
   }
-  /// Lexicographic order, for pairs of ordered values.
-  bool operator<(const KtXmlPairType& other) const requires requires(const A& a, const B& b) {
-    a < a, b < b;
-  }
-  {
-    if (pair_.first < other.pair_.first) return true;
-    return !(other.pair_.first < pair_.first) && pair_.second < other.pair_.second;
-  }
 
   /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtPairTypeToken; }
@@ -70,6 +62,18 @@ class KT_EXPORT KtXmlPairType : public KtXmlPersistent<KtXmlPairType<A, B>> {
  private:
   std::pair<A, B> pair_;
 };
+
+/// Lexicographic order, for pairs of ordered values. No member: some compilers instantiate members
+/// together with their class whether the values have an order or not.
+template <class A, class B>
+requires requires(const A& a, const B& b) {
+  a < a;
+  b < b;
+}
+bool operator<(const KtXmlPairType<A, B>& x, const KtXmlPairType<A, B>& y) {
+  if (x.first() < y.first()) return true;
+  return !(y.first() < x.first()) && x.second() < y.second();
+}
 
 template <class A, class B>
 bool KtXmlPairType<A, B>::read(KtXmlReader& reader) {
