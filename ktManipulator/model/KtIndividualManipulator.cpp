@@ -118,22 +118,26 @@ void KtIndividualManipulator::setChildLinks(const KtXmlVectorType<KtManipulatorL
   mapManipulator();
 }
 
+// The new child is entered into the tables and no more: it gets its manipulator and its references
+// by mapManipulator, which programs call after the last one.
 void KtIndividualManipulator::addChild(const KtManipulatorLink& link) {
   const KtManipulatorLink* first = ownChildLinks().size() > 0 ? &ownChildLinks()[0] : nullptr;
   KtManipulatorLink::addChild(link);
   auto& children = ownChildLinks();
-  if (first != nullptr && first != &children[0]) {
-    // The list has moved the children: no entry of the tables holds any more.
-    mapManipulator();
-    return;
+  const bool moved = first != nullptr && first != &children[0];
+  if (moved) {
+    // No entry of the tables holds any more.
+    linkTable_.clear();
+    labelTable_.clear();
   }
   if (isReference()) return;
-  const std::size_t before = linkTable_.size();
-  KtManipulatorLink& child = children[children.size() - 1];
-  child.mapLinks(linkTable_, labelTable_);
-  child.setLinkReferences(labelTable_);
-  for (std::size_t i = before; i < linkTable_.size(); ++i) {
-    linkTable_[i]->setManipulatorPointer(this);
+  if (moved) {
+    labelTable_[label()] = this;
+    for (KtManipulatorLink& child : children.vectorContainer()) {
+      child.mapLinks(linkTable_, labelTable_);
+    }
+  } else {
+    children[children.size() - 1].mapLinks(linkTable_, labelTable_);
   }
 }
 

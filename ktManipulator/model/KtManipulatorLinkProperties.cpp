@@ -512,8 +512,9 @@ void KtManipulatorLink::transformComponentsBy(KtCoordinateSystemTransformation t
 }
 
 bool KtManipulatorLink::transformPrimaryFrame(const KtCoordinateSystemTransformation& frame) {
+  // The total mass stays as it was, and so the mass in the DH frame is that one in the new frame
+  // until updateMassProperties and updateDHMassProperties: programs rely on the order.
   transformComponentsBy(frame.inverse() * primaryFrame());
-  updateMassProperties();
   setPrimaryFrame(frame);
   return true;
 }

@@ -259,6 +259,10 @@ TEST_F(Links, MovingThePrimaryFrameLeavesTheBody) {
   const T frame = randomTransformation();
   EXPECT_TRUE(link.transformPrimaryFrame(frame));
   EXPECT_EQ(link.primaryFrame(), frame);
+  // The mass in the DH frame follows only when the total mass has.
+  EXPECT_FALSE(link.massPropertiesInDHFrame().approxEq(before, 1e-3));
+  link.updateMassProperties();
+  link.updateDHMassProperties();
   EXPECT_TRUE(link.massPropertiesInDHFrame().approxEq(before, 1e-12));
   const KtVector there = frame.orientation().inverse() * direction;
   EXPECT_TRUE((frame * link.shapeByIndex(0)->supportPoint(there)).approxEq(corner, 1e-12));

@@ -82,6 +82,8 @@ TEST_F(Manipulators, TablesFollowEveryEdit) {
         case 0:
           model.children.push_back(fresh);
           arm.addChild(linkOf(fresh));
+          EXPECT_EQ(arm.linkByIndex(arm.jointDof() - 1)->manipulator(), nullptr);
+          arm.mapManipulator();
           break;
         case 1: {
           Node* end = &model;
@@ -328,6 +330,9 @@ TEST_F(Manipulators, PrimaryFramesBecomeTheIdentityAroundTheSameBodies) {
   EXPECT_TRUE(arm.transformAllPrimaryFramesToIdentity());
   for (KtU32 i = 0; i < 3; ++i) {
     EXPECT_EQ(arm.linkByIndex(i)->primaryFrame(), T());
+    KtManipulatorLink* link = arm.linkByIdentifier(arm.linkByIndex(i)->label());
+    link->updateMassProperties();
+    link->updateDHMassProperties();
     EXPECT_TRUE(arm.linkByIndex(i)->massPropertiesInDHFrame().approxEq(before[i], 1e-12)) << i;
   }
   EXPECT_TRUE(
