@@ -56,9 +56,9 @@ class KT_EXPORT KtIndividualManipulator
   const KtXmlVectorType<KtManipulatorLink>& childLinks() const override;
   /// Also maps all links.
   void setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) override;
-  /// Also maps the new child. Links that were mapped before may have moved: `mapManipulator` when
-  /// the last child is added. Nothing but the addition happens where another manipulator's links
-  /// are used.
+  /// Also numbers the new child and all below it. They get their manipulator, and references among
+  /// links are resolved, by `mapManipulator`, to be called when the last child is added. Nothing but
+  /// the addition happens where another manipulator's links are used.
   void addChild(const KtManipulatorLink& link) override;
   /// Also maps all links and builds the self-collision map anew.
   void clearChildLinks() override;
@@ -200,8 +200,10 @@ class KT_EXPORT KtIndividualManipulator
   /// Moves the primary frame of a link, while the body stays; false without such a link.
   virtual bool transformPrimaryFrame(const std::string& label,
                                      const KtCoordinateSystemTransformation& frame);
-  /// Makes all primary frames the identity, while the bodies stay. Links that share shapes go on
-  /// sharing them where their primary frames were equal.
+  /// Makes all primary frames the identity, while shapes and base mass properties stay where they
+  /// are; see `KtManipulatorLink::transformPrimaryFrame` for what follows from the mass. Links that
+  /// share shapes go on sharing them where their primary frames were equal and the link that owns
+  /// them comes later by label.
   ///
   /// @return true
   virtual bool transformAllPrimaryFramesToIdentity();

@@ -329,7 +329,9 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void scaleBy(double factor);
   /// Moves this subtree: its joint's transformation becomes t times what it was.
   virtual void transformLinkTreeBy(const KtCoordinateSystemTransformation& t);
-  /// Moves the primary frame, while the body stays where it is.
+  /// Moves the primary frame, while shapes and base mass properties stay where they are. The total
+  /// mass and that in the DH frame follow at the next `updateMassProperties` and
+  /// `updateDHMassProperties`.
   ///
   /// @param frame  the new primary frame, in the DH frame
   /// @return       true
