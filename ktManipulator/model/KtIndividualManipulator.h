@@ -57,8 +57,8 @@ class KT_EXPORT KtIndividualManipulator
   /// Also maps all links.
   void setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) override;
   /// Also numbers the new child and all below it. They get their manipulator, and references among
-  /// links are resolved, by `mapManipulator`, to be called when the last child is added. Nothing but
-  /// the addition happens where another manipulator's links are used.
+  /// links are resolved, by `mapManipulator`, to be called when the last child is added. Nothing
+  /// but the addition happens where another manipulator's links are used.
   void addChild(const KtManipulatorLink& link) override;
   /// Also maps all links and builds the self-collision map anew.
   void clearChildLinks() override;
