@@ -1,33 +1,126 @@
 #pragma once
 
+#include "ktManipulator/activestate/KtManipulatorActiveAccelerationState.h"
+#include "ktManipulator/activestate/KtManipulatorActiveArticulationState.h"
+#include "ktManipulator/activestate/KtManipulatorActiveForceState.h"
+#include "ktManipulator/activestate/KtManipulatorActiveMassState.h"
+#include "ktManipulator/activestate/KtManipulatorActivePositionState.h"
+#include "ktManipulator/activestate/KtManipulatorActiveVelocityState.h"
 #include "ktManipulator/actuation/KtActuatorState.h"
-#include "ktManipulator/model/KtAccelerationState.h"
-#include "ktManipulator/model/KtPositionState.h"
-#include "ktManipulator/model/KtVelocityState.h"
+#include "ktManipulator/foundation/core/KtCacheFlag.h"
 
-/// The state of one manipulator that queries are asked with.
+/// The positions and velocities of one manipulator, with all that was computed from them so far.
+///
+/// Queries on links are given one and fill it: each cached value has a flag that tells whether it
+/// holds. A setter computes nothing, it only makes invalid what depends on what it sets:
+///
+/// | Setter               | position | velocity | mass | acceleration | force | articulation |
+/// |----------------------|----------|----------|------|--------------|-------|--------------|
+/// | `setPositionState`   | yes      | yes      | yes  | yes          | yes   | yes          |
+/// | `setVelocityState`   | no       | yes      | no   | yes          | yes   | yes          |
+/// | `setAccelerationState` | no     | no       | no   | yes          | yes   | yes          |
+///
+/// So that a large acceleration or force state that nobody asked for is not walked over at each
+/// step, each of the two has a flag that says that it is clean: not handed out for writing since it
+/// was made invalid. A reference that is written through must not be older than the last setter.
+///
+/// Setters ask for no memory unless the number of joints changes. An active state belongs to one
+/// thread at a time. What a file holds of it serves to look at, not to go on from: some cached
+/// values have no element, though their flags may.
 class KT_EXPORT KtManipulatorActiveState
     : public KtXmlPersistent<KtManipulatorActiveState, KtXmlCompoundType> {
  public:
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The positions of the joints and the place of the base.
-  virtual const KtPositionState& positionState() const { return positionState_; }
-  /// Sets what `positionState()` answers, and the length of the actuator state's lists.
+  virtual const KtPositionState& positionState() const {
+    return activePositionState_.positionState();
+  }
+  /// Sets what `positionState()` answers, gives all parts the number of its joints, and makes
+  /// everything invalid.
   ///
-  /// @return false, with nothing done, if the value is the same as before
+  /// @return false, with nothing done, if the value is exactly the same as before
   virtual bool setPositionState(const KtPositionState& state);
   /// The rates of the joints and the velocity of the base.
-  virtual const KtVelocityState& velocityState() const { return velocityState_; }
-  /// Sets what `velocityState()` answers.
+  virtual const KtVelocityState& velocityState() const {
+    return activeVelocityState_.velocityState();
+  }
+  /// Sets what `velocityState()` answers and makes velocities, accelerations, forces and
+  /// articulated dynamics invalid.
   ///
-  /// @return false, with nothing done, if the value is the same as before
+  /// @return false, with nothing done, if the value is exactly the same as before
   virtual bool setVelocityState(const KtVelocityState& state);
   /// The accelerations of the joints and of the base.
-  virtual const KtAccelerationState& accelerationState() const { return accelerationState_; }
-  /// Sets what `accelerationState()` answers.
-  virtual void setAccelerationState(const KtAccelerationState& state) {
-    accelerationState_ = state;
+  virtual const KtAccelerationState& accelerationState() const {
+    return activeAccelerationState_.accelerationState();
+  }
+  /// Sets what `accelerationState()` answers, without a comparison, and makes accelerations, forces
+  /// and articulated dynamics invalid.
+  virtual void setAccelerationState(const KtAccelerationState& state);
+
+  /// Positions, and frames of links.
+  virtual const KtManipulatorActivePositionState& activePositionState() const {
+    return activePositionState_;
+  }
+  /// The same, to be filled.
+  virtual KtManipulatorActivePositionState& activePositionState() { return activePositionState_; }
+  /// Sets what `activePositionState()` answers.
+  virtual void setActivePositionState(const KtManipulatorActivePositionState& state) {
+    activePositionState_ = state;
+  }
+  /// Velocities, and those of links.
+  virtual const KtManipulatorActiveVelocityState& activeVelocityState() const {
+    return activeVelocityState_;
+  }
+  /// The same, to be filled.
+  virtual KtManipulatorActiveVelocityState& activeVelocityState() { return activeVelocityState_; }
+  /// Sets what `activeVelocityState()` answers.
+  virtual void setActiveVelocityState(const KtManipulatorActiveVelocityState& state) {
+    activeVelocityState_ = state;
+  }
+  /// Accelerations, and those of links.
+  virtual const KtManipulatorActiveAccelerationState& activeAccelerationState() const {
+    return activeAccelerationState_;
+  }
+  /// The same, to be filled. It doesn't count as clean from then on.
+  virtual KtManipulatorActiveAccelerationState& activeAccelerationState() {
+    return accelerationCache();
+  }
+  /// Sets what `activeAccelerationState()` answers.
+  virtual void setActiveAccelerationState(const KtManipulatorActiveAccelerationState& state) {
+    activeAccelerationState() = state;
+  }
+  /// Forces on links.
+  virtual const KtManipulatorActiveForceState& activeForceState() const {
+    return activeForceState_;
+  }
+  /// The same, to be filled. It doesn't count as clean from then on.
+  virtual KtManipulatorActiveForceState& activeForceState() { return forceCache(); }
+  /// Sets what `activeForceState()` answers.
+  virtual void setActiveForceState(const KtManipulatorActiveForceState& state) {
+    activeForceState() = state;
+  }
+  /// Composite inertias of links.
+  virtual const KtManipulatorActiveMassState& activeMassState() const { return activeMassState_; }
+  /// The same, to be filled.
+  virtual KtManipulatorActiveMassState& activeMassState() { return activeMassState_; }
+  /// Sets what `activeMassState()` answers.
+  virtual void setActiveMassState(const KtManipulatorActiveMassState& state) {
+    activeMassState_ = state;
+  }
+  /// Articulated dynamics of links.
+  virtual const KtManipulatorActiveArticulationState& activeArticulationState() const {
+    return activeArticulationState_;
+  }
+  /// The same, to be filled.
+  virtual KtManipulatorActiveArticulationState& activeArticulationState() {
+    return activeArticulationState_;
+  }
+  /// Sets what `activeArticulationState()` answers.
+  virtual void setActiveArticulationState(const KtManipulatorActiveArticulationState& state) {
+    activeArticulationState_ = state;
   }
   /// The dynamic quantities of the actuators.
   virtual const KtActuatorState& actuatorState() const { return actuatorState_; }
@@ -35,15 +128,51 @@ class KT_EXPORT KtManipulatorActiveState
   virtual KtActuatorState& actuatorState() { return actuatorState_; }
   /// Sets what `actuatorState()` answers.
   virtual void setActuatorState(const KtActuatorState& state) { actuatorState_ = state; }
+  /// Makes everything invalid but the dynamic quantities of the actuators, which stay.
+  virtual void invalidateAll();
 
-  /// Exact equality.
+  // For passes over many links: the members, without virtual calls.
+
+  /// What `activePositionState()` answers.
+  KtManipulatorActivePositionState& positionCache() noexcept { return activePositionState_; }
+  /// What `activeVelocityState()` answers.
+  KtManipulatorActiveVelocityState& velocityCache() noexcept { return activeVelocityState_; }
+  /// What `activeAccelerationState()` answers, which doesn't count as clean from then on.
+  KtManipulatorActiveAccelerationState& accelerationCache() noexcept {
+    accelerationClean_ = false;
+    return activeAccelerationState_;
+  }
+  /// What `activeForceState()` answers, which doesn't count as clean from then on.
+  KtManipulatorActiveForceState& forceCache() noexcept {
+    forceClean_ = false;
+    return activeForceState_;
+  }
+  /// What `activeMassState()` answers.
+  KtManipulatorActiveMassState& massCache() noexcept { return activeMassState_; }
+  /// What `activeArticulationState()` answers.
+  KtManipulatorActiveArticulationState& articulationCache() noexcept {
+    return activeArticulationState_;
+  }
+
+  /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveState&) const = default;
   /// Name of the class in files.
-  static const KtToken& classToken();
+  static const KtToken& classToken() { return KtManip::KtManipulatorActiveStateToken; }
 
  private:
-  KtPositionState positionState_;
-  KtVelocityState velocityState_;
-  KtAccelerationState accelerationState_;
+  void invalidateAccelerationUnlessClean();
+  void invalidateForceUnlessClean();
+
+  KtManipulatorActivePositionState activePositionState_;
+  KtManipulatorActiveVelocityState activeVelocityState_;
+  KtManipulatorActiveAccelerationState activeAccelerationState_;
+  KtManipulatorActiveForceState activeForceState_;
+  KtManipulatorActiveMassState activeMassState_;
+  KtManipulatorActiveArticulationState activeArticulationState_;
   KtActuatorState actuatorState_;
+  // Not in files. True only while no entry of the state is valid.
+  KtCacheFlag accelerationClean_;
+  KtCacheFlag forceClean_;
 };
+
+extern template class KtXmlVectorType<KtManipulatorActiveState>;

@@ -4,20 +4,6 @@
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 
-namespace {
-
-template <class ActiveState>
-const KtCoordinateSystemTransformation& dhFrameOf(const KtManipulatorLink& link,
-                                                  ActiveState& activeState) {
-  if constexpr (requires { activeState.activePositionState(); }) {
-    return link.dhFrameInSystem(activeState.activePositionState());
-  } else {
-    return KtManipulatorLink::m_theDummyTransformation;
-  }
-}
-
-}  // namespace
-
 void KtBaseQuadrilateralBoundObject::registerComponents() {
   KtBaseGeneralBoundObject::registerComponents();
   registerComponent(KtManip::KtLinkIdentifierToken, &linkIdentifier_);
@@ -58,7 +44,7 @@ const KtCoordinateSystemTransformation& KtBaseQuadrilateralBoundObject::location
   }
   const KtManipulatorLink* const parent = link->parentLink();
   if (parent != nullptr) {
-    location_ = dhFrameOf(*parent, activeState);
+    location_ = parent->dhFrameInSystem(activeState.activePositionState());
   } else {
     location_.setToIdentity();
   }

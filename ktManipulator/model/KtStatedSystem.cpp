@@ -2,9 +2,13 @@
 
 #include <algorithm>
 
+#include "ktManipulator/activestate/KtSystemActiveState.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 
 const KtManipulatorSystem KtStatedSystem::m_theNullSystem;
+
+KtStatedSystem::KtStatedSystem() = default;
+KtStatedSystem::~KtStatedSystem() = default;
 
 KtStatedSystem::KtStatedSystem(const KtStatedSystem& other, bool independent)
     : KtXmlPersistent(other),
@@ -30,6 +34,7 @@ KtStatedSystem& KtStatedSystem::operator=(const KtStatedSystem& other) {
   transparencyAlpha_ = other.transparencyAlpha_;
   isSelectionDataChanged_ = other.isSelectionDataChanged_;
   isTransparentDisplay_ = other.isTransparentDisplay_;
+  forgetReportedSystem();
   reregisterSystem();
   return *this;
 }
@@ -71,11 +76,16 @@ KtManipulatorSystem* KtStatedSystem::newManipulatorSystem() const {
 
 void KtStatedSystem::aboutToModifySystem() {
   isSystemModified_ = true;
+  forgetReportedSystem();
   if (system_.use_count() == 1) return;
   std::shared_ptr<KtManipulatorSystem> own(newManipulatorSystem());
   if (system_ != nullptr) *own = *system_;
   system_ = std::move(own);
   reregisterSystem();
+}
+
+void KtStatedSystem::forgetReportedSystem() {
+  if (reportActiveState_.get() != nullptr) reportActiveState_.get()->resetForSystemChange();
 }
 
 void KtStatedSystem::reregisterSystem() {
@@ -130,7 +140,8 @@ void KtStatedSystem::resetIsSystemModified() const {
 
 void KtStatedSystem::followSystem() {
   system_->rightSizeState(state_);
-  updateReportActiveState();
+  forgetReportedSystem();
+  if (reportActiveState_.get() != nullptr) reportActiveState_.get()->setNonredundantState(state_);
 }
 
 void KtStatedSystem::addManipulator(const KtIndividualManipulator& manipulator,

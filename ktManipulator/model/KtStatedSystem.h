@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
+#include "ktManipulator/foundation/core/KtOnDemand.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/foundation/geometry/KtSphere.h"
 #include "ktManipulator/foundation/shape/KtShapeKeys.h"
@@ -42,13 +43,14 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   static const KtManipulatorSystem m_theNullSystem;
 
   /// A stated system without a system.
-  KtStatedSystem() = default;
+  KtStatedSystem();
   /// A copy.
   ///
   /// @param independent  whether it gets a system of its own at once, instead of sharing
   KtStatedSystem(const KtStatedSystem& other, bool independent = false);
   /// Shares the other's system and takes over its state and what concerns its display.
   KtStatedSystem& operator=(const KtStatedSystem& other);
+  ~KtStatedSystem() override;
 
   /// Reads the system and its state, and makes the state fit; see `KtXmlObject::read`.
   ///
@@ -309,7 +311,7 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
 
  private:
   void followSystem();
-  void updateReportActiveState();
+  void forgetReportedSystem();
   void changeAlpha(const char* property, const KtShapeStateCacheKey& key, double alpha);
 
   // Mutable, as the first write of an object that shares its system makes it its own.
@@ -319,6 +321,8 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   ShapeKeyVector modifiedShapeKeyVec_;
   ShapeKeyVector selectedShapeKeyVector_;
   double transparencyAlpha_ = 0.0;
+  // For `generateCollisionReport`
+  mutable KtOnDemand<KtSystemActiveState> reportActiveState_;
   mutable bool isSystemModified_ = false;
   mutable bool isSelectionDataChanged_ = false;
   mutable bool isTransparentDisplay_ = false;

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "ktManipulator/activestate/KtSystemActiveState.h"
 #include "ktManipulator/model/KtStatedSystem.h"
 
 namespace {
@@ -84,10 +85,11 @@ void KtStatedSystem::propagateSingleVelocityStateBy(KtU32 index,
 }
 
 bool KtStatedSystem::generateCollisionReport(ResultVector& results,
-                                             const KtU32& /*boundingVolumeLevel*/,
-                                             const KtReal& /*collisionTolerance*/) const {
-  results.resizeToAtLeast(system().numberOfManipulators());
-  return clearCollisions(results);
+                                             const KtU32& boundingVolumeLevel,
+                                             const KtReal& collisionTolerance) const {
+  KtSystemActiveState& activeState = reportActiveState_.require();
+  activeState.setNonredundantState(state());
+  return checkForCollisions(activeState, 1.0, boundingVolumeLevel, collisionTolerance, results);
 }
 
 bool KtStatedSystem::checkForCollisions(KtSystemActiveState& /*activeState*/,
@@ -103,5 +105,3 @@ void KtStatedSystem::intersectLineSegment(const KtLineSegment& /*segment*/,
                                           KtSystemPointEvent& /*event*/,
                                           KtSystemActiveState* /*activeState*/,
                                           KtU32 /*level*/) const {}
-
-void KtStatedSystem::updateReportActiveState() {}

@@ -19,4 +19,19 @@ TEST(VirtualOrder, CollisionMapsKeepTheirs) {
               static_cast<ByIndex>(&X::isLinkCollisionCandidateExcluded));
 }
 
+TEST(VirtualOrder, ProximityStatesKeepTheirs) {
+  using P = KtManipulatorLinkProximityState;
+  using Key = const KtLinkKey&;
+  using Data = KtLinkProximityData;
+  using Boxes = KtSystemActiveBoundingBoxState;
+  expectOrder("KtManipulatorLinkProximityState", 2,
+              static_cast<const Boxes& (P::*)() const>(&P::systemActiveBoundingBoxState),
+              static_cast<Boxes& (P::*)()>(&P::systemActiveBoundingBoxState),
+              &P::setSystemActiveBoundingBoxState,
+              static_cast<const Data& (P::*)(Key, Key) const>(&P::getData),
+              static_cast<Data& (P::*)(Key, Key)>(&P::getData), &P::setDistance, &P::getDistance,
+              &P::invalidateAll, &P::invalidate, &P::isValid, &P::setValid, &P::initialize,
+              &P::setIsInitialized, &P::isInitialized);
+}
+
 }  // namespace

@@ -384,4 +384,49 @@ TEST_F(StatedSystems, ModificationIsRemembered) {
   EXPECT_EQ(stated, Stated()) << "a missing system is an empty one";
 }
 
+// A stated system that tells which active state its collision reports look at.
+class Reporting : public Stated {
+ public:
+  bool checkForCollisions(KtSystemActiveState& activeState, const KtReal&, const KtU32& level,
+                          const KtReal& tolerance, ResultVector&) const override {
+    active = &activeState;
+    return level == 2 && tolerance == 0.5;
+  }
+  bool report() const {
+    ResultVector results;
+    return generateCollisionReport(results, 2, 0.5);
+  }
+  mutable KtSystemActiveState* active = nullptr;
+};
+
+TEST_F(StatedSystems, CollisionReportsFollowTheSystem) {
+  Reporting stated;
+  stated.addManipulator(armOf("a", 2), at({0.5}), moving({1.0}));
+  EXPECT_TRUE(stated.report());
+  const auto positions = [&] {
+    std::vector<KtPositionState> all;
+    for (const auto& one : stated.active->manipulatorActiveStateVector().vectorContainer()) {
+      all.push_back(one.positionState());
+    }
+    return all;
+  };
+  const auto& own = stated.state().positionStates().vectorContainer();
+  EXPECT_EQ(positions(), own);
+  stated.active->systemActiveBoundingBoxState().setIsInitialized(true);
+  stated.addManipulator(armOf("b", 3), at({0.125, 0.25}), moving({3.0, 4.0}));
+  EXPECT_EQ(positions(), own);
+  EXPECT_FALSE(stated.active->systemActiveBoundingBoxState().isInitialized());
+  stated.deleteManipulator(0U);
+  EXPECT_EQ(positions(), own);
+
+  // Copies have their own, and data of another system are not kept.
+  const Reporting copy(stated);
+  KtSystemActiveState* const before = stated.active;
+  EXPECT_TRUE(copy.report());
+  EXPECT_NE(copy.active, before);
+  stated.active->systemActiveBoundingBoxState().setIsInitialized(true);
+  stated = Reporting();
+  EXPECT_FALSE(before->systemActiveBoundingBoxState().isInitialized());
+}
+
 }  // namespace

@@ -90,8 +90,6 @@ void addActuationSamples(std::vector<Sample>& samples) {
   const auto add = [&samples](Sample one) { samples.push_back(std::move(one)); };
   add(sample<KtManufacturerData>("ManufacturerData", manufacturer()));
   add(sample<KtActuatorState>("ActuatorState", actuatorState()));
-  add(filled<KtManipulatorActiveState>(
-      "ManipulatorActiveState", [](auto& active) { active.setActuatorState(actuatorState()); }));
   add(filled<KtPassThroughPowerConverter>("PassThroughPowerConverter",
                                           [](auto& converter) { converter.setMaxTorque(2.5); }));
   add(filled<KtDcElectricMotor>("DcElectricMotor", fillMotor));

@@ -134,6 +134,7 @@ std::vector<Sample> allSamples() {
   std::vector<Sample> samples;
   addFoundationSamples(samples);
   addActuationSamples(samples);
+  addActiveStateSamples(samples);
   addKinematicsSamples(samples);
   addDynamicsSamples(samples);
   addStateSamples(samples);

@@ -90,6 +90,7 @@ class SampleFunctionHolder
 
 // One sample for every persistent class, by the part of the library that it belongs to.
 
+void addActiveStateSamples(std::vector<Sample>& samples);
 void addActuationSamples(std::vector<Sample>& samples);
 void addModelSamples(std::vector<Sample>& samples);
 void addSystemSamples(std::vector<Sample>& samples);

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "ktManipulator/foundation/containers/KtXmlFlagMask.h"
+#include "ktManipulator/foundation/containers/KtXmlVectorType.h"
+#include "ktManipulator/foundation/geometry/KtGeneralForce.h"
+#include "ktManipulator/foundation/tokens/KtManipTokens.h"
+#include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+#include "ktManipulator/model/KtExternalForceDescription.h"
+
+/// The forces on one link: an entry of a `KtManipulatorActiveForceState`.
+///
+/// The force means nothing unless its flag is set. By default it is zero and invalid. Entries stand
+/// by value in lists that the innermost loops walk over, so none of the operations is virtual.
+/// Equality is that of what files hold; the description of the external force is not in them.
+class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXmlCompoundType> {
+ public:
+  void registerComponents() override;
+
+  /// The force that the inboard side exerts on the link and all links outboard of it, N, and its
+  /// moment about the DH frame's origin, N m, in DH axes.
+  const KtGeneralForce& dhFrameForceInLocal() const noexcept { return dhFrameForceInLocal_; }
+  /// Sets what `dhFrameForceInLocal()` answers and marks it as valid.
+  void setDhFrameForceInLocal(const KtGeneralForce& force) noexcept {
+    dhFrameForceInLocal_ = force;
+    valid_.set(kLocalDh);
+  }
+  /// Whether `dhFrameForceInLocal()` holds.
+  bool localDhValid() const noexcept { return valid_.test(kLocalDh); }
+  /// Sets what `localDhValid()` answers.
+  void setLocalDhValid(bool valid) noexcept { valid_.set(kLocalDh, valid); }
+  /// The external force on the link, to be shown as an arrow. It tells itself whether it holds.
+  const KtExternalForceDescription& externalForceDescription() const noexcept {
+    return externalForceDescription_;
+  }
+  /// Sets what `externalForceDescription()` answers.
+  void setExternalForceDescription(const KtExternalForceDescription& description) {
+    externalForceDescription_ = description;
+  }
+  /// Makes the force and the description invalid.
+  void invalidateAll() {
+    valid_.clear();
+    externalForceDescription_.setValid(false);
+  }
+
+  /// Exact equality of what files hold.
+  bool operator==(const KtLinkForceState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtLinkForceStateToken; }
+
+ private:
+  enum Flag : unsigned { kLocalDh };
+
+  KtXmlFlagMask<1> valid_;
+  KtGeneralForce dhFrameForceInLocal_;
+  // Not in files; any two descriptions are equal
+  KtExternalForceDescription externalForceDescription_;
+};
+
+extern template class KtXmlVectorType<KtLinkForceState>;

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
+#include "ktManipulator/foundation/containers/KtXmlFlagMask.h"
+#include "ktManipulator/foundation/containers/KtXmlVectorType.h"
+#include "ktManipulator/foundation/tokens/KtManipTokens.h"
+#include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+
+/// The composite inertia of one link: an entry of a `KtManipulatorActiveMassState`.
+///
+/// The inertia means nothing unless its flag is set, which it is not by default. Entries stand by
+/// value in lists that the innermost loops walk over, so none of the operations is virtual.
+class KT_EXPORT KtLinkMassState : public KtXmlPersistent<KtLinkMassState, KtXmlCompoundType> {
+ public:
+  void registerComponents() override;
+
+  /// The inertia of the link and all links outboard of it, as one rigid body in the DH frame.
+  const KtRigidBodyMassProperties& crbi() const noexcept { return crbi_; }
+  /// Sets what `crbi()` answers and marks it as valid.
+  void setCrbi(const KtRigidBodyMassProperties& properties) {
+    crbi_ = properties;
+    valid_.set(kCrbi);
+  }
+  /// Whether `crbi()` holds.
+  bool crbiValid() const noexcept { return valid_.test(kCrbi); }
+  /// Sets what `crbiValid()` answers.
+  void setCrbiValid(bool valid) noexcept { valid_.set(kCrbi, valid); }
+  /// Makes the inertia invalid.
+  void invalidateAll() noexcept { valid_.clear(); }
+
+  /// Exact equality.
+  bool operator==(const KtLinkMassState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtLinkMassStateToken; }
+
+ private:
+  enum Flag : unsigned { kCrbi };
+
+  KtXmlFlagMask<1> valid_;
+  KtRigidBodyMassProperties crbi_;
+};
+
+extern template class KtXmlVectorType<KtLinkMassState>;

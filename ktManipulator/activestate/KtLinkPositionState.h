@@ -1,0 +1,65 @@
+#pragma once
+
+#include "ktManipulator/foundation/containers/KtXmlFlagMask.h"
+#include "ktManipulator/foundation/containers/KtXmlVectorType.h"
+#include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
+#include "ktManipulator/foundation/tokens/KtManipTokens.h"
+#include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+
+/// Where one link is: an entry of a `KtManipulatorActivePositionState`.
+///
+/// A frame means nothing unless its flag is set. All flags are false and all frames the identity by
+/// default. Entries stand by value in lists that the innermost loops walk over, so none of the
+/// operations is virtual. Equality is that of what files hold; the joint transform is not in them.
+class KT_EXPORT KtLinkPositionState
+    : public KtXmlPersistent<KtLinkPositionState, KtXmlCompoundType> {
+ public:
+  void registerComponents() override;
+
+  /// The DH frame in the system.
+  const KtCoordinateSystemTransformation& dhFrame() const noexcept { return dhFrame_; }
+  /// Sets what `dhFrame()` answers, but not its flag.
+  void setDhFrame(const KtCoordinateSystemTransformation& frame) noexcept { dhFrame_ = frame; }
+  /// The primary frame in the system.
+  const KtCoordinateSystemTransformation& primaryFrame() const noexcept { return primaryFrame_; }
+  /// Sets what `primaryFrame()` answers, but not its flag.
+  void setPrimaryFrame(const KtCoordinateSystemTransformation& frame) noexcept {
+    primaryFrame_ = frame;
+  }
+  /// The joint transform: the DH frame in that of the inboard link.
+  const KtCoordinateSystemTransformation& dhTransform() const noexcept { return dhTransform_; }
+  /// Sets what `dhTransform()` answers, but not its flag.
+  void setDhTransform(const KtCoordinateSystemTransformation& transform) noexcept {
+    dhTransform_ = transform;
+  }
+  /// Whether `dhFrame()` and `primaryFrame()` hold.
+  bool locationInSystemValid() const noexcept { return valid_.test(kLocationInSystem); }
+  /// Sets what `locationInSystemValid()` answers.
+  void setLocationInSystemValid(bool valid) noexcept { valid_.set(kLocationInSystem, valid); }
+  /// Whether `dhTransform()` holds. A file tells it though it doesn't hold the transform.
+  bool dhTransformValid() const noexcept { return valid_.test(kDhTransform); }
+  /// Sets what `dhTransformValid()` answers.
+  void setDhTransformValid(bool valid) noexcept { valid_.set(kDhTransform, valid); }
+  /// Clears both flags.
+  void invalidateAll() noexcept { valid_.clear(); }
+
+  /// Exact equality of what files hold.
+  bool operator==(const KtLinkPositionState& other) const {
+    return valid_ == other.valid_ && dhFrame_ == other.dhFrame_ &&
+           primaryFrame_ == other.primaryFrame_;
+  }
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtLinkPositionStateToken; }
+
+ private:
+  enum Flag : unsigned { kLocationInSystem, kDhTransform };
+
+  KtXmlFlagMask<2> valid_;
+  KtCoordinateSystemTransformation dhFrame_;
+  KtCoordinateSystemTransformation primaryFrame_;
+  // Not in files
+  KtCoordinateSystemTransformation dhTransform_;
+};
+
+extern template class KtXmlVectorType<KtLinkPositionState>;

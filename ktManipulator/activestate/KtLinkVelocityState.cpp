@@ -1,0 +1,18 @@
+#include "ktManipulator/activestate/KtLinkVelocityState.h"
+
+template class KtXmlVectorType<KtLinkVelocityState>;
+
+void KtLinkVelocityState::registerComponents() {
+  KtXmlCompoundType::registerComponents();
+  registerComponent(KtManip::KtDhFrameVelocityInLocalToken,
+                    motions_.motionComponent(kDhFrameVelocityInLocal));
+  registerComponent(KtManip::KtDhFrameVelocityInSystemToken,
+                    motions_.motionComponent(kDhFrameVelocityInSystem));
+  registerComponent(KtManip::KtPrimaryFrameVelocityInSystemToken,
+                    motions_.motionComponent(kPrimaryFrameVelocityInSystem));
+  registerComponent(KtManip::KtLocalDhValidToken, motions_.validComponent(kDhFrameVelocityInLocal));
+  registerComponent(KtManip::KtSystemDhValidToken,
+                    motions_.validComponent(kDhFrameVelocityInSystem));
+  registerComponent(KtManip::KtSystemPrimaryValidToken,
+                    motions_.validComponent(kPrimaryFrameVelocityInSystem));
+}

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "ktManipulator/activestate/KtLinkAccelerationState.h"
+#include "ktManipulator/foundation/core/KtTypes.h"
+#include "ktManipulator/model/KtAccelerationState.h"
+
+/// The accelerations of one manipulator, and how its links accelerate as far as that was asked for.
+///
+/// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
+/// takes an index reaches by `ktBaseIndex`. Other indices are not checked. The joints'
+/// accelerations may be fewer than the links: those that miss count as 0.
+class KT_EXPORT KtManipulatorActiveAccelerationState
+    : public KtXmlPersistent<KtManipulatorActiveAccelerationState, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<KtLinkAccelerationState>;
+
+  void registerComponents() override;
+
+  /// The accelerations of the joints and of the base.
+  virtual const KtAccelerationState& accelerationState() const { return accelerationState_; }
+  /// Sets what `accelerationState()` answers and makes all entries invalid; their number stays.
+  virtual void setAccelerationState(const KtAccelerationState& state);
+  /// The entries of the links.
+  virtual const LinkStates& linkAccelerationStates() const { return linkAccelerationStates_; }
+  /// The same, to be changed.
+  virtual LinkStates& linkAccelerationStates() { return linkAccelerationStates_; }
+  /// `KtLinkAccelerationState::dhFrameAccelerationInLocal` of a link.
+  virtual const KtGeneralMotion& linkDhAccelerationInLocal(KtU32 index) const {
+    return entry(index).dhFrameAccelerationInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkDhAccelerationInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setDhFrameAccelerationInLocal(motion);
+  }
+  /// `KtLinkAccelerationState::dhFrameAccelerationInSystem` of a link.
+  virtual const KtGeneralMotion& linkDhAccelerationInSystem(KtU32 index) const {
+    return entry(index).dhFrameAccelerationInSystem();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkDhAccelerationInSystem(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setDhFrameAccelerationInSystem(motion);
+  }
+  /// `KtLinkAccelerationState::primaryFrameAccelerationInSystem` of a link.
+  virtual const KtGeneralMotion& linkPrimaryAccelerationInSystem(KtU32 index) const {
+    return entry(index).primaryFrameAccelerationInSystem();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkPrimaryAccelerationInSystem(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setPrimaryFrameAccelerationInSystem(motion);
+  }
+  /// `KtLinkAccelerationState::comAccelerationInLocal` of a link.
+  virtual const KtGeneralMotion& linkComAccelerationInLocal(KtU32 index) const {
+    return entry(index).comAccelerationInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkComAccelerationInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setComAccelerationInLocal(motion);
+  }
+  /// `KtLinkAccelerationState::momentumRateInLocal` of a link.
+  virtual const KtGeneralMotion& linkMomentumRateInLocal(KtU32 index) const {
+    return entry(index).momentumRateInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkMomentumRateInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setMomentumRateInLocal(motion);
+  }
+  /// `KtLinkAccelerationState::compositeMomentumRateInLocal` of a link.
+  virtual const KtGeneralMotion& linkCompositeMomentumRateInLocal(KtU32 index) const {
+    return entry(index).compositeMomentumRateInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkCompositeMomentumRateInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setCompositeMomentumRateInLocal(motion);
+  }
+  /// Sets what `linkAccelerationStates()` answers.
+  virtual void setLinkAccelerationStates(const LinkStates& states) {
+    linkAccelerationStates_ = states;
+  }
+  /// The entry of the base.
+  virtual const KtLinkAccelerationState& baseAccelerationState() const {
+    return baseAccelerationState_;
+  }
+  /// The same, to be changed.
+  virtual KtLinkAccelerationState& baseAccelerationState() { return baseAccelerationState_; }
+  /// Sets what `baseAccelerationState()` answers.
+  virtual void setBaseAccelerationState(const KtLinkAccelerationState& state) {
+    baseAccelerationState_ = state;
+  }
+  /// Makes all entries invalid.
+  virtual void invalidateAll();
+  /// Gives the list of entries a size if it has another one, and makes all entries invalid.
+  virtual void resize(KtU32 count);
+  /// How many entries there are beside that of the base.
+  virtual KtU32 size() const { return linkAccelerationStates_.size(); }
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base.
+  KtLinkAccelerationState& entry(KtU32 index) noexcept {
+    return index == ktBaseIndex ? baseAccelerationState_ : linkAccelerationStates_[index];
+  }
+  /// The same.
+  const KtLinkAccelerationState& entry(KtU32 index) const noexcept {
+    return index == ktBaseIndex ? baseAccelerationState_ : linkAccelerationStates_[index];
+  }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return linkAccelerationStates_.size(); }
+  /// The acceleration of a joint, rad/s^2 or m/s^2; 0 beyond the last.
+  double jointAcceleration(KtU32 index) const noexcept {
+    const auto& joints = accelerationState_.jointAccelerations().vectorContainer();
+    return index < joints.size() ? joints[index].value() : 0.0;
+  }
+
+  /// Exact equality of what files hold.
+  bool operator==(const KtManipulatorActiveAccelerationState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtManipulatorActiveAccelerationStateToken; }
+
+ private:
+  KtAccelerationState accelerationState_;
+  LinkStates linkAccelerationStates_;
+  KtLinkAccelerationState baseAccelerationState_;
+};

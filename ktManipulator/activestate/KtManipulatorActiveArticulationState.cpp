@@ -1,0 +1,14 @@
+#include "ktManipulator/activestate/KtManipulatorActiveArticulationState.h"
+
+void KtManipulatorActiveArticulationState::registerComponents() {
+  KtXmlCompoundType::registerComponents();
+  registerComponent(KtManip::KtLinkArticulationStatesToken, &linkArticulationStates_);
+  registerComponent(KtManip::KtBaseArticulationStateToken, &baseArticulationState_);
+}
+
+void KtManipulatorActiveArticulationState::invalidateAll() {
+  for (KtLinkArticulationState& state : linkArticulationStates_.vectorContainer()) {
+    state.invalidateAll();
+  }
+  baseArticulationState_.invalidateAll();
+}

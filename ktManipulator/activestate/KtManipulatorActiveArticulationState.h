@@ -1,0 +1,92 @@
+#pragma once
+
+#include "ktManipulator/activestate/KtLinkArticulationState.h"
+#include "ktManipulator/foundation/core/KtTypes.h"
+
+/// The articulated dynamics of the links of one manipulator as far as they were asked for.
+///
+/// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
+/// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
+class KT_EXPORT KtManipulatorActiveArticulationState
+    : public KtXmlPersistent<KtManipulatorActiveArticulationState, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<KtLinkArticulationState>;
+
+  void registerComponents() override;
+
+  /// The entries of the links.
+  virtual const LinkStates& linkArticulationStates() const { return linkArticulationStates_; }
+  /// Sets what `linkArticulationStates()` answers.
+  virtual void setLinkArticulationStates(const LinkStates& states) {
+    linkArticulationStates_ = states;
+  }
+  /// The entry of the base.
+  virtual const KtLinkArticulationState& baseArticulationState() const {
+    return baseArticulationState_;
+  }
+  /// Sets what `baseArticulationState()` answers.
+  virtual void setBaseArticulationState(const KtLinkArticulationState& state) {
+    baseArticulationState_ = state;
+  }
+  /// `KtLinkArticulationState::arbd` of a link.
+  virtual const KtArticulatedBodyDynamics& arbd(KtU32 index) const { return entry(index).arbd(); }
+  /// Sets it and marks it as valid.
+  virtual void setArbd(KtU32 index, const KtArticulatedBodyDynamics& dynamics) {
+    entry(index).setArbd(dynamics);
+  }
+  /// Sets that of the base and marks it as valid.
+  virtual void setBaseArbd(const KtArticulatedBodyDynamics& dynamics) {
+    baseArticulationState_.setArbd(dynamics);
+  }
+  /// `KtLinkArticulationState::supplementalDhAcceleration` of a link.
+  virtual const KtGeneralMotion& supplementalDhAcceleration(KtU32 index) const {
+    return entry(index).supplementalDhAcceleration();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setSupplementalDhAcceleration(KtU32 index, const KtGeneralMotion& acceleration) {
+    entry(index).setSupplementalDhAcceleration(acceleration);
+  }
+  /// That of the base.
+  virtual const KtGeneralMotion& baseSupplementalDhAcceleration() const {
+    return baseArticulationState_.supplementalDhAcceleration();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setBaseSupplementalDhAcceleration(const KtGeneralMotion& acceleration) {
+    baseArticulationState_.setSupplementalDhAcceleration(acceleration);
+  }
+  /// `KtLinkArticulationState::supplementalJointAcceleration` of a link.
+  virtual double supplementalJointAcceleration(KtU32 index) const {
+    return entry(index).supplementalJointAcceleration();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setSupplementalJointAcceleration(KtU32 index, double acceleration) {
+    entry(index).setSupplementalJointAcceleration(acceleration);
+  }
+  /// Makes all entries invalid.
+  virtual void invalidateAll();
+  /// Gives the list of entries a size if it has another one; new entries are invalid.
+  virtual void resize(KtU32 count) { linkArticulationStates_.resize(count); }
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base.
+  KtLinkArticulationState& entry(KtU32 index) noexcept {
+    return index == ktBaseIndex ? baseArticulationState_ : linkArticulationStates_[index];
+  }
+  /// The same.
+  const KtLinkArticulationState& entry(KtU32 index) const noexcept {
+    return index == ktBaseIndex ? baseArticulationState_ : linkArticulationStates_[index];
+  }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return linkArticulationStates_.size(); }
+
+  /// Exact equality.
+  bool operator==(const KtManipulatorActiveArticulationState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtManipulatorActiveArticulationStateToken; }
+
+ private:
+  LinkStates linkArticulationStates_;
+  KtLinkArticulationState baseArticulationState_;
+};

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "ktManipulator/activestate/KtLinkForceState.h"
+#include "ktManipulator/foundation/core/KtTypes.h"
+
+/// The forces on the links of one manipulator as far as they were asked for.
+///
+/// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
+/// takes an index reaches by `ktBaseIndex`. Other indices are not checked, but for those of
+/// descriptions.
+class KT_EXPORT KtManipulatorActiveForceState
+    : public KtXmlPersistent<KtManipulatorActiveForceState, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<KtLinkForceState>;
+
+  void registerComponents() override;
+
+  /// Gives the list of entries a size if it has another one, and makes all entries invalid.
+  virtual void resize(KtU32 count);
+  /// How many entries there are beside that of the base.
+  virtual KtU32 size() const { return linkForceStates_.size(); }
+  /// The entries of the links.
+  virtual const LinkStates& linkForceStates() const { return linkForceStates_; }
+  /// `KtLinkForceState::dhFrameForceInLocal` of a link.
+  virtual const KtGeneralForce& linkDhForceInLocal(KtU32 index) const {
+    return entry(index).dhFrameForceInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkDhForceInLocal(KtU32 index, const KtGeneralForce& force) {
+    entry(index).setDhFrameForceInLocal(force);
+  }
+  /// Sets what `linkForceStates()` answers.
+  virtual void setLinkForceStates(const LinkStates& states) { linkForceStates_ = states; }
+  /// The entry of the base.
+  virtual const KtLinkForceState& baseForceState() const { return baseForceState_; }
+  /// Sets what `baseForceState()` answers.
+  virtual void setBaseForceState(const KtLinkForceState& state) { baseForceState_ = state; }
+  /// The external force on a link, to be shown as an arrow. An index beyond the end is reported and
+  /// gives `m_theZeroForceDescription`.
+  virtual const KtExternalForceDescription& externalForceDescription(const KtU32& index) const;
+  /// Sets what `externalForceDescription` answers. An index beyond the end is reported and changes
+  /// nothing.
+  virtual void setExternalForceDescription(const KtU32& index,
+                                           const KtExternalForceDescription& description);
+  /// Makes all entries and descriptions invalid.
+  virtual void invalidateAll();
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base.
+  KtLinkForceState& entry(KtU32 index) noexcept {
+    return index == ktBaseIndex ? baseForceState_ : linkForceStates_[index];
+  }
+  /// The same.
+  const KtLinkForceState& entry(KtU32 index) const noexcept {
+    return index == ktBaseIndex ? baseForceState_ : linkForceStates_[index];
+  }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return linkForceStates_.size(); }
+
+  /// Exact equality of what files hold.
+  bool operator==(const KtManipulatorActiveForceState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtManipulatorActiveForceStateToken; }
+
+  /// The shared description of no force. It is not valid.
+  static const KtExternalForceDescription m_theZeroForceDescription;
+
+ private:
+  bool hasEntry(const char* operation, KtU32 index) const;
+
+  LinkStates linkForceStates_;
+  KtLinkForceState baseForceState_;
+};

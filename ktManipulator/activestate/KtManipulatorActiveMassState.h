@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ktManipulator/activestate/KtLinkMassState.h"
+#include "ktManipulator/foundation/core/KtTypes.h"
+
+/// The composite inertias of the links of one manipulator as far as they were asked for. They
+/// follow from the positions alone.
+///
+/// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
+/// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
+class KT_EXPORT KtManipulatorActiveMassState
+    : public KtXmlPersistent<KtManipulatorActiveMassState, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<KtLinkMassState>;
+
+  void registerComponents() override;
+
+  /// The entries of the links.
+  virtual const LinkStates& linkMassStates() const { return linkMassStates_; }
+  /// Sets what `linkMassStates()` answers.
+  virtual void setLinkMassStates(const LinkStates& states) { linkMassStates_ = states; }
+  /// The entry of the base.
+  virtual const KtLinkMassState& baseMassState() const { return baseMassState_; }
+  /// Sets what `baseMassState()` answers.
+  virtual void setBaseMassState(const KtLinkMassState& state) { baseMassState_ = state; }
+  /// `KtLinkMassState::crbi` of a link.
+  virtual const KtRigidBodyMassProperties& crbi(KtU32 index) const { return entry(index).crbi(); }
+  /// Sets it and marks it as valid.
+  virtual void setCrbi(KtU32 index, const KtRigidBodyMassProperties& properties) {
+    entry(index).setCrbi(properties);
+  }
+  /// Makes all entries invalid.
+  virtual void invalidateAll();
+  /// Gives the list of entries a size if it has another one; new entries are invalid.
+  virtual void resize(KtU32 count) { linkMassStates_.resize(count); }
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base.
+  KtLinkMassState& entry(KtU32 index) noexcept {
+    return index == ktBaseIndex ? baseMassState_ : linkMassStates_[index];
+  }
+  /// The same.
+  const KtLinkMassState& entry(KtU32 index) const noexcept {
+    return index == ktBaseIndex ? baseMassState_ : linkMassStates_[index];
+  }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return linkMassStates_.size(); }
+
+  /// Exact equality.
+  bool operator==(const KtManipulatorActiveMassState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtManipulatorActiveMassStateToken; }
+
+ private:
+  LinkStates linkMassStates_;
+  KtLinkMassState baseMassState_;
+};

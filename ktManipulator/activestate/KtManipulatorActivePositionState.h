@@ -1,0 +1,89 @@
+#pragma once
+
+#include "ktManipulator/activestate/KtLinkPositionState.h"
+#include "ktManipulator/foundation/core/KtTypes.h"
+#include "ktManipulator/model/KtPositionState.h"
+
+/// The positions of one manipulator, and where its links are as far as that was asked for.
+///
+/// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
+/// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
+class KT_EXPORT KtManipulatorActivePositionState
+    : public KtXmlPersistent<KtManipulatorActivePositionState, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<KtLinkPositionState>;
+
+  void registerComponents() override;
+
+  /// The positions of the joints and the place of the base.
+  virtual const KtPositionState& positionState() const { return positionState_; }
+  /// Sets what `positionState()` answers, gives the list of entries the number of its joints, and
+  /// makes all entries invalid.
+  virtual void setPositionState(const KtPositionState& state);
+  /// The entries of the links.
+  virtual const LinkStates& linkPositionStates() const { return linkPositionStates_; }
+  /// Sets both frames of a link in the system and marks them as valid.
+  virtual void setLinkPositionState(KtU32 index, const KtCoordinateSystemTransformation& dhFrame,
+                                    const KtCoordinateSystemTransformation& primaryFrame) {
+    setFrames(entry(index), dhFrame, primaryFrame);
+  }
+  /// Sets the joint transform of a link and marks it as valid.
+  virtual void setDhTransform(KtU32 index, const KtCoordinateSystemTransformation& transform) {
+    KtLinkPositionState& state = entry(index);
+    state.setDhTransform(transform);
+    state.setDhTransformValid(true);
+  }
+  /// Sets what `linkPositionStates()` answers.
+  virtual void setLinkPositionStates(const LinkStates& states) { linkPositionStates_ = states; }
+  /// The entry of the base.
+  virtual const KtLinkPositionState& basePositionState() const { return basePositionState_; }
+  /// Sets both frames of the base in the system and marks them as valid.
+  virtual void setBaseLinkPositionState(const KtCoordinateSystemTransformation& dhFrame,
+                                        const KtCoordinateSystemTransformation& primaryFrame) {
+    setFrames(basePositionState_, dhFrame, primaryFrame);
+  }
+  /// Sets what `basePositionState()` answers.
+  virtual void setBasePositionState(const KtLinkPositionState& state) {
+    basePositionState_ = state;
+  }
+  /// Makes all entries invalid.
+  virtual void invalidateAll();
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base.
+  KtLinkPositionState& entry(KtU32 index) noexcept {
+    return index == ktBaseIndex ? basePositionState_ : linkPositionStates_[index];
+  }
+  /// The same.
+  const KtLinkPositionState& entry(KtU32 index) const noexcept {
+    return index == ktBaseIndex ? basePositionState_ : linkPositionStates_[index];
+  }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return linkPositionStates_.size(); }
+  /// The position of a joint, rad or m; 0 beyond the last.
+  double jointPosition(KtU32 index) const noexcept {
+    const auto& joints = positionState_.jointPositions().vectorContainer();
+    return index < joints.size() ? joints[index].value() : 0.0;
+  }
+
+  /// Exact equality of what files hold.
+  bool operator==(const KtManipulatorActivePositionState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtManipulatorActivePositionStateToken; }
+
+ private:
+  static void setFrames(KtLinkPositionState& state, const KtCoordinateSystemTransformation& dhFrame,
+                        const KtCoordinateSystemTransformation& primaryFrame) noexcept {
+    state.setDhFrame(dhFrame);
+    state.setPrimaryFrame(primaryFrame);
+    state.setLocationInSystemValid(true);
+  }
+
+  KtPositionState positionState_;
+  LinkStates linkPositionStates_;
+  KtLinkPositionState basePositionState_;
+};
+
+extern template class KtXmlVectorType<KtManipulatorActivePositionState>;

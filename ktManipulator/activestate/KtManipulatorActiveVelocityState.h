@@ -1,0 +1,118 @@
+#pragma once
+
+#include "ktManipulator/activestate/KtLinkVelocityState.h"
+#include "ktManipulator/foundation/core/KtTypes.h"
+#include "ktManipulator/model/KtVelocityState.h"
+
+/// The velocities of one manipulator, and how its links move as far as that was asked for.
+///
+/// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
+/// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
+class KT_EXPORT KtManipulatorActiveVelocityState
+    : public KtXmlPersistent<KtManipulatorActiveVelocityState, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<KtLinkVelocityState>;
+
+  void registerComponents() override;
+
+  /// The rates of the joints and the velocity of the base.
+  virtual const KtVelocityState& velocityState() const { return velocityState_; }
+  /// Sets what `velocityState()` answers, gives the list of entries the number of its joints, and
+  /// makes all entries invalid.
+  virtual void setVelocityState(const KtVelocityState& state);
+  /// The entries of the links.
+  virtual const LinkStates& linkVelocityStates() const { return linkVelocityStates_; }
+  /// The same, to be changed.
+  virtual LinkStates& linkVelocityStates() { return linkVelocityStates_; }
+  /// `KtLinkVelocityState::dhFrameVelocityInLocal` of a link.
+  virtual const KtGeneralMotion& linkDhVelocityInLocal(KtU32 index) const {
+    return entry(index).dhFrameVelocityInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkDhVelocityInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setDhFrameVelocityInLocal(motion);
+  }
+  /// `KtLinkVelocityState::dhFrameVelocityInSystem` of a link.
+  virtual const KtGeneralMotion& linkDhVelocityInSystem(KtU32 index) const {
+    return entry(index).dhFrameVelocityInSystem();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkDhVelocityInSystem(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setDhFrameVelocityInSystem(motion);
+  }
+  /// `KtLinkVelocityState::primaryFrameVelocityInSystem` of a link.
+  virtual const KtGeneralMotion& linkPrimaryVelocityInSystem(KtU32 index) const {
+    return entry(index).primaryFrameVelocityInSystem();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkPrimaryVelocityInSystem(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setPrimaryFrameVelocityInSystem(motion);
+  }
+  /// `KtLinkVelocityState::comVelocityInLocal` of a link.
+  virtual const KtGeneralMotion& linkComVelocityInLocal(KtU32 index) const {
+    return entry(index).comVelocityInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkComVelocityInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setComVelocityInLocal(motion);
+  }
+  /// `KtLinkVelocityState::momentumInLocal` of a link.
+  virtual const KtGeneralMotion& linkMomentumInLocal(KtU32 index) const {
+    return entry(index).momentumInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkMomentumInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setMomentumInLocal(motion);
+  }
+  /// `KtLinkVelocityState::compositeMomentumInLocal` of a link.
+  virtual const KtGeneralMotion& linkCompositeMomentumInLocal(KtU32 index) const {
+    return entry(index).compositeMomentumInLocal();
+  }
+  /// Sets it and marks it as valid.
+  virtual void setLinkCompositeMomentumInLocal(KtU32 index, const KtGeneralMotion& motion) {
+    entry(index).setCompositeMomentumInLocal(motion);
+  }
+  /// Sets what `linkVelocityStates()` answers.
+  virtual void setLinkVelocityStates(const LinkStates& states) { linkVelocityStates_ = states; }
+  /// The entry of the base.
+  virtual const KtLinkVelocityState& baseVelocityState() const { return baseVelocityState_; }
+  /// The same, to be changed.
+  virtual KtLinkVelocityState& baseVelocityState() { return baseVelocityState_; }
+  /// Sets what `baseVelocityState()` answers.
+  virtual void setBaseVelocityState(const KtLinkVelocityState& state) {
+    baseVelocityState_ = state;
+  }
+  /// Makes all entries invalid.
+  virtual void invalidateAll();
+  /// Gives the list of entries a size if it has another one; new entries are invalid.
+  virtual void resize(KtU32 count) { linkVelocityStates_.resize(count); }
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base.
+  KtLinkVelocityState& entry(KtU32 index) noexcept {
+    return index == ktBaseIndex ? baseVelocityState_ : linkVelocityStates_[index];
+  }
+  /// The same.
+  const KtLinkVelocityState& entry(KtU32 index) const noexcept {
+    return index == ktBaseIndex ? baseVelocityState_ : linkVelocityStates_[index];
+  }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return linkVelocityStates_.size(); }
+  /// The velocity of a joint, rad/s or m/s; 0 beyond the last.
+  double jointVelocity(KtU32 index) const noexcept {
+    const auto& joints = velocityState_.jointVelocities().vectorContainer();
+    return index < joints.size() ? joints[index].value() : 0.0;
+  }
+
+  /// Exact equality of what files hold.
+  bool operator==(const KtManipulatorActiveVelocityState&) const = default;
+  /// Name of the class in files.
+  static const KtToken& classToken() { return KtManip::KtManipulatorActiveVelocityStateToken; }
+
+ private:
+  KtVelocityState velocityState_;
+  LinkStates linkVelocityStates_;
+  KtLinkVelocityState baseVelocityState_;
+};
