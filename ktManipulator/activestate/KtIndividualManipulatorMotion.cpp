@@ -1,55 +1,102 @@
-// Frames, velocities, accelerations and forces of the base.
+// Frames, velocities, accelerations and forces of the base, and what they say of the whole.
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
+#include "ktManipulator/foundation/geometry/KtPlane.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
+#include "ktManipulator/model/KtManipulatorExternalForce.h"
 
 const KtCoordinateSystemTransformation& KtIndividualManipulator::dhFrameInSystem(
-    KtManipulatorActivePositionState& /*positionState*/) const {
-  return m_theDummyTransformation;
+    KtManipulatorActivePositionState& positionState) const {
+  KtLinkPositionState& entry = positionState.entry(ktBaseIndex);
+  if (!entry.locationInSystemValid()) {
+    entry.setDhFrame(coordSysXForm_ * positionState.positionState().coordSysXForm());
+    entry.setPrimaryFrame(entry.dhFrame() * primaryFrame());
+    entry.setLocationInSystemValid(true);
+  }
+  return entry.dhFrame();
 }
 
 const KtCoordinateSystemTransformation& KtIndividualManipulator::primaryFrameInSystem(
-    KtManipulatorActivePositionState& /*positionState*/) const {
-  return m_theDummyTransformation;
+    KtManipulatorActivePositionState& positionState) const {
+  return KtManipulatorLink::primaryFrameInSystem(positionState);
 }
 
 const KtGeneralMotion& KtIndividualManipulator::dhFrameVelocityInSystem(
-    KtManipulatorActiveState& /*activeState*/) const {
-  return m_theDummyGeneralVelocity;
+    KtManipulatorActiveState& activeState) const {
+  return activeState.velocityState().generalVelocity();
 }
 
 const KtGeneralMotion& KtIndividualManipulator::dhFrameVelocityInLocal(
-    KtManipulatorActiveState& /*activeState*/) const {
-  return m_theDummyGeneralVelocity;
+    KtManipulatorActiveState& activeState) const {
+  KtLinkVelocityState& entry = activeState.velocityCache().entry(ktBaseIndex);
+  if (!entry.localDhValid()) {
+    const KtOrientation r = dhFrameInSystem(activeState.positionCache()).orientation();
+    entry.setDhFrameVelocityInLocal(r.inverse() * activeState.velocityState().generalVelocity());
+  }
+  return entry.dhFrameVelocityInLocal();
 }
 
 const KtGeneralMotion& KtIndividualManipulator::primaryFrameVelocityInSystem(
-    KtManipulatorActiveState& /*activeState*/) const {
-  return m_theDummyGeneralVelocity;
+    KtManipulatorActiveState& activeState) const {
+  return KtManipulatorLink::primaryFrameVelocityInSystem(activeState);
 }
 
 const KtGeneralMotion& KtIndividualManipulator::dhFrameAccelerationInLocal(
-    KtManipulatorActiveState& /*activeState*/) const {
-  return m_theDummyGeneralAcceleration;
+    KtManipulatorActiveState& activeState) const {
+  KtLinkAccelerationState& entry = activeState.accelerationCache().entry(ktBaseIndex);
+  if (!entry.localDhValid()) {
+    const KtOrientation r = dhFrameInSystem(activeState.positionCache()).orientation();
+    entry.setDhFrameAccelerationInLocal(r.inverse() *
+                                        activeState.accelerationState().generalAcceleration());
+  }
+  return entry.dhFrameAccelerationInLocal();
 }
 
 const KtGeneralForce& KtIndividualManipulator::dhFrameForceInLocal(
-    const KtManipulatorExternalForce& /*external*/, KtManipulatorActiveState& /*activeState*/,
-    const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyGeneralForce;
+    const KtManipulatorExternalForce& external, KtManipulatorActiveState& activeState,
+    const KtStatedSystemStruct* asker) const {
+  return KtManipulatorLink::dhFrameForceInLocal(external, activeState, asker);
 }
 
 KtVector KtIndividualManipulator::getCenterOfMassInSystem(
-    KtManipulatorActiveState& /*activeState*/) const {
-  return KtVector();
+    KtManipulatorActiveState& activeState) const {
+  KtVector center;
+  crbi(activeState, nullptr).getCenterOfMass(center);
+  return dhFrameInSystem(activeState.positionCache()) * center;
 }
 
-void KtIndividualManipulator::computeZeroMomentPoint(const KtPlane& /*plane*/,
-                                                     KtManipulatorActiveState& /*activeState*/,
-                                                     KtVector& /*point*/,
-                                                     const KtStatedSystemStruct* /*asker*/) const {}
+namespace {
 
-void KtIndividualManipulator::computeZeroMomentPoint(const KtVector& /*gravity*/,
-                                                     const KtPlane& /*plane*/,
-                                                     KtManipulatorActiveState& /*activeState*/,
-                                                     KtVector& /*point*/,
-                                                     const KtStatedSystemStruct* /*asker*/) const {}
+// The point of the plane about which the force and the moment, given about the plane's point, have
+// no moment along the plane; unchanged where the force does not cross the plane.
+void moveToZeroMoment(const KtPlane& plane, const KtVector& force, const KtVector& moment,
+                      KtVector& point) {
+  const double across = force.dot(plane.normalVector());
+  if (across != 0.0) point = plane.normalVector().cross(moment) / across + plane.basePoint();
+}
+
+}  // namespace
+
+void KtIndividualManipulator::computeZeroMomentPoint(const KtPlane& plane,
+                                                     KtManipulatorActiveState& activeState,
+                                                     KtVector& point,
+                                                     const KtStatedSystemStruct* asker) const {
+  KtGeneralMotion rate = compositeSpatialMomentumRateInLocal(activeState, asker);
+  rate.transformBy(dhFrameInSystem(activeState.positionCache()));
+  KtVector moment;
+  computeMomentFromLinearAcceleration(plane.basePoint(), activeState, moment, asker);
+  moveToZeroMoment(plane, -rate.linear(), -(moment + rate.angular()), point);
+}
+
+void KtIndividualManipulator::computeZeroMomentPoint(const KtVector& gravity, const KtPlane& plane,
+                                                     KtManipulatorActiveState& activeState,
+                                                     KtVector& point,
+                                                     const KtStatedSystemStruct* asker) const {
+  KtGeneralMotion rate = compositeSpatialMomentumRateInLocal(activeState, asker);
+  rate.transformBy(dhFrameInSystem(activeState.positionCache()));
+  KtVector moment;
+  computeMomentFromLinearAcceleration(plane.basePoint(), activeState, moment, asker);
+  const double mass = crbi(activeState, asker).mass();
+  const KtVector arm = getCenterOfMassInSystem(activeState) - plane.basePoint();
+  moveToZeroMoment(plane, gravity * mass - rate.linear(),
+                   arm.cross(gravity) * mass - moment - rate.angular(), point);
+}

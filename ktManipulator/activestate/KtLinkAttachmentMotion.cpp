@@ -12,25 +12,6 @@ void store(const KtGeneralMotion& motion, std::vector<double>& reals, std::size_
   for (unsigned i = 0; i < 6; ++i) reals[start + i] = motion[i];
 }
 
-// Generic, so that a link that answers no frames yet leaves the results at their defaults.
-
-constexpr auto placementOf = [](const auto& link, auto& active, const auto& frame, auto& result) {
-  if constexpr (Kt::detail::AnswersFrames<decltype(link), decltype(active)>) {
-    result = Kt::detail::attachedPlacement(link, active, frame);
-  }
-};
-constexpr auto velocityOf = [](const auto& link, auto& active, const auto& frame, auto& result) {
-  if constexpr (Kt::detail::AnswersFrames<decltype(link), decltype(active)>) {
-    result = Kt::detail::attachedVelocity(link, active, frame);
-  }
-};
-constexpr auto accelerationOf = [](const auto& link, auto& active, const auto& frame,
-                                   auto& result) {
-  if constexpr (Kt::detail::AnswersFrames<decltype(link), decltype(active)>) {
-    result = Kt::detail::attachedAcceleration(link, active, frame);
-  }
-};
-
 }  // namespace
 
 void KtLinkAttachment::calculatePlacement(const KtIndividualManipulator& manipulator,
@@ -44,7 +25,7 @@ void KtLinkAttachment::calculatePlacement(const KtIndividualManipulator& manipul
         linkIdentifier().c_str());
     return;
   }
-  placementOf(*link, activeState, frame_, placement);
+  placement = Kt::detail::attachedPlacement(*link, activeState, frame_);
 }
 
 void KtLinkAttachment::calculateVelocity(const KtIndividualManipulator& manipulator,
@@ -52,7 +33,7 @@ void KtLinkAttachment::calculateVelocity(const KtIndividualManipulator& manipula
                                          std::vector<double>& velocity, KtU32 startIndex) const {
   KtGeneralMotion motion;
   const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
-  if (link != nullptr) velocityOf(*link, activeState, frame_, motion);
+  if (link != nullptr) motion = Kt::detail::attachedVelocity(*link, activeState, frame_);
   const std::size_t start = startIndex;
   velocity.resize(start + 6);
   store(motion, velocity, start);
@@ -64,7 +45,7 @@ void KtLinkAttachment::calculateAcceleration(const KtIndividualManipulator& mani
                                              KtU32 startIndex) const {
   KtGeneralMotion motion;
   const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
-  if (link != nullptr) accelerationOf(*link, activeState, frame_, motion);
+  if (link != nullptr) motion = Kt::detail::attachedAcceleration(*link, activeState, frame_);
   const std::size_t start = startIndex;
   acceleration.resize(std::max(acceleration.size(), start + 6));
   store(motion, acceleration, start);

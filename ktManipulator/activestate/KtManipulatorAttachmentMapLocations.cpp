@@ -1,22 +1,6 @@
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtManipulatorAttachmentMap.h"
 
-namespace {
-
-// Generic, so that a link that answers no frames yet leaves the location as it is.
-constexpr auto locate = [](const auto& link, auto& positionState, const auto& offset,
-                           const auto& dependent, auto& location) {
-  if constexpr (requires {
-                  link.primaryFrameInSystem(positionState);
-                  dependent.coordSysXForm();
-                }) {
-    location =
-        link.primaryFrameInSystem(positionState) * offset * dependent.coordSysXForm().inverse();
-  }
-};
-
-}  // namespace
-
 bool KtManipulatorAttachmentMap::calculateBaseLocations(
     KtU32 parentIndex, const KtXmlVectorType<KtIndividualManipulator>& manipulators,
     KtManipulatorActivePositionState& positionState, std::vector<KtU32>& dependents,
@@ -34,7 +18,8 @@ bool KtManipulatorAttachmentMap::calculateBaseLocations(
     if (dependent >= manipulators.size()) return false;
     const KtManipulatorLink* const link = manipulators[parentIndex].linkByIdentifier(label);
     if (link == nullptr) return false;
-    locate(*link, positionState, offset, manipulators[dependent], locations[k]);
+    locations[k] = link->primaryFrameInSystem(positionState) * offset *
+                   manipulators[dependent].coordSysXForm().inverse();
   }
   return true;
 }

@@ -1,66 +1,180 @@
-// Composite and articulated inertias of a link and its base.
+// Composite and articulated inertias of a link and its base, and the accelerations that follow.
+//
+// The recursions are Featherstone's (Rigid Body Dynamics Algorithms, Springer 2008, ch. 6 and 7).
+#include "ktManipulator/activestate/KtManipulatorActiveState.h"
+#include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
+#include "ktManipulator/model/KtManipulatorExternalForce.h"
+#include "ktManipulator/model/KtManipulatorTorque.h"
 
-const KtRigidBodyMassProperties& KtManipulatorLink::crbi(
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyCrbi;
+namespace {
+
+void reportIndex(const char* text, KtU32 index) {
+  Kt::Print::instance().write(Kt::Print::kError, "KtManipulatorLink::%s (%d) out of range.\n", text,
+                              static_cast<int>(index));
 }
 
-const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(
-    const KtManipulatorExternalForce& /*external*/, const KtManipulatorTorque& /*torque*/,
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyArbd;
+double jointTorque(const KtManipulatorTorque& torque, KtU32 index) {
+  const auto& torques = torque.jointTorques().vectorContainer();
+  return index < torques.size() ? torques[index].value() : 0.0;
 }
 
-void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& /*parent*/,
-                                        const KtManipulatorExternalForce& /*external*/,
-                                        const KtManipulatorTorque& /*torque*/,
-                                        KtManipulatorActiveState& /*activeState*/,
-                                        const KtStatedSystemStruct* /*asker*/) const {}
+}  // namespace
+
+const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveState& activeState,
+                                                         const KtStatedSystemStruct* asker) const {
+  const KtU32 i = linkIndex();
+  auto& masses = activeState.massCache();
+  if (i != ktBaseIndex && i >= masses.linkCount()) {
+    reportIndex("crbi(): index", i);
+    return m_theDummyCrbi;
+  }
+  KtLinkMassState& entry = masses.entry(i);
+  if (!entry.crbiValid()) {
+    KtRigidBodyMassProperties sum = massPropertiesInDHFrame(asker);
+    const auto& positions = activeState.positionCache();
+    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+      KtRigidBodyMassProperties part = child.crbi(activeState, asker);
+      part.transformBy(child.linkKinematicsContainer_.calculateTransform(
+          positions.jointPosition(child.linkIndex_)));
+      sum += part;
+    }
+    entry.setCrbi(sum);
+  }
+  return entry.crbi();
+}
+
+const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(const KtManipulatorExternalForce& external,
+                                                         const KtManipulatorTorque& torque,
+                                                         KtManipulatorActiveState& activeState,
+                                                         const KtStatedSystemStruct* asker) const {
+  const KtU32 i = linkIndex();
+  auto& articulation = activeState.articulationCache();
+  if (i != ktBaseIndex && i >= articulation.linkCount()) {
+    reportIndex("arbd(): index", i);
+    return m_theDummyArbd;
+  }
+  KtLinkArticulationState& entry = articulation.entry(i);
+  if (!entry.arbdValid()) {
+    const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
+    const KtGeneralMotion& velocity = dhFrameVelocityInLocal(activeState);
+    const KtRigidBodyMassProperties& body = massPropertiesInDHFrame(asker);
+    KtArticulatedBodyDynamics dynamics(body,
+                                       body.calculateForce(velocity, acceleration) - external[i]);
+    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+      child.addArbdToParent(dynamics, external, torque, activeState, asker);
+    }
+    entry.setArbd(dynamics);
+  }
+  return entry.arbd();
+}
+
+void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& parent,
+                                        const KtManipulatorExternalForce& external,
+                                        const KtManipulatorTorque& torque,
+                                        KtManipulatorActiveState& activeState,
+                                        const KtStatedSystemStruct* asker) const {
+  const double q = activeState.positionCache().jointPosition(linkIndex_);
+  const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
+  linkKinematicsContainer_.addChildArbdToParent(parent, own, q, jointActuator_.effectiveInertia(q),
+                                                jointTorque(torque, linkIndex_));
+}
 
 const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInLocal(
-    const KtManipulatorExternalForce& /*external*/, const KtManipulatorTorque& /*torque*/,
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyGeneralAcceleration;
+    const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
+    KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
+  const KtU32 i = linkIndex_;
+  auto& articulation = activeState.articulationCache();
+  if (i >= articulation.linkCount()) {
+    reportIndex("arbiSupplementalDhFrameAccelerationInLocal(): articulation states index", i);
+    return m_theDummyGeneralAcceleration;
+  }
+  KtLinkArticulationState& entry = articulation.entry(i);
+  if (!entry.supplementalDhAccelerationValid()) {
+    auto& positions = activeState.positionCache();
+    KtGeneralMotion acceleration;
+    if (parentLink_ != nullptr) {
+      acceleration = parentLink_->arbiSupplementalDhFrameAccelerationInLocal(external, torque,
+                                                                             activeState, asker);
+    }
+    acceleration.transformBy(jointTransform(positions).inverse());
+    const double rate = arbiJointAcceleration(external, torque, activeState, asker);
+    acceleration +=
+        linkKinematicsContainer_.calculateAcceleration(positions.jointPosition(i), 0.0, rate);
+    entry.setSupplementalDhAcceleration(acceleration);
+  }
+  return entry.supplementalDhAcceleration();
 }
 
-double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce& /*external*/,
-                                                const KtManipulatorTorque& /*torque*/,
-                                                KtManipulatorActiveState& /*activeState*/,
-                                                const KtStatedSystemStruct* /*asker*/) const {
-  return 0.0;
+double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce& external,
+                                                const KtManipulatorTorque& torque,
+                                                KtManipulatorActiveState& activeState,
+                                                const KtStatedSystemStruct* asker) const {
+  const KtU32 i = linkIndex_;
+  auto& articulation = activeState.articulationCache();
+  if (i >= articulation.linkCount()) {
+    reportIndex("arbiJointAcceleration(): articulation states index", i);
+    return 0.0;
+  }
+  const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
+  KtLinkArticulationState& entry = articulation.entry(i);
+  if (!entry.supplementalJointAccelerationValid()) {
+    auto& positions = activeState.positionCache();
+    const double q = positions.jointPosition(i);
+    KtGeneralMotion acceleration;
+    if (parentLink_ != nullptr) {
+      acceleration = parentLink_->arbiSupplementalDhFrameAccelerationInLocal(external, torque,
+                                                                             activeState, asker);
+    }
+    acceleration.transformBy(jointTransform(positions).inverse());
+    const double load =
+        linkKinematicsContainer_.torqueRequiredToExert(q, own.calculateForce(acceleration));
+    const double inertia = linkKinematicsContainer_.unitAccelerationTorque(q, own.inertia()) +
+                           jointActuator_.effectiveInertia(q);
+    entry.setSupplementalJointAcceleration(
+        inertia == 0.0 ? 0.0 : (jointTorque(torque, i) - load) / inertia);
+  }
+  return entry.supplementalJointAcceleration();
 }
+
+// The base
 
 const KtRigidBodyMassProperties& KtIndividualManipulator::crbi(
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyCrbi;
+    KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
+  return KtManipulatorLink::crbi(activeState, asker);
+}
+
+const KtReArray& KtIndividualManipulator::crbiSpatialCholeskyDecomposition(
+    KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
+  return crbi(activeState, asker).spatialCholeskyDecomposition();
 }
 
 const KtArticulatedBodyDynamics& KtIndividualManipulator::arbd(
-    const KtManipulatorExternalForce& /*external*/, const KtManipulatorTorque& /*torque*/,
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyArbd;
+    const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
+    KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
+  return KtManipulatorLink::arbd(external, torque, activeState, asker);
 }
 
 const KtGeneralMotion& KtIndividualManipulator::arbiSupplementalDhFrameAccelerationInLocal(
-    const KtManipulatorExternalForce& /*external*/, const KtManipulatorTorque& /*torque*/,
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyGeneralAcceleration;
+    const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
+    KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
+  if (isFixedBase()) return m_theZeroAcceleration;
+  KtLinkArticulationState& entry = activeState.articulationCache().entry(ktBaseIndex);
+  if (!entry.supplementalDhAccelerationValid()) {
+    entry.setSupplementalDhAcceleration(
+        arbd(external, torque, activeState, asker).calculateAcceleration(torque.generalForce()));
+  }
+  return entry.supplementalDhAcceleration();
 }
 
 const KtGeneralMotion& KtIndividualManipulator::arbiBaseAccelerationInLocal(
-    const KtManipulatorExternalForce& /*external*/, const KtManipulatorTorque& /*torque*/,
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyGeneralAcceleration;
+    const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
+    KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
+  return arbiSupplementalDhFrameAccelerationInLocal(external, torque, activeState, asker);
 }
 
 double KtIndividualManipulator::computeKineticEnergy(KtManipulatorActiveState& /*activeState*/,
                                                      KtMassMatrixTool* /*tool*/,
                                                      const KtStatedSystemStruct* /*asker*/) const {
   return 0.0;
-}
-
-const KtReArray& KtIndividualManipulator::crbiSpatialCholeskyDecomposition(
-    KtManipulatorActiveState& /*activeState*/, const KtStatedSystemStruct* /*asker*/) const {
-  return m_theDummyCrbi.spatialCholeskyDecomposition();
 }

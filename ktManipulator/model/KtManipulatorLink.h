@@ -520,6 +520,9 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                LimitConstraint& limit, double constant,
                                                double coefficient) const;
   bool attachments(const KtStatedSystemStruct* asker) const;
+  // The DH frame in the parent's, cached in the link's entry.
+  const KtCoordinateSystemTransformation& jointTransform(
+      KtManipulatorActivePositionState& positionState) const;
   const KtShape* topShape() const { return shapeContainer().topElement(); }
 
   // Written to files
