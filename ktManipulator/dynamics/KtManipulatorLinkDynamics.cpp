@@ -1,7 +1,10 @@
 // Composite and articulated inertias of a link and its base, and the accelerations that follow.
 //
 // The recursions are Featherstone's (Rigid Body Dynamics Algorithms, Springer 2008, ch. 6 and 7).
+#include <optional>
+
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
+#include "ktManipulator/dynamics/KtMassMatrixTool.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtManipulatorExternalForce.h"
@@ -173,8 +176,32 @@ const KtGeneralMotion& KtIndividualManipulator::arbiBaseAccelerationInLocal(
   return arbiSupplementalDhFrameAccelerationInLocal(external, torque, activeState, asker);
 }
 
-double KtIndividualManipulator::computeKineticEnergy(KtManipulatorActiveState& /*activeState*/,
-                                                     KtMassMatrixTool* /*tool*/,
-                                                     const KtStatedSystemStruct* /*asker*/) const {
-  return 0.0;
+double KtIndividualManipulator::computeKineticEnergy(KtManipulatorActiveState& activeState,
+                                                     KtMassMatrixTool* tool,
+                                                     const KtStatedSystemStruct* asker) const {
+  const KtU32 joints = jointDof();
+  if (isFixedBase() && joints == 0) return 0.0;
+  std::optional<KtMassMatrixTool> own;
+  if (tool == nullptr) tool = &own.emplace();
+  tool->setManipulator(this);
+  tool->setIsFixedBase(isFixedBase());
+  const KtReArray& mass = isFixedBase() ? tool->massMatrix(activeState, asker)
+                                        : tool->extendedMassMatrixInBase(activeState, asker);
+  const KtVelocityState& velocity = activeState.velocityState();
+  KtReArray z(mass.rows(), 1);
+  for (KtU32 i = 0; i < joints; ++i) z[i][0] = activeState.velocityCache().jointVelocity(i);
+  for (KtU32 k = joints; k < z.rows(); ++k) z[k][0] = velocity.generalVelocity()[k - joints];
+  return 0.5 * (z.transpose() * (mass * z))[0][0];
+}
+
+void KtIndividualManipulator::initializeActuatorStatesIfShort(
+    KtManipulatorActiveState& activeState) const {
+  if (activeState.actuatorState().outputTorques().size() >=
+      activeState.positionState().jointPositions().size()) {
+    return;
+  }
+  for (KtU32 i = 0; i < jointDof(); ++i) {
+    const KtManipulatorLink* link = linkByIndex(i);
+    if (link != nullptr) link->jointActuator().initializeActuatorStates(activeState);
+  }
 }

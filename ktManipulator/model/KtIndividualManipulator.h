@@ -299,6 +299,9 @@ class KT_EXPORT KtIndividualManipulator
   ///
   /// @return true
   bool makeIndicesCompatible(KtU32& index1, KtU32& index2) const;
+  /// Lets the actuators of all links initialise their entries of the active state's actuator state,
+  /// if it has fewer than there are joint positions.
+  void initializeActuatorStatesIfShort(KtManipulatorActiveState& activeState) const;
   /// Adds a capsule around the shapes of each link that uses its own.
   void addCapsuleBoundingVolumeToLinks();
   /// Adds a sphere around the shapes of each link that uses its own.

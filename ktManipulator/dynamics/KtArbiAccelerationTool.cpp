@@ -1,0 +1,64 @@
+#include "ktManipulator/dynamics/KtArbiAccelerationTool.h"
+
+#include <algorithm>
+
+#include "ktManipulator/model/KtIndividualManipulator.h"
+#include "ktManipulator/model/KtStatedSystem.h"
+
+void KtArbiAccelerationTool::acceleration(
+    const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+    const KtPositionState& position, const KtVelocityState& velocity,
+    const KtManipulatorTorque& torque, const KtManipulatorExternalForce& external,
+    KtAccelerationState& acceleration, KtManipulatorActiveState* activeState, bool recompute) {
+  if (activeState != nullptr) {
+    this->acceleration(system, manipulator, torque, external, acceleration, *activeState,
+                       recompute);
+    return;
+  }
+  own_.setPositionState(position);
+  own_.setVelocityState(velocity);
+  const KtU32 joints = velocity.jointVelocities().size();
+  if (own_.accelerationState().jointAccelerations().size() < joints || joints == 0) {
+    KtAccelerationState gravity = KtAccelerationState::zeroCompatibleState(velocity);
+    gravity.setGeneralAcceleration({system.environment().upGravityVector(), KtVector()});
+    own_.setAccelerationState(gravity);
+  }
+  manipulator.initializeActuatorStatesIfShort(own_);
+  own_.invalidateAll();
+  this->acceleration(system, manipulator, torque, external, acceleration, own_, recompute);
+}
+
+void KtArbiAccelerationTool::acceleration(
+    const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+    const KtManipulatorTorque& torque, const KtManipulatorExternalForce& external,
+    KtAccelerationState& acceleration, KtManipulatorActiveState& activeState, bool /*recompute*/) {
+  const KtU32 n = manipulator.jointDof();
+  const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
+  const auto& given = torque.jointTorques().vectorContainer();
+  netTorque_.setGeneralForce(torque.generalForce());
+  netTorque_.jointTorques().assign(n, 0.0);
+  totalTorqueTool_.setManipulator(&manipulator);
+  totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
+  const auto& loads =
+      totalTorqueTool_.torques(external, activeState, &asker).jointTorques().vectorContainer();
+  for (KtU32 i = 0; i < std::min<std::size_t>(n, loads.size()); ++i) {
+    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    if (link == nullptr) continue;
+    const double command = i < given.size() ? given[i].value() : 0.0;
+    netTorque_.jointTorques()[i] =
+        link->jointActuator().mechanicalComponentContainer().outputTorque(command, loads[i],
+                                                                          activeState) -
+        link->totalLocalTorque(activeState);
+  }
+  acceleration.resize(n);
+  for (KtU32 i = 0; i < n; ++i) {
+    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    if (link == nullptr) continue;
+    acceleration.jointAccelerations()[i] =
+        link->arbiJointAcceleration(external, netTorque_, activeState, &asker);
+  }
+  KtGeneralMotion base =
+      manipulator.arbiBaseAccelerationInLocal(external, netTorque_, activeState, &asker);
+  base.transformBy(manipulator.dhFrameInSystem(activeState.positionCache()).orientation());
+  acceleration.setGeneralAcceleration(base);
+}

@@ -1,0 +1,290 @@
+#include "ktManipulator/dynamics/KtCrbiAccelerationTool.h"
+
+#include <algorithm>
+
+#include "ktManipulator/model/KtIndividualManipulator.h"
+#include "ktManipulator/model/KtStatedSystem.h"
+
+void KtCrbiAccelerationTool::acceleration(
+    const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+    const KtPositionState& position, const KtVelocityState& velocity,
+    const KtManipulatorTorque& torque, const KtManipulatorExternalForce& external,
+    KtAccelerationState& acceleration, KtManipulatorActiveState* activeState, bool recompute) {
+  if (activeState == nullptr) prepareOwn(system, manipulator, position, velocity);
+  this->acceleration(system, manipulator, torque, external, acceleration,
+                     activeState != nullptr ? *activeState : own_, recompute);
+}
+
+void KtCrbiAccelerationTool::hybridTorqueAcceleration(
+    const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+    const KtPositionState& position, const KtVelocityState& velocity,
+    const KtManipulatorExternalForce& external, const std::vector<bool>& selection,
+    KtManipulatorTorque& torque, KtAccelerationState& acceleration,
+    KtManipulatorActiveState* activeState, bool recompute) {
+  if (activeState == nullptr) prepareOwn(system, manipulator, position, velocity);
+  hybridTorqueAcceleration(system, manipulator, external, selection, torque, acceleration,
+                           activeState != nullptr ? *activeState : own_, recompute);
+}
+
+void KtCrbiAccelerationTool::prepareOwn(const KtStatedSystem& system,
+                                        const KtIndividualManipulator& manipulator,
+                                        const KtPositionState& position,
+                                        const KtVelocityState& velocity) {
+  own_.setPositionState(position);
+  own_.setVelocityState(velocity);
+  const KtVector& gravity = system.environment().upGravityVector();
+  const KtAccelerationState& held = own_.accelerationState();
+  if (held.jointAccelerations().size() < velocity.jointVelocities().size() ||
+      (held.generalAcceleration().linear() == KtVector() && !(gravity == KtVector()))) {
+    KtAccelerationState fresh = KtAccelerationState::zeroCompatibleState(velocity);
+    fresh.setGeneralAcceleration({gravity, KtVector()});
+    own_.setAccelerationState(fresh);
+  }
+  manipulator.initializeActuatorStatesIfShort(own_);
+  own_.invalidateAll();
+}
+
+void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
+                                          const KtIndividualManipulator& manipulator,
+                                          const KtManipulatorTorque& torque,
+                                          const KtManipulatorExternalForce& external,
+                                          KtAccelerationState& acceleration,
+                                          KtManipulatorActiveState& activeState, bool recompute) {
+  const KtU32 n = manipulator.jointDof();
+  const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
+  const bool fixed = manipulator.isFixedBase();
+  calculateJointTorqueArray(manipulator, torque, external, activeState, &asker);
+  const KtReArray& factor = fixed ? factor_ : fullFactor_;
+  const KtU32 first = fixed ? 0 : 6;
+  if (recompute || factor.rows() != n + first) {
+    calculateMassMatrix(manipulator, activeState, &asker);
+    if (!fixed) factorWithBase(manipulator, activeState, &asker);
+    if (fixed) massMatrix_.choleskyDecomposition(factor_);
+  }
+  rightSide_.resizeArray(n + first, 1);
+  if (!fixed) {
+    const KtGeneralForce force = baseForce(manipulator, torque, external, activeState, &asker);
+    for (KtU32 k = 0; k < 6; ++k) rightSide_[k][0] = force[k];
+  }
+  for (KtU32 i = 0; i < n; ++i) rightSide_[first + i][0] = jointTorques_[i][0];
+  addConstraintForces(manipulator, activeState, factor);
+  factor.choleskyBackSubstitution(rightSide_, solution_);
+  if (!fixed) {
+    KtGeneralMotion base;
+    for (KtU32 k = 0; k < 6; ++k) base.setScalarValue(k, solution_[k][0]);
+    base.transformBy(manipulator.dhFrameInSystem(activeState.positionCache()).orientation());
+    acceleration.setGeneralAcceleration(base);
+  }
+  acceleration.resize(n);
+  for (KtU32 i = 0; i < n; ++i) acceleration.jointAccelerations()[i] = solution_[first + i][0];
+}
+
+// With the mass matrix partitioned as base and joints, (I, D^T; D, H), its factor is
+// (L6, 0; Y^T, L): L6 that of I, Y = L6^-1 D^T, and L that of H - Y^T Y.
+void KtCrbiAccelerationTool::factorWithBase(const KtIndividualManipulator& manipulator,
+                                            KtManipulatorActiveState& activeState,
+                                            const KtStatedSystemStruct* asker) {
+  const KtU32 n = massMatrix_.rows();
+  matrixDTool_.setManipulator(&manipulator);
+  const KtReArray& d = matrixDTool_.matrixD(activeState, asker);
+  const KtReArray& l6 = manipulator.crbiSpatialCholeskyDecomposition(activeState, asker);
+  if (n > 0) {
+    l6.forwardSubstitutionOnTranspose(d, baseCoupling_);
+    baseCoupling_.overconstrainedNormal(product_);
+    massMatrix_ -= product_;
+  }
+  massMatrix_.choleskyDecomposition(factor_);
+  fullFactor_.resizeArray(n + 6, n + 6);
+  for (KtU32 k = 0; k < 6; ++k) std::copy_n(l6[k], k + 1, fullFactor_[k]);
+  for (KtU32 i = 0; i < n; ++i) {
+    for (KtU32 k = 0; k < 6; ++k) fullFactor_[6 + i][k] = baseCoupling_[k][i];
+    std::copy_n(factor_[i], i + 1, fullFactor_[6 + i] + 6);
+  }
+}
+
+KtGeneralForce KtCrbiAccelerationTool::baseForce(const KtIndividualManipulator& manipulator,
+                                                 const KtManipulatorTorque& torque,
+                                                 const KtManipulatorExternalForce& external,
+                                                 KtManipulatorActiveState& activeState,
+                                                 const KtStatedSystemStruct* asker) const {
+  return torque.generalForce() - manipulator.dhFrameForceInLocal(external, activeState, asker);
+}
+
+// The constraints ask for A z' + A' z = 0. Their forces A^T lambda are what takes the accelerations
+// of the free mechanism there.
+void KtCrbiAccelerationTool::addConstraintForces(const KtIndividualManipulator& manipulator,
+                                                 KtManipulatorActiveState& activeState,
+                                                 const KtReArray& factor) {
+  const KtStateEqualityConstraintVector& constraints = manipulator.stateEqualityConstraints();
+  const KtU32 count = constraints.size() > 0 ? constraints.doc() : 0;
+  if (count == 0) return;
+  const KtPositionState& position = activeState.positionState();
+  const KtVelocityState& velocity = activeState.velocityState();
+  const KtReArray& a = constraints.jacobian(manipulator, position);
+  const KtReArray& aDot = constraints.jacobianDerivative(manipulator, position, velocity);
+  const KtU32 unknowns = factor.rows();
+  if (a.rows() != count || a.columns() != unknowns || aDot.columns() != unknowns) return;
+  const KtU32 first = manipulator.isFixedBase() ? 0 : 6;
+  factor.choleskyBackSubstitution(rightSide_, unconstrained_);
+  violation_.setToZeros(count, 1);
+  for (KtU32 j = 0; j < unknowns; ++j) {
+    const double z = j < first ? velocity.generalVelocity()[j]
+                               : activeState.velocityCache().jointVelocity(j - first);
+    const double rate = unconstrained_[j][0];
+    for (KtU32 r = 0; r < count; ++r) violation_[r][0] += a[r][j] * rate + aDot[r][j] * z;
+  }
+  factor.choleskyBackSubstitutionOnTranspose(a, response_);
+  a.transform(response_, constraintMatrix_);
+  constraintMatrix_.choleskyDecomposition(constraintFactor_);
+  constraintFactor_.choleskyBackSubstitution(violation_, multipliers_);
+  a.leftTransposeTransform(multipliers_, constraintForces_);
+  rightSide_ -= constraintForces_;
+}
+
+void KtCrbiAccelerationTool::hybridTorqueAcceleration(
+    const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+    const KtManipulatorExternalForce& external, const std::vector<bool>& selection,
+    KtManipulatorTorque& torque, KtAccelerationState& acceleration,
+    KtManipulatorActiveState& activeState, bool recompute) {
+  const KtU32 n = manipulator.jointDof();
+  const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
+  const bool fixed = manipulator.isFixedBase();
+  const KtU32 unknowns = fixed ? n : n + 6;
+  torque.jointTorques().resizeToAtLeast(n);
+  acceleration.resize(n);
+  calculateJointTorqueArray(manipulator, torque, external, activeState, &asker);
+  bool changed = selection_.size() != unknowns;
+  selection_.resize(unknowns);
+  KtU32 selected = 0;
+  for (KtU32 i = 0; i < unknowns; ++i) {
+    const bool bit = i >= selection.size() || selection[i];
+    changed = changed || bit != selection_[i];
+    selection_[i] = bit;
+    if (bit) ++selected;
+  }
+  if (recompute || changed) {
+    if (fixed) {
+      calculateMassMatrix(manipulator, activeState, &asker);
+    } else {
+      calculateExtendedMassMatrixInBase(manipulator, activeState, &asker);
+    }
+    partition(selected);
+  }
+  const KtGeneralForce force =
+      fixed ? KtGeneralForce() : baseForce(manipulator, torque, external, activeState, &asker);
+  const auto rightSide = [&](KtU32 i) { return i < n ? jointTorques_[i][0] : force[i - n]; };
+  b1_.resizeArray(selected, 1);
+  a2_.resizeArray(unknowns - selected, 1);
+  for (KtU32 i = 0, j = 0, k = 0; i < unknowns; ++i) {
+    if (selection_[i]) {
+      b1_[j++][0] = rightSide(i);
+    } else {
+      a2_[k++][0] = i < n ? acceleration.jointAccelerations()[i].value()
+                          : acceleration.generalAcceleration()[i - n];
+    }
+  }
+  const bool someKnown = selected < unknowns;
+  if (someKnown) h22_.transform(a2_, t2_);
+  if (selected > 0) {
+    if (someKnown) {
+      h12_.transform(a2_, product_);
+      b1_ -= product_;
+    }
+    hybridFactor_.choleskyBackSubstitution(b1_, x1_);
+    if (someKnown) {
+      h21_.transform(x1_, product_);
+      t2_ += product_;
+    }
+  }
+  KtGeneralMotion base = fixed ? KtGeneralMotion() : acceleration.generalAcceleration();
+  for (KtU32 i = 0, j = 0, k = 0; i < unknowns; ++i) {
+    if (selection_[i]) {
+      const double found = x1_[j++][0];
+      if (i < n) {
+        acceleration.jointAccelerations()[i] = found;
+      } else {
+        base.setScalarValue(i - n, found);
+      }
+      continue;
+    }
+    const double found = t2_[k++][0] - rightSide(i);
+    if (i >= n) {
+      torque.generalForce().setScalarValue(i - n, torque.generalForce()[i - n] + found);
+      continue;
+    }
+    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    const double ratio = link != nullptr ? link->jointActuator().gearRatio() : 0.0;
+    if (ratio != 0.0) torque.jointTorques()[i].value() += found / ratio;
+  }
+  acceleration.setGeneralAcceleration(base);
+}
+
+// Divides the mass matrix by the selection, keeping the order within both parts.
+void KtCrbiAccelerationTool::partition(KtU32 selected) {
+  const KtU32 unknowns = massMatrix_.rows();
+  h11_.resizeArray(selected, selected);
+  h12_.resizeArray(selected, unknowns - selected);
+  h22_.resizeArray(unknowns - selected, unknowns - selected);
+  for (KtU32 i = 0, row1 = 0, row2 = 0; i < unknowns; ++i) {
+    for (KtU32 j = 0, column1 = 0, column2 = 0; j < unknowns; ++j) {
+      const double entry = massMatrix_[i][j];
+      if (selection_[i] && selection_[j]) h11_[row1][column1] = entry;
+      if (selection_[i] && !selection_[j]) h12_[row1][column2] = entry;
+      if (!selection_[i] && !selection_[j]) h22_[row2][column2] = entry;
+      ++(selection_[j] ? column1 : column2);
+    }
+    ++(selection_[i] ? row1 : row2);
+  }
+  h11_.choleskyDecomposition(hybridFactor_);
+  h12_.transpose(h21_);
+}
+
+void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipulator& manipulator,
+                                                       const KtManipulatorTorque& torque,
+                                                       const KtManipulatorExternalForce& external,
+                                                       KtManipulatorActiveState& activeState,
+                                                       const KtStatedSystemStruct* asker) {
+  totalTorqueTool_.setManipulator(&manipulator);
+  totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
+  const auto& bias =
+      totalTorqueTool_.torques(external, activeState, asker).jointTorques().vectorContainer();
+  const auto& given = torque.jointTorques().vectorContainer();
+  const KtU32 n = manipulator.jointDof();
+  jointTorques_.setToZeros(n, 1);
+  for (KtU32 i = 0; i < std::min<std::size_t>({n, bias.size(), given.size()}); ++i) {
+    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    if (link == nullptr) continue;
+    const double load = bias[i];
+    jointTorques_[i][0] = link->jointActuator().mechanicalComponentContainer().outputTorque(
+                              given[i], load, activeState) -
+                          load;
+  }
+}
+
+bool KtCrbiAccelerationTool::calculateMassMatrix(const KtIndividualManipulator& manipulator,
+                                                 KtManipulatorActiveState& activeState,
+                                                 const KtStatedSystemStruct* asker) {
+  massMatrixTool_.setManipulator(&manipulator);
+  massMatrix_ = massMatrixTool_.massMatrix(activeState, asker);
+  addActuatorInertias(manipulator, activeState);
+  return true;
+}
+
+bool KtCrbiAccelerationTool::calculateExtendedMassMatrixInBase(
+    const KtIndividualManipulator& manipulator, KtManipulatorActiveState& activeState,
+    const KtStatedSystemStruct* asker) {
+  massMatrixTool_.setManipulator(&manipulator);
+  massMatrix_ = massMatrixTool_.extendedMassMatrixInBase(activeState, asker);
+  addActuatorInertias(manipulator, activeState);
+  return true;
+}
+
+void KtCrbiAccelerationTool::addActuatorInertias(const KtIndividualManipulator& manipulator,
+                                                 KtManipulatorActiveState& activeState) {
+  const auto& positions = activeState.positionCache();
+  for (KtU32 i = 0; i < manipulator.jointDof(); ++i) {
+    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    if (link == nullptr) continue;
+    massMatrix_[i][i] += link->jointActuator().effectiveInertia(positions.jointPosition(i));
+  }
+}

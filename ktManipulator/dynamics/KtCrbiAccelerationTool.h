@@ -1,0 +1,161 @@
+#pragma once
+
+#include <vector>
+
+#include "ktManipulator/dynamics/KtMassMatrixTool.h"
+
+class KtIndividualManipulator;
+class KtStateEqualityConstraintVector;
+class KtStatedSystem;
+
+/// Forward dynamics by the mass matrix: it is formed by the composite-rigid-body method and
+/// factored. Unlike `KtArbiAccelerationTool` it honours the manipulator's state equality
+/// constraints, and solves for a mix of unknown accelerations and torques.
+///
+/// Gravity is an acceleration of the base upwards, the system's `upGravityVector()`. It stands in
+/// the acceleration state while the joints don't accelerate: from there come the forces of gravity,
+/// Coriolis and the centripetal ones, while the result has true accelerations. A caller who makes
+/// the result the acceleration state of the same active state overwrites gravity there, and has to
+/// put it back before the next call of a second form.
+///
+/// Matrices and factors are kept between calls. Where `recompute` is false those of the last call
+/// stand, and only what depends on velocities, torques and forces is computed anew; if there are
+/// none for as many unknowns, they are made.
+///
+/// An indefinite mass matrix is not detected. A tool belongs to one thread at a time.
+///
+/// @see R. Featherstone, Rigid Body Dynamics Algorithms, Springer 2008, ch. 6, 8 and 9
+class KT_EXPORT KtCrbiAccelerationTool {
+ public:
+  virtual ~KtCrbiAccelerationTool() = default;
+
+  /// The accelerations in a state of positions and velocities.
+  ///
+  /// @param system         the system of the manipulator, with its environment and attachments
+  /// @param manipulator    one of that system
+  /// @param position       positions
+  /// @param velocity       velocities
+  /// @param torque         torques that the joints' actuators get, and the load on a free base
+  /// @param external       forces on the links from outside, in the axes of their DH frames
+  /// @param acceleration   the result: one joint acceleration for each joint, and, for a free base,
+  ///                       its acceleration in the axes of the system; that of a fixed base is left
+  ///                       as it is
+  /// @param activeState    if not null, the second form answers on it: then positions, velocities
+  ///                       and gravity are taken from there as they are, and nothing is prepared.
+  ///                       With null the tool's own state is used. In it, the acceleration state
+  ///                       that an earlier call put there stays, unless it has too few joints, or
+  ///                       no gravity where the system has.
+  /// @param recompute      whether matrices and factors are computed anew
+  virtual void acceleration(const KtStatedSystem& system,
+                            const KtIndividualManipulator& manipulator,
+                            const KtPositionState& position, const KtVelocityState& velocity,
+                            const KtManipulatorTorque& torque,
+                            const KtManipulatorExternalForce& external,
+                            KtAccelerationState& acceleration,
+                            KtManipulatorActiveState* activeState, bool recompute);
+  /// The accelerations in an active state that has positions and velocities, and gravity in its
+  /// acceleration state. It doesn't see another external force than that of the first call: a
+  /// caller who changes it calls `invalidateAll` on it before.
+  virtual void acceleration(const KtStatedSystem& system,
+                            const KtIndividualManipulator& manipulator,
+                            const KtManipulatorTorque& torque,
+                            const KtManipulatorExternalForce& external,
+                            KtAccelerationState& acceleration,
+                            KtManipulatorActiveState& activeState, bool recompute);
+  /// Finds the accelerations of some unknowns and the torques of the others. Unknowns are the
+  /// joints by link index and, for a free base, its linear x, y, z and angular x, y, z.
+  ///
+  /// @param system         see `acceleration`
+  /// @param manipulator    see `acceleration`
+  /// @param position       see `acceleration`
+  /// @param velocity       see `acceleration`
+  /// @param external       see `acceleration`
+  /// @param selection      true where the torque is known and the acceleration sought, false where
+  ///                       it is the other way round; true beyond its end
+  /// @param torque         in: the known torques. Out: what was sought is added, as the command
+  /// that
+  ///                       through the gear gives that joint torque. A joint of gear ratio 0 keeps
+  ///                       its value. It gets one joint torque for each joint.
+  /// @param acceleration   in: the known accelerations. Out: those sought. It gets one for each
+  ///                       joint. Unlike with `acceleration`, those of a free base stand in the
+  ///                       axes of its DH frame, in and out; that of a fixed base becomes zero
+  /// @param activeState    see `acceleration`
+  /// @param recompute      see `acceleration`; another selection also makes the factors anew
+  virtual void hybridTorqueAcceleration(
+      const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+      const KtPositionState& position, const KtVelocityState& velocity,
+      const KtManipulatorExternalForce& external, const std::vector<bool>& selection,
+      KtManipulatorTorque& torque, KtAccelerationState& acceleration,
+      KtManipulatorActiveState* activeState, bool recompute);
+  /// The same on an active state, as with `acceleration`.
+  virtual void hybridTorqueAcceleration(const KtStatedSystem& system,
+                                        const KtIndividualManipulator& manipulator,
+                                        const KtManipulatorExternalForce& external,
+                                        const std::vector<bool>& selection,
+                                        KtManipulatorTorque& torque,
+                                        KtAccelerationState& acceleration,
+                                        KtManipulatorActiveState& activeState, bool recompute);
+  /// Computes the right side of the joints' equations: the torques that reach the joints through
+  /// their actuators' mechanical components, less those that the motion takes by itself. Joints
+  /// beyond the end of `torque` get 0.
+  virtual void calculateJointTorqueArray(const KtIndividualManipulator& manipulator,
+                                         const KtManipulatorTorque& torque,
+                                         const KtManipulatorExternalForce& external,
+                                         KtManipulatorActiveState& activeState,
+                                         const KtStatedSystemStruct* asker);
+  /// Computes the mass matrix with the actuators' inertias.
+  ///
+  /// @return true
+  virtual bool calculateMassMatrix(const KtIndividualManipulator& manipulator,
+                                   KtManipulatorActiveState& activeState,
+                                   const KtStatedSystemStruct* asker);
+  /// Computes the mass matrix with the base, in its DH frame, and with the actuators' inertias.
+  ///
+  /// @return true
+  virtual bool calculateExtendedMassMatrixInBase(const KtIndividualManipulator& manipulator,
+                                                 KtManipulatorActiveState& activeState,
+                                                 const KtStatedSystemStruct* asker);
+
+ private:
+  void prepareOwn(const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
+                  const KtPositionState& position, const KtVelocityState& velocity);
+  void addActuatorInertias(const KtIndividualManipulator& manipulator,
+                           KtManipulatorActiveState& activeState);
+  void factorWithBase(const KtIndividualManipulator& manipulator,
+                      KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker);
+  void partition(KtU32 selected);
+  KtGeneralForce baseForce(const KtIndividualManipulator& manipulator,
+                           const KtManipulatorTorque& torque,
+                           const KtManipulatorExternalForce& external,
+                           KtManipulatorActiveState& activeState,
+                           const KtStatedSystemStruct* asker) const;
+  void addConstraintForces(const KtIndividualManipulator& manipulator,
+                           KtManipulatorActiveState& activeState, const KtReArray& factor);
+
+  KtManipulatorActiveState own_;
+  KtMassMatrixTool massMatrixTool_;
+  KtMatrixDTool matrixDTool_;
+  KtTotalTorqueTool totalTorqueTool_;
+  // With the base, unknowns of the factor are ordered base first, those of the mass matrix joints
+  // first.
+  KtReArray massMatrix_;
+  KtReArray jointTorques_;
+  KtReArray factor_;
+  KtReArray fullFactor_;
+  KtReArray baseCoupling_;
+  KtReArray solution_;
+  KtReArray rightSide_;
+  // Of the constraints
+  KtReArray unconstrained_;
+  KtReArray violation_;
+  KtReArray response_;
+  KtReArray constraintMatrix_;
+  KtReArray constraintFactor_;
+  KtReArray multipliers_;
+  KtReArray constraintForces_;
+  // Of the hybrid problem: 1 are the unknowns of known torque, 2 those of known acceleration.
+  std::vector<bool> selection_;
+  KtReArray h11_, h12_, h21_, h22_;
+  KtReArray hybridFactor_;
+  KtReArray b1_, a2_, x1_, t2_, product_;
+};

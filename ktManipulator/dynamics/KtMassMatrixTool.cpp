@@ -1,0 +1,135 @@
+#include "ktManipulator/dynamics/KtMassMatrixTool.h"
+
+#include <algorithm>
+
+#include "ktManipulator/model/KtIndividualManipulator.h"
+
+void KtMassMatrixTool::setManipulator(const KtIndividualManipulator* manipulator) {
+  manipulator_ = manipulator;
+  resize();
+}
+
+const KtReArray& KtMassMatrixTool::massMatrix(KtManipulatorActiveState& activeState,
+                                              const KtStatedSystemStruct* asker) {
+  resize();
+  const auto& positions = activeState.positionCache();
+  const auto unitMotion = [&](const KtManipulatorLink& link) {
+    return link.linkKinematicsContainer().calculateAcceleration(
+        positions.jointPosition(link.linkIndex()), 0.0, 1.0);
+  };
+  for (KtU32 j = 0; j < massMatrix_.rows(); ++j) {
+    const KtManipulatorLink* link = manipulator_->linkByIndex(j);
+    if (link == nullptr) continue;
+    KtGeneralMotion unit = unitMotion(*link);
+    KtGeneralForce force = link->crbi(activeState, asker).calculateForce(unit);
+    for (;;) {
+      const KtU32 i = link->linkIndex();
+      massMatrix_[j][i] = massMatrix_[i][j] =
+          unit.linear().dot(force.force()) + unit.angular().dot(force.moment());
+      const KtManipulatorLink* parent = link->parentLink();
+      if (parent == nullptr || parent->linkIndex() == ktBaseIndex) break;
+      force.transformBy(
+          link->linkKinematicsContainer().calculateTransform(positions.jointPosition(i)));
+      unit = unitMotion(*parent);
+      link = parent;
+    }
+  }
+  return massMatrix_;
+}
+
+const KtReArray& KtMassMatrixTool::massMatrix(KtManipulatorActiveState* activeState,
+                                              const KtStatedSystemStruct* asker) {
+  return massMatrix(stateOrOwn(activeState), asker);
+}
+
+const KtReArray& KtMassMatrixTool::extendedMassMatrixInBase(KtManipulatorActiveState& activeState,
+                                                            const KtStatedSystemStruct* asker) {
+  return extend(activeState, asker, nullptr);
+}
+
+const KtReArray& KtMassMatrixTool::extendedMassMatrixInBase(KtManipulatorActiveState* activeState,
+                                                            const KtStatedSystemStruct* asker) {
+  return extend(stateOrOwn(activeState), asker, nullptr);
+}
+
+const KtReArray& KtMassMatrixTool::extendedMassMatrixInSystem(KtManipulatorActiveState& activeState,
+                                                              const KtStatedSystemStruct* asker) {
+  if (manipulator_ == nullptr) return extend(activeState, asker, nullptr);
+  const KtOrientation axes =
+      manipulator_->dhFrameInSystem(activeState.positionCache()).orientation();
+  return extend(activeState, asker, &axes);
+}
+
+const KtReArray& KtMassMatrixTool::extendedMassMatrixInSystem(KtManipulatorActiveState* activeState,
+                                                              const KtStatedSystemStruct* asker) {
+  return extendedMassMatrixInSystem(stateOrOwn(activeState), asker);
+}
+
+const KtReArray& KtMassMatrixTool::extend(KtManipulatorActiveState& activeState,
+                                          const KtStatedSystemStruct* asker,
+                                          const KtOrientation* axes) {
+  if (manipulator_ == nullptr) {
+    extended_.resizeArray(0, 0);
+    return extended_;
+  }
+  massMatrix(activeState, asker);
+  const KtU32 n = massMatrix_.rows();
+  matrixDTool_.setManipulator(manipulator_);
+  const KtReArray* coupling = &matrixDTool_.matrixD(activeState, asker);
+  const KtRigidBodyMassProperties& whole = manipulator_->crbi(activeState, asker);
+  if (axes != nullptr) {
+    matrixDTool_.transformMatrixD(*coupling, *axes, coupling_);
+    coupling = &coupling_;
+    KtRigidBodyMassProperties turned(whole);
+    turned.transformBy(*axes);
+    turned.getArray(baseInertia_);
+  } else {
+    whole.getArray(baseInertia_);
+  }
+  extended_.resizeArray(n + 6, n + 6);
+  for (KtU32 i = 0; i < n; ++i) {
+    std::copy_n(massMatrix_[i], n, extended_[i]);
+    for (KtU32 k = 0; k < 6; ++k) extended_[i][n + k] = extended_[n + k][i] = (*coupling)[i][k];
+  }
+  for (KtU32 k = 0; k < 6; ++k) std::copy_n(baseInertia_[k], 6, extended_[n + k] + n);
+  return extended_;
+}
+
+const KtReArray& KtMassMatrixTool::nullSpaceTorque(KtManipulatorActiveState& activeState,
+                                                   const KtReArray& nullSpace) {
+  const KtU32 n = manipulator_ != nullptr ? manipulator_->jointDof() : 0;
+  const KtReArray* columns = &nullSpace;
+  if (nullSpace.columns() == 0 && degreesOfConstraint_ == 0) {
+    identity_.setToIdentity(isFixedBase_ ? n : n + 6, isFixedBase_ ? n : n + 6);
+    columns = &identity_;
+  }
+  const KtU32 joints = std::min(n, columns->rows());
+  nullSpaceTorque_.setToZeros(columns->rows(), columns->columns());
+  velocity_.setGeneralVelocity({});
+  velocity_.jointVelocities().assign(n, 0.0);
+  activeState.setVelocityState(velocity_);
+  acceleration_ = activeState.accelerationState();
+  acceleration_.setGeneralAcceleration({});
+  acceleration_.jointAccelerations().assign(n, 0.0);
+  noForce_.resize(n);
+  totalTorqueTool_.setManipulator(manipulator_);
+  totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
+  for (KtU32 k = 0; k < columns->columns(); ++k) {
+    for (KtU32 i = 0; i < joints; ++i) acceleration_.jointAccelerations()[i] = (*columns)[i][k];
+    activeState.setAccelerationState(acceleration_);
+    const auto& torques =
+        totalTorqueTool_.torques(noForce_, activeState, nullptr).jointTorques().vectorContainer();
+    for (KtU32 i = 0; i < joints; ++i) nullSpaceTorque_[i][k] = torques[i];
+  }
+  return nullSpaceTorque_;
+}
+
+const KtReArray& KtMassMatrixTool::nullSpaceTorque(KtManipulatorActiveState* activeState,
+                                                   const KtReArray& nullSpace) {
+  return nullSpaceTorque(stateOrOwn(activeState), nullSpace);
+}
+
+void KtMassMatrixTool::resize() {
+  const KtU32 n = manipulator_ != nullptr ? manipulator_->jointDof() : 0;
+  massMatrix_.setToZeros(n, n);
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "ktManipulator/dynamics/KtMatrixDTool.h"
+#include "ktManipulator/dynamics/KtTotalTorqueTool.h"
+
+/// Joint-space mass matrices of a manipulator, by the composite-rigid-body method. The actuators'
+/// inertias are no part of them.
+///
+/// With n joints, the extended matrices have the rows and columns of the n joints first, by link
+/// index, and then six of the base: linear x, y, z, angular x, y, z.
+///
+/// @see M. W. Walker, D. E. Orin, Efficient dynamic computer simulation of robotic mechanisms,
+///      Journal of Dynamic Systems, Measurement, and Control 104 (1982), 205-211
+class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
+ public:
+  void setManipulator(const KtIndividualManipulator* manipulator) override;
+
+  /// The n by n mass matrix, exactly symmetric. Entries of joints of which neither carries the
+  /// other are exactly 0. Empty without a manipulator.
+  ///
+  /// @param activeState  positions; filled with what was computed
+  /// @param asker        the system whose attached manipulators count as well; may be null
+  virtual const KtReArray& massMatrix(KtManipulatorActiveState& activeState,
+                                      const KtStatedSystemStruct* asker);
+  /// The same on the state pointed to or the tool's own.
+  virtual const KtReArray& massMatrix(KtManipulatorActiveState* activeState,
+                                      const KtStatedSystemStruct* asker);
+  /// The mass matrix with the base, n + 6 by n + 6, the base's part in its DH frame.
+  virtual const KtReArray& extendedMassMatrixInBase(KtManipulatorActiveState& activeState,
+                                                    const KtStatedSystemStruct* asker);
+  /// The same on the state pointed to or the tool's own.
+  virtual const KtReArray& extendedMassMatrixInBase(KtManipulatorActiveState* activeState,
+                                                    const KtStatedSystemStruct* asker);
+  /// The same with the base's part in the axes of the system; its reference point stays the origin
+  /// of the base's DH frame.
+  virtual const KtReArray& extendedMassMatrixInSystem(KtManipulatorActiveState& activeState,
+                                                      const KtStatedSystemStruct* asker);
+  /// The same on the state pointed to or the tool's own.
+  virtual const KtReArray& extendedMassMatrixInSystem(KtManipulatorActiveState* activeState,
+                                                      const KtStatedSystemStruct* asker);
+  /// The joint torques that each column of an array takes as joint accelerations, without gravity,
+  /// at rest, with the base held: the mass matrix times the array, by inverse dynamics, without the
+  /// matrix. What inverse dynamics has beyond the mass matrix, springs and the actuators' inertias,
+  /// is in it.
+  ///
+  /// Velocities and accelerations of the state are overwritten.
+  ///
+  /// @param activeState  positions
+  /// @param nullSpace    a column for each result; rows beyond the joints don't count. An array
+  ///                     without columns stands for the identity, of size n with a fixed base, and
+  ///                     n + 6 otherwise, if `degreesOfConstraint()` is 0
+  /// @return             an array of the same shape
+  virtual const KtReArray& nullSpaceTorque(KtManipulatorActiveState& activeState,
+                                           const KtReArray& nullSpace);
+  /// The same on the state pointed to or the tool's own.
+  virtual const KtReArray& nullSpaceTorque(KtManipulatorActiveState* activeState,
+                                           const KtReArray& nullSpace);
+  /// Whether the base is held; true by default. `setManipulator` doesn't change it.
+  virtual bool isFixedBase() const { return isFixedBase_; }
+  /// Sets what `isFixedBase()` answers.
+  virtual void setIsFixedBase(bool value) { isFixedBase_ = value; }
+  /// How many constraints the caller's null space leaves out; 0 by default.
+  virtual KtU32 degreesOfConstraint() const { return degreesOfConstraint_; }
+  /// Sets what `degreesOfConstraint()` answers.
+  virtual void setDegreesOfConstraint(unsigned int count) { degreesOfConstraint_ = count; }
+  /// Gives the mass matrix the manipulator's size, filled with zeros.
+  virtual void resize();
+
+ private:
+  const KtReArray& extend(KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker,
+                          const KtOrientation* axes);
+
+  bool isFixedBase_ = true;
+  KtU32 degreesOfConstraint_ = 0;
+  KtReArray massMatrix_;
+  KtReArray extended_;
+  KtReArray nullSpaceTorque_;
+  // Work space
+  KtTotalTorqueTool totalTorqueTool_;
+  KtMatrixDTool matrixDTool_;
+  KtVelocityState velocity_;
+  KtAccelerationState acceleration_;
+  KtManipulatorExternalForce noForce_;
+  KtReArray identity_;
+  KtReArray coupling_;
+  KtReArray baseInertia_;
+};

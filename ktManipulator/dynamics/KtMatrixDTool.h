@@ -1,0 +1,33 @@
+#pragma once
+
+#include "ktManipulator/dynamics/KtManipulatorTool.h"
+#include "ktManipulator/foundation/matrix/KtReArray.h"
+
+/// The matrix that couples the joints of a manipulator to its base: row i is the force and moment
+/// that a unit of acceleration of joint i takes at the base, all else at rest.
+class KT_EXPORT KtMatrixDTool : public KtManipulatorTool {
+ public:
+  void setManipulator(const KtIndividualManipulator* manipulator) override;
+
+  /// The matrix: one row for each joint by link index, six columns, force first, in the base's DH
+  /// frame. A link that is missing is reported and its row stays zero. Empty without a manipulator.
+  ///
+  /// @param activeState  positions; filled with what was computed
+  /// @param asker        the system whose attached manipulators count as well; may be null
+  virtual const KtReArray& matrixD(KtManipulatorActiveState& activeState,
+                                   const KtStatedSystemStruct* asker);
+  /// The same on the state pointed to or the tool's own.
+  virtual const KtReArray& matrixD(KtManipulatorActiveState* activeState,
+                                   const KtStatedSystemStruct* asker);
+  /// Rotates the force and the moment in each row of a matrix of six columns.
+  ///
+  /// @param d    other numbers of columns are reported, and `out` stays as it was
+  /// @param r    the rotation
+  /// @param out  the result; may be d itself
+  virtual void transformMatrixD(const KtReArray& d, const KtOrientation& r, KtReArray& out) const;
+  /// Gives the result the manipulator's size, filled with zeros.
+  virtual void resize();
+
+ private:
+  KtReArray result_;
+};
