@@ -6,7 +6,6 @@
 #include "ktManipulator/activestate/KtLinkArticulationState.h"
 #include "ktManipulator/activestate/KtLinkForceState.h"
 #include "ktManipulator/activestate/KtLinkMassState.h"
-#include "ktManipulator/activestate/KtLinkMotions.h"
 #include "ktManipulator/activestate/KtLinkPositionState.h"
 #include "ktManipulator/activestate/KtLinkVelocityState.h"
 #include "ktManipulator/activestate/KtManipulatorActiveAccelerationState.h"

@@ -27,6 +27,10 @@ class KT_EXPORT KtLinkAccelerationState
   void setDhFrameAccelerationInLocal(const KtGeneralMotion& motion) noexcept {
     motions_.set(kDhFrameAccelerationInLocal, motion);
   }
+  /// The same from its two parts.
+  void setDhFrameAccelerationInLocal(const KtVector& linear, const KtVector& angular) noexcept {
+    motions_.set(kDhFrameAccelerationInLocal, linear, angular);
+  }
   /// Whether `dhFrameAccelerationInLocal()` holds.
   bool localDhValid() const noexcept { return motions_.valid(kDhFrameAccelerationInLocal); }
   /// Sets what `localDhValid()` answers.

@@ -21,6 +21,8 @@ class KT_EXPORT KtLinkArticulationState
 
   /// The dynamics of the link and all links outboard of it, in the DH frame.
   const KtArticulatedBodyDynamics& arbd() const noexcept { return arbd_; }
+  /// The same, to be computed in place; its flag is left to the caller.
+  KtArticulatedBodyDynamics& arbd() noexcept { return arbd_; }
   /// Sets what `arbd()` answers and marks it as valid.
   void setArbd(const KtArticulatedBodyDynamics& dynamics) {
     arbd_ = dynamics;
@@ -38,6 +40,12 @@ class KT_EXPORT KtLinkArticulationState
   /// Sets what `supplementalDhAcceleration()` answers and marks it as valid.
   void setSupplementalDhAcceleration(const KtGeneralMotion& acceleration) noexcept {
     supplementalDhAcceleration_ = acceleration;
+    valid_.set(kSupplementalDhAcceleration);
+  }
+  /// The same from its two parts.
+  void setSupplementalDhAcceleration(const KtVector& linear, const KtVector& angular) noexcept {
+    supplementalDhAcceleration_.setLinear(linear);
+    supplementalDhAcceleration_.setAngular(angular);
     valid_.set(kSupplementalDhAcceleration);
   }
   /// Whether `supplementalDhAcceleration()` holds.

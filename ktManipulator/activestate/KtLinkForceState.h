@@ -25,6 +25,12 @@ class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXm
     dhFrameForceInLocal_ = force;
     valid_.set(kLocalDh);
   }
+  /// The same from its two parts.
+  void setDhFrameForceInLocal(const KtVector& force, const KtVector& moment) noexcept {
+    dhFrameForceInLocal_.setForce(force);
+    dhFrameForceInLocal_.setMoment(moment);
+    valid_.set(kLocalDh);
+  }
   /// Whether `dhFrameForceInLocal()` holds.
   bool localDhValid() const noexcept { return valid_.test(kLocalDh); }
   /// Sets what `localDhValid()` answers.

@@ -21,6 +21,12 @@ class LinkMotions {
     motions_[i] = motion;
     valid_.set(i);
   }
+  /// The same from its two parts.
+  void set(unsigned i, const KtVector& linear, const KtVector& angular) noexcept {
+    motions_[i].setLinear(linear);
+    motions_[i].setAngular(angular);
+    valid_.set(i);
+  }
   /// Sets what `valid` answers.
   void setValid(unsigned i, bool valid) noexcept { valid_.set(i, valid); }
   /// Makes all motions invalid.

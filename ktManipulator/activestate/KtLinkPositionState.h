@@ -3,6 +3,7 @@
 #include "ktManipulator/foundation/containers/KtXmlFlagMask.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
+#include "ktManipulator/foundation/geometry/KtRotationMatrix.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
@@ -32,7 +33,10 @@ class KT_EXPORT KtLinkPositionState
   /// Sets what `dhTransform()` answers, but not its flag.
   void setDhTransform(const KtCoordinateSystemTransformation& transform) noexcept {
     dhTransform_ = transform;
+    dhRotation_ = Kt::detail::RotationMatrix(transform.orientation());
   }
+  /// The orientation of `dhTransform()` as a matrix.
+  const Kt::detail::RotationMatrix& dhRotation() const noexcept { return dhRotation_; }
   /// Whether `dhFrame()` and `primaryFrame()` hold.
   bool locationInSystemValid() const noexcept { return valid_.test(kLocationInSystem); }
   /// Sets what `locationInSystemValid()` answers.
@@ -60,6 +64,7 @@ class KT_EXPORT KtLinkPositionState
   KtCoordinateSystemTransformation primaryFrame_;
   // Not in files
   KtCoordinateSystemTransformation dhTransform_;
+  Kt::detail::RotationMatrix dhRotation_;
 };
 
 extern template class KtXmlVectorType<KtLinkPositionState>;

@@ -25,6 +25,10 @@ class KT_EXPORT KtLinkVelocityState
   void setDhFrameVelocityInLocal(const KtGeneralMotion& motion) noexcept {
     motions_.set(kDhFrameVelocityInLocal, motion);
   }
+  /// The same from its two parts.
+  void setDhFrameVelocityInLocal(const KtVector& linear, const KtVector& angular) noexcept {
+    motions_.set(kDhFrameVelocityInLocal, linear, angular);
+  }
   /// Whether `dhFrameVelocityInLocal()` holds.
   bool localDhValid() const noexcept { return motions_.valid(kDhFrameVelocityInLocal); }
   /// Sets what `localDhValid()` answers.
@@ -36,6 +40,10 @@ class KT_EXPORT KtLinkVelocityState
   /// Sets what `dhFrameVelocityInSystem()` answers and marks it as valid.
   void setDhFrameVelocityInSystem(const KtGeneralMotion& motion) noexcept {
     motions_.set(kDhFrameVelocityInSystem, motion);
+  }
+  /// The same from its two parts.
+  void setDhFrameVelocityInSystem(const KtVector& linear, const KtVector& angular) noexcept {
+    motions_.set(kDhFrameVelocityInSystem, linear, angular);
   }
   /// Whether `dhFrameVelocityInSystem()` holds.
   bool systemDhValid() const noexcept { return motions_.valid(kDhFrameVelocityInSystem); }

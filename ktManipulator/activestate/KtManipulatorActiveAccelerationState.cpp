@@ -16,7 +16,7 @@ void KtManipulatorActiveAccelerationState::setAccelerationState(const KtAccelera
 }
 
 void KtManipulatorActiveAccelerationState::invalidateAll() {
-  for (KtLinkAccelerationState& state : linkAccelerationStates_.vectorContainer()) {
+  for (KtLinkAccelerationState& state : linkAccelerationStates_.elements()) {
     state.invalidateAll();
   }
   baseAccelerationState_.invalidateAll();

@@ -108,7 +108,7 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
   KtU32 linkCount() const noexcept { return linkAccelerationStates_.size(); }
   /// The acceleration of a joint, rad/s^2 or m/s^2; 0 beyond the last.
   double jointAcceleration(KtU32 index) const noexcept {
-    const auto& joints = accelerationState_.jointAccelerations().vectorContainer();
+    const auto& joints = accelerationState_.jointAccelerations().elements();
     return index < joints.size() ? joints[index].value() : 0.0;
   }
 

@@ -7,7 +7,7 @@ void KtManipulatorActiveArticulationState::registerComponents() {
 }
 
 void KtManipulatorActiveArticulationState::invalidateAll() {
-  for (KtLinkArticulationState& state : linkArticulationStates_.vectorContainer()) {
+  for (KtLinkArticulationState& state : linkArticulationStates_.elements()) {
     state.invalidateAll();
   }
   baseArticulationState_.invalidateAll();

@@ -36,6 +36,6 @@ void KtManipulatorActiveForceState::setExternalForceDescription(
 }
 
 void KtManipulatorActiveForceState::invalidateAll() {
-  for (KtLinkForceState& state : linkForceStates_.vectorContainer()) state.invalidateAll();
+  for (KtLinkForceState& state : linkForceStates_.elements()) state.invalidateAll();
   baseForceState_.invalidateAll();
 }

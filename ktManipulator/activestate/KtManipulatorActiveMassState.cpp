@@ -7,6 +7,6 @@ void KtManipulatorActiveMassState::registerComponents() {
 }
 
 void KtManipulatorActiveMassState::invalidateAll() {
-  for (KtLinkMassState& state : linkMassStates_.vectorContainer()) state.invalidateAll();
+  for (KtLinkMassState& state : linkMassStates_.elements()) state.invalidateAll();
   baseMassState_.invalidateAll();
 }

@@ -16,6 +16,6 @@ void KtManipulatorActivePositionState::setPositionState(const KtPositionState& s
 }
 
 void KtManipulatorActivePositionState::invalidateAll() {
-  for (KtLinkPositionState& state : linkPositionStates_.vectorContainer()) state.invalidateAll();
+  for (KtLinkPositionState& state : linkPositionStates_.elements()) state.invalidateAll();
   basePositionState_.invalidateAll();
 }

@@ -64,7 +64,7 @@ class KT_EXPORT KtManipulatorActivePositionState
   KtU32 linkCount() const noexcept { return linkPositionStates_.size(); }
   /// The position of a joint, rad or m; 0 beyond the last.
   double jointPosition(KtU32 index) const noexcept {
-    const auto& joints = positionState_.jointPositions().vectorContainer();
+    const auto& joints = positionState_.jointPositions().elements();
     return index < joints.size() ? joints[index].value() : 0.0;
   }
 

@@ -14,6 +14,6 @@ void KtManipulatorActiveVelocityState::setVelocityState(const KtVelocityState& s
 }
 
 void KtManipulatorActiveVelocityState::invalidateAll() {
-  for (KtLinkVelocityState& state : linkVelocityStates_.vectorContainer()) state.invalidateAll();
+  for (KtLinkVelocityState& state : linkVelocityStates_.elements()) state.invalidateAll();
   baseVelocityState_.invalidateAll();
 }

@@ -102,7 +102,7 @@ class KT_EXPORT KtManipulatorActiveVelocityState
   KtU32 linkCount() const noexcept { return linkVelocityStates_.size(); }
   /// The velocity of a joint, rad/s or m/s; 0 beyond the last.
   double jointVelocity(KtU32 index) const noexcept {
-    const auto& joints = velocityState_.jointVelocities().vectorContainer();
+    const auto& joints = velocityState_.jointVelocities().elements();
     return index < joints.size() ? joints[index].value() : 0.0;
   }
 

@@ -10,6 +10,7 @@
 
 namespace {
 
+using Kt::detail::RotationMatrix;
 using T = KtCoordinateSystemTransformation;
 
 void report(const char* message) {
@@ -57,11 +58,19 @@ const KtCoordinateSystemTransformation& KtManipulatorLink::dhFrameInSystem(
   }
   KtLinkPositionState& entry = positionState.entry(i);
   if (!entry.locationInSystemValid()) {
-    T frame;
-    if (parentLink_ != nullptr) frame = parentLink_->dhFrameInSystem(positionState);
-    frame *= linkKinematicsContainer_.calculateTransform(positionState.jointPosition(i));
-    entry.setDhFrame(frame);
-    entry.setPrimaryFrame(frame * linkKinematicsContainer_.primaryFrame());
+    const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
+    const T& joint = model != nullptr ? model->calculateTransform(positionState.jointPosition(i))
+                                      : KtLinkKinematicsContainer::m_theIdentity;
+    if (parentLink_ != nullptr) {
+      entry.setDhFrame(parentLink_->dhFrameInSystem(positionState) * joint);
+    } else {
+      T& frame = scratch().frame;
+      frame *= joint;
+      entry.setDhFrame(frame);
+    }
+    const T& primary = linkKinematicsContainer_.primaryFrame();
+    entry.setPrimaryFrame(primary.mode() == T::kIdentity ? entry.dhFrame()
+                                                         : entry.dhFrame() * primary);
     entry.setLocationInSystemValid(true);
   }
   return entry.dhFrame();
@@ -81,15 +90,17 @@ const KtCoordinateSystemTransformation& KtManipulatorLink::primaryFrameInSystem(
   return entry.primaryFrame();
 }
 
-const KtCoordinateSystemTransformation& KtManipulatorLink::jointTransform(
+const KtLinkPositionState& KtManipulatorLink::placedJoint(
     KtManipulatorActivePositionState& positionState) const {
   KtLinkPositionState& entry = positionState.entry(linkIndex_);
   if (!entry.dhTransformValid()) {
-    entry.setDhTransform(
-        linkKinematicsContainer_.calculateTransform(positionState.jointPosition(linkIndex_)));
+    const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
+    entry.setDhTransform(model != nullptr
+                             ? model->calculateTransform(positionState.jointPosition(linkIndex_))
+                             : KtLinkKinematicsContainer::m_theIdentity);
     entry.setDhTransformValid(true);
   }
-  return entry.dhTransform();
+  return entry;
 }
 
 // Velocities
@@ -104,14 +115,27 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInLocal(
     return m_theDummyGeneralVelocity;
   }
   KtLinkVelocityState& entry = velocities.entry(i);
-  if (!entry.localDhValid()) {
-    KtGeneralMotion velocity;
-    if (parentLink_ != nullptr) velocity = parentLink_->dhFrameVelocityInLocal(activeState);
-    velocity.transformBy(jointTransform(positions).inverse());
-    velocity += linkKinematicsContainer_.calculateVelocity(positions.jointPosition(i),
-                                                           velocities.jointVelocity(i));
-    entry.setDhFrameVelocityInLocal(velocity);
+  if (entry.localDhValid()) return entry.dhFrameVelocityInLocal();
+  const KtGeneralMotion& inboard = parentLink_ != nullptr
+                                       ? parentLink_->dhFrameVelocityInLocal(activeState)
+                                       : scratch().velocity;
+  const KtLinkPositionState& joint = placedJoint(positions);
+  const RotationMatrix& r = joint.dhRotation();
+  const double qDot = velocities.jointVelocity(i);
+  const KtVector& w = inboard.angular();
+  KtVector linear = r.inverseTimes(inboard.linear() + w.cross(joint.dhTransform().translation()));
+  KtVector angular = r.inverseTimes(w);
+  if (const auto* motion = frameMotion(); motion != nullptr) {
+    linear += motion->linear * qDot;
+    angular += motion->angular * qDot;
+  } else {
+    const KtGeneralMotion& relative =
+        linkKinematicsContainer_.calculateVelocity(positions.jointPosition(i), qDot);
+    linear += relative.linear();
+    angular += relative.angular();
   }
+  entry.setDhFrameVelocityInLocal(linear, angular);
+  if (parentLink_ == nullptr) scratch().velocity = entry.dhFrameVelocityInLocal();
   return entry.dhFrameVelocityInLocal();
 }
 
@@ -125,8 +149,9 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInSystem(
   }
   KtLinkVelocityState& entry = velocities.entry(i);
   if (!entry.systemDhValid()) {
-    const KtOrientation& r = dhFrameInSystem(activeState.positionCache()).orientation();
-    entry.setDhFrameVelocityInSystem(r * dhFrameVelocityInLocal(activeState));
+    const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
+    const KtGeneralMotion& local = dhFrameVelocityInLocal(activeState);
+    entry.setDhFrameVelocityInSystem(r * local.linear(), r * local.angular());
   }
   return entry.dhFrameVelocityInSystem();
 }
@@ -176,34 +201,45 @@ const KtGeneralMotion& KtManipulatorLink::comVelocityInLocal(
 const KtGeneralMotion& KtManipulatorLink::dhFrameAccelerationInLocal(
     KtManipulatorActiveState& activeState) const {
   const KtU32 i = linkIndex_;
+  auto& positions = activeState.positionCache();
   auto& accelerations = activeState.accelerationCache();
-  if (i >= accelerations.linkCount()) {
+  if (i >= accelerations.linkCount() || i >= positions.linkCount()) {
     report("KtManipulatorLink::dhFrameAccelerationInLocal(): index out of range.\n");
     return m_theDummyGeneralAcceleration;
   }
   KtLinkAccelerationState& entry = accelerations.entry(i);
-  if (!entry.localDhValid()) {
-    auto& positions = activeState.positionCache();
+  if (entry.localDhValid()) return entry.dhFrameAccelerationInLocal();
+  const double qDot = activeState.velocityCache().jointVelocity(i);
+  const double qDotDot = accelerations.jointAcceleration(i);
+  const KtGeneralMotion& velocity = parentLink_ != nullptr
+                                        ? parentLink_->dhFrameVelocityInLocal(activeState)
+                                        : KtLinkKinematicsContainer::m_theNullMotion;
+  const KtGeneralMotion& inboard = parentLink_ != nullptr
+                                       ? parentLink_->dhFrameAccelerationInLocal(activeState)
+                                       : KtLinkKinematicsContainer::m_theNullMotion;
+  const KtLinkPositionState& joint = placedJoint(positions);
+  const RotationMatrix& r = joint.dhRotation();
+  const KtVector& p = joint.dhTransform().translation();
+  const KtVector& outer = velocity.angular();
+  const KtVector w = r.inverseTimes(outer);
+  KtVector linear =
+      r.inverseTimes(inboard.linear() + inboard.angular().cross(p) + outer.cross(outer.cross(p)));
+  KtVector angular = r.inverseTimes(inboard.angular());
+  if (const auto* motion = frameMotion(); motion != nullptr) {
+    const KtVector relative = motion->angular * qDot;
+    linear += w.cross(motion->linear) * (2.0 * qDot) + motion->linear * qDotDot +
+              motion->centripetal * (qDot * qDot);
+    angular += w.cross(relative) + motion->angular * qDotDot;
+  } else {
     const double q = positions.jointPosition(i);
-    const double qDot = activeState.velocityCache().jointVelocity(i);
-    KtGeneralMotion velocity;
-    KtGeneralMotion acceleration;
-    if (parentLink_ != nullptr) {
-      velocity = parentLink_->dhFrameVelocityInLocal(activeState);
-      acceleration = parentLink_->dhFrameAccelerationInLocal(activeState);
-    }
-    const T toLink = jointTransform(positions).inverse();
-    const KtVector w = toLink.orientation() * velocity.angular();
-    acceleration.transformBy(toLink);
-    const KtGeneralMotion vr = linkKinematicsContainer_.calculateVelocity(q, qDot);
-    const KtGeneralMotion& ar =
-        linkKinematicsContainer_.calculateAcceleration(q, qDot, accelerations.jointAcceleration(i));
-    // The centripetal term of the joint's displacement, which is minus the translation of toLink.
-    const KtVector centripetal = w.cross(w.cross(toLink.translation()));
-    entry.setDhFrameAccelerationInLocal(
-        {acceleration.linear() - centripetal + w.cross(vr.linear()) * 2.0 + ar.linear(),
-         acceleration.angular() + w.cross(vr.angular()) + ar.angular()});
+    const KtGeneralMotion& vr = linkKinematicsContainer_.calculateVelocity(q, qDot);
+    linear += w.cross(vr.linear()) * 2.0;
+    angular += w.cross(vr.angular());
+    const KtGeneralMotion& ar = linkKinematicsContainer_.calculateAcceleration(q, qDot, qDotDot);
+    linear += ar.linear();
+    angular += ar.angular();
   }
+  entry.setDhFrameAccelerationInLocal(linear, angular);
   return entry.dhFrameAccelerationInLocal();
 }
 
@@ -220,19 +256,28 @@ const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
     return m_theDummyGeneralForce;
   }
   KtLinkForceState& entry = activeState.forceCache().entry(i);
-  if (!entry.localDhValid()) {
-    KtGeneralForce force = massPropertiesInDHFrame(asker).calculateForce(
-        dhFrameVelocityInLocal(activeState), dhFrameAccelerationInLocal(activeState));
-    force -= external[i];
-    const auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
-      const KtGeneralForce& outboard = child.dhFrameForceInLocal(external, activeState, asker);
-      force += child.linkKinematicsContainer_.calculateTransform(
-                   positions.jointPosition(child.linkIndex_)) *
-               outboard;
-    }
-    entry.setDhFrameForceInLocal(force);
+  if (entry.localDhValid()) return entry.dhFrameForceInLocal();
+  auto& positions = activeState.positionCache();
+  const KtVector& w = dhFrameVelocityInLocal(activeState).angular();
+  const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
+  const KtRigidBodyMassProperties& body = massPropertiesInDHFrame(asker);
+  const KtGeneralForce& given = external[i];
+  KtVector force;
+  KtVector moment;
+  body.getForce(w, acceleration, force, moment);
+  force -= given.force();
+  moment -= given.moment();
+  for (const KtManipulatorLink& child : childLinks().elements()) {
+    const KtGeneralForce& outboard =
+        child.KtManipulatorLink::dhFrameForceInLocal(external, activeState, asker);
+    if (child.linkIndex_ >= positions.linkCount()) continue;
+    const KtLinkPositionState& joint = child.placedJoint(positions);
+    const KtVector turned = joint.dhRotation() * outboard.force();
+    force += turned;
+    moment +=
+        joint.dhRotation() * outboard.moment() + joint.dhTransform().translation().cross(turned);
   }
+  entry.setDhFrameForceInLocal(force, moment);
   return entry.dhFrameForceInLocal();
 }
 
@@ -262,8 +307,10 @@ double KtManipulatorLink::totalLocalTorque(KtManipulatorActiveState& activeState
     report("KtManipulatorLink::totalLocalTorque()->NULL manipulator pointer");
     return 0.0;
   }
-  return damperProperties_.torque(*manipulator_, activeState) +
-         springProperties_.torque(*manipulator_, activeState);
+  double torque = 0.0;
+  if (!damperProperties_.isEmpty()) torque += damperProperties_.torque(*manipulator_, activeState);
+  if (!springProperties_.isEmpty()) torque += springProperties_.torque(*manipulator_, activeState);
+  return torque;
 }
 
 const KtLineSegment& KtManipulatorLink::forceVectorInLocal(
@@ -327,7 +374,7 @@ const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumInLocal(
   if (!entry.compositeMomentumValid()) {
     KtGeneralMotion sum = spatialMomentumInLocal(activeState, asker);
     const auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+    for (const KtManipulatorLink& child : childLinks().elements()) {
       const KtGeneralMotion& momentum = child.compositeSpatialMomentumInLocal(activeState, asker);
       sum += child.linkKinematicsContainer_
                  .calculateTransform(positions.jointPosition(child.linkIndex_))
@@ -351,7 +398,7 @@ const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumRateInLocal(
   if (!entry.compositeMomentumRateValid()) {
     KtGeneralMotion sum = spatialMomentumRateInLocal(activeState, asker);
     const auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+    for (const KtManipulatorLink& child : childLinks().elements()) {
       const KtGeneralMotion& rate = child.compositeSpatialMomentumRateInLocal(activeState, asker);
       sum += child.linkKinematicsContainer_
                  .calculateTransform(positions.jointPosition(child.linkIndex_))
@@ -372,7 +419,7 @@ void KtManipulatorLink::computeMomentFromLinearAcceleration(
   const KtVector acceleration =
       frame.orientation() * comAccelerationInLocal(activeState, asker).linear();
   moment = (frame * center - point).cross(acceleration) * massProperties(asker).mass();
-  for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+  for (const KtManipulatorLink& child : childLinks().elements()) {
     KtVector part;
     child.computeMomentFromLinearAcceleration(point, activeState, part, asker);
     moment += part;

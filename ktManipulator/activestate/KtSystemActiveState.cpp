@@ -79,7 +79,7 @@ void KtSystemActiveState::invalidateProximity(KtU32 manipulatorIndex) {
 }
 
 void KtSystemActiveState::invalidateAll() {
-  for (KtManipulatorActiveState& state : manipulatorActiveStateVector_.vectorContainer()) {
+  for (KtManipulatorActiveState& state : manipulatorActiveStateVector_.elements()) {
     state.invalidateAll();
   }
   for (KtManipulatorLinkProximityState& state : manipulatorLinkProximityStateVector_) {

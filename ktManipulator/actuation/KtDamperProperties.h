@@ -47,6 +47,11 @@ class KT_EXPORT KtDamperProperties : public KtXmlPersistent<KtDamperProperties, 
   virtual double torque(const KtIndividualManipulator& manipulator,
                         const KtManipulatorActiveState& active) const;
 
+  /// Whether no joint is associated, and no list has an entry.
+  bool isEmpty() const noexcept {
+    return associatedJoints_.elements().empty() && weightingFactors_.elements().empty();
+  }
+
   /// Exact equality.
   bool operator==(const KtDamperProperties&) const = default;
   /// Name of the class in files.

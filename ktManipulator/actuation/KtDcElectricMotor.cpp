@@ -29,7 +29,7 @@ double KtDcElectricMotor::outputTorque(double /*input*/, KtActuatorState& state)
                                 "KtDcElectricMotor::outputTorque - index out of range\n");
     return 0.0;
   }
-  const auto& variables = state.powerConverterStates()[i].vectorContainer();
+  const auto& variables = state.powerConverterStates()[i].elements();
   double torque = variables.empty() ? 0.0 : torqueConstant_ * variables[0];
   limitOutputTorque(torque);
   return torque;
@@ -48,7 +48,7 @@ void KtDcElectricMotor::computeStateDerivatives(double input, KtActuatorState& s
     return;
   }
   const KtU32 i = linkIndex();
-  const auto& variables = state.powerConverterStates()[i].vectorContainer();
+  const auto& variables = state.powerConverterStates()[i].elements();
   if (variables.empty()) return;
   // Taken before the resizing: the caller may have the derivatives written into the state.
   const double current = variables[0];

@@ -34,7 +34,7 @@ double KtHydraulicCylinder::outputTorque(double /*input*/, KtActuatorState& stat
                                 "KtHydraulicCylinder::outputTorque - index out of range\n");
     return 0.0;
   }
-  const auto& pressures = state.powerConverterStates()[i].vectorContainer();
+  const auto& pressures = state.powerConverterStates()[i].elements();
   double force =
       pressures.size() < 2 ? 0.0 : pressures[0] * effectiveArea1_ - pressures[1] * effectiveArea2_;
   limitOutputTorque(force);
@@ -55,7 +55,7 @@ void KtHydraulicCylinder::computeStateDerivatives(double input, KtActuatorState&
     return;
   }
   const KtU32 i = linkIndex();
-  const auto& pressures = state.powerConverterStates()[i].vectorContainer();
+  const auto& pressures = state.powerConverterStates()[i].elements();
   if (pressures.size() < 2) return;
   // Taken before the resizing: the caller may have the derivatives written into the state.
   const double p1 = pressures[0];

@@ -260,6 +260,13 @@ class KT_EXPORT KtJointMechanics : public Params {
   /// joint; inside of it the torque is 0.
   virtual double nonRigidOutputTorque(KtManipulatorActiveState& active) const;
 
+  /// Whether `outputTorque` depends on its load: only stick-slip friction does.
+  bool loadMatters() const noexcept {
+    return this->isRigid_ &&
+           (this->staticCoulombFriction_ != 0.0 || this->staticCoulombSpringCoefficient_ != 0.0 ||
+            this->staticCoulombDamperCoefficient_ != 0.0);
+  }
+
   /// Exact equality; the link takes no part.
   bool operator==(const KtJointMechanics&) const = default;
 };

@@ -51,6 +51,12 @@ class KT_EXPORT KtSpringProperties : public KtXmlPersistent<KtSpringProperties, 
   virtual double torque(const KtIndividualManipulator& manipulator,
                         const KtManipulatorActiveState& active) const;
 
+  /// Whether no joint is associated, and no list has an entry.
+  bool isEmpty() const noexcept {
+    return associatedJoints_.elements().empty() && weightingFactors_.elements().empty() &&
+           springOffsets_.elements().empty();
+  }
+
   /// Exact equality.
   bool operator==(const KtSpringProperties&) const = default;
   /// Name of the class in files.

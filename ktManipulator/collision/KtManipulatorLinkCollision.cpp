@@ -27,7 +27,7 @@ double KtManipulatorLink::upperBoundSubmanipulatorExtentDistance() const {
     const KtLineSegment& axis = capsule.lineSegment();
     distance = capsule.radius() + std::max(axis.endpoint0().mag(), axis.endpoint1().mag());
   }
-  for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+  for (const KtManipulatorLink& child : childLinks().elements()) {
     distance = std::max(distance, child.upperBoundExtentDistance() +
                                       child.upperBoundSubmanipulatorExtentDistance());
   }

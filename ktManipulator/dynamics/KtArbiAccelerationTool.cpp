@@ -1,9 +1,20 @@
 #include "ktManipulator/dynamics/KtArbiAccelerationTool.h"
 
-#include <algorithm>
+#include <typeinfo>
 
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtStatedSystem.h"
+
+namespace {
+
+bool loadMatters(const KtMechanicalActuatorComponentContainer& container) {
+  const KtMechanicalActuatorComponent* component = container.element();
+  // A class derived from the component may use the load otherwise.
+  return component != nullptr &&
+         (typeid(*component) != typeid(KtMechanicalActuatorComponent) || component->loadMatters());
+}
+
+}  // namespace
 
 void KtArbiAccelerationTool::acceleration(
     const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
@@ -34,25 +45,27 @@ void KtArbiAccelerationTool::acceleration(
     KtAccelerationState& acceleration, KtManipulatorActiveState& activeState, bool /*recompute*/) {
   const KtU32 n = manipulator.jointDof();
   const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
-  const auto& given = torque.jointTorques().vectorContainer();
+  const auto& given = torque.jointTorques().elements();
+  const auto& links = manipulator.links();
   netTorque_.setGeneralForce(torque.generalForce());
   netTorque_.jointTorques().assign(n, 0.0);
   totalTorqueTool_.setManipulator(&manipulator);
   totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
-  const auto& loads =
-      totalTorqueTool_.torques(external, activeState, &asker).jointTorques().vectorContainer();
-  for (KtU32 i = 0; i < std::min<std::size_t>(n, loads.size()); ++i) {
-    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+  for (KtU32 i = 0; i < n; ++i) {
+    const KtManipulatorLink* link = links[i];
     if (link == nullptr) continue;
     const double command = i < given.size() ? given[i].value() : 0.0;
+    const KtMechanicalActuatorComponentContainer& component =
+        link->jointActuator().mechanicalComponentContainer();
+    // Inverse dynamics only where its result is used.
+    const double load =
+        loadMatters(component) ? totalTorqueTool_.torque(i, external, activeState, &asker) : 0.0;
     netTorque_.jointTorques()[i] =
-        link->jointActuator().mechanicalComponentContainer().outputTorque(command, loads[i],
-                                                                          activeState) -
-        link->totalLocalTorque(activeState);
+        component.outputTorque(command, load, activeState) - link->totalLocalTorque(activeState);
   }
   acceleration.resize(n);
   for (KtU32 i = 0; i < n; ++i) {
-    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    const KtManipulatorLink* link = links[i];
     if (link == nullptr) continue;
     acceleration.jointAccelerations()[i] =
         link->arbiJointAcceleration(external, netTorque_, activeState, &asker);

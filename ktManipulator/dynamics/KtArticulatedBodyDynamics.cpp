@@ -1,5 +1,6 @@
 #include "ktManipulator/dynamics/KtArticulatedBodyDynamics.h"
 
+#include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
 
 void KtArticulatedBodyDynamics::registerComponents() {
@@ -77,4 +78,60 @@ void KtArticulatedBodyDynamics::getInertiaArray(KtReArray& array) const {
 bool KtArticulatedBodyDynamics::approxEq(const KtArticulatedBodyDynamics& other,
                                          double tolerance) const {
   return inertia_.approxEq(other.inertia_, tolerance) && bias_.approxEq(other.bias_, tolerance);
+}
+
+void KtArticulatedBodyDynamics::setRigid(const KtRigidBodyMassProperties& properties,
+                                         const KtVector& biasForce,
+                                         const KtVector& biasMoment) noexcept {
+  const double m = properties.massValue();
+  inertia_.linear_.set(m, m, m, 0.0, 0.0, 0.0);
+  inertia_.angular_ = properties.secondMomentValue();
+  inertia_.cross_.setToCrossProductMatrix(-properties.firstMomentValue());
+  inertia_.isRigid_ = true;
+  bias_.setForce(biasForce);
+  bias_.setMoment(biasMoment);
+}
+
+void KtArticulatedBodyDynamics::joinThrough(const KtArticulatedBodyDynamics& child,
+                                            const KtVector& linear, const KtVector& angular,
+                                            double d, double tau,
+                                            const Kt::detail::RotationMatrix& r,
+                                            const KtVector& p) noexcept {
+  KtVector u;  // I s
+  KtVector w;
+  child.inertia_.getSparseForce(linear, angular, u, w);
+  const double denominator = u.dot(linear) + w.dot(angular) + d;
+  const double k = denominator == 0.0 ? 0.0 : 1.0 / denominator;
+  const double* l = child.inertia_.linear_.values();
+  const double* a = child.inertia_.angular_.values();
+  const double* x = child.inertia_.cross_[0];
+  const KtVector ku = u * k;
+  const KtVector kw = w * k;
+  const double shownLinear[6] = {l[0] - ku.x * u.x, l[1] - ku.y * u.y, l[2] - ku.z * u.z,
+                                 l[3] - ku.x * u.y, l[4] - ku.x * u.z, l[5] - ku.y * u.z};
+  const double shownAngular[6] = {a[0] - kw.x * w.x, a[1] - kw.y * w.y, a[2] - kw.z * w.z,
+                                  a[3] - kw.x * w.y, a[4] - kw.x * w.z, a[5] - kw.y * w.z};
+  const double shownCross[9] = {x[0] - ku.x * w.x, x[1] - ku.x * w.y, x[2] - ku.x * w.z,
+                                x[3] - ku.y * w.x, x[4] - ku.y * w.y, x[5] - ku.y * w.z,
+                                x[6] - ku.z * w.x, x[7] - ku.z * w.y, x[8] - ku.z * w.z};
+  inertia_.addRotatedAndMoved(shownLinear, shownAngular, shownCross, r, p);
+  const KtVector& biasForce = child.bias_.force();
+  const KtVector& biasMoment = child.bias_.moment();
+  const double c = (tau - linear.dot(biasForce) - angular.dot(biasMoment)) * k;
+  const KtVector force = r * (biasForce + u * c);
+  bias_.setForce(bias_.force() + force);
+  bias_.setMoment(bias_.moment() + r * (biasMoment + w * c) + p.cross(force));
+}
+
+double KtArticulatedBodyDynamics::jointAcceleration(const KtVector& linear, const KtVector& angular,
+                                                    double d, double tau, const KtVector& a,
+                                                    const KtVector& alpha) const noexcept {
+  KtVector u;  // I s, which gives s . I a as well, I being symmetric
+  KtVector w;
+  inertia_.getSparseForce(linear, angular, u, w);
+  const double denominator = u.dot(linear) + w.dot(angular) + d;
+  if (denominator == 0.0) return 0.0;
+  const double load =
+      u.dot(a) + w.dot(alpha) + linear.dot(bias_.force()) + angular.dot(bias_.moment());
+  return (tau - load) / denominator;
 }

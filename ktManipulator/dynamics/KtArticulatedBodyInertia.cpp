@@ -158,13 +158,18 @@ KtGeneralForce KtArticulatedBodyInertia::calculateForce(const KtGeneralMotion& a
 
 KtGeneralForce KtArticulatedBodyInertia::calculateForceSparse(
     const KtGeneralMotion& acceleration) const {
-  const KtVector& a = acceleration.linear();
-  const KtVector& alpha = acceleration.angular();
+  KtVector force;
+  KtVector moment;
+  getSparseForce(acceleration.linear(), acceleration.angular(), force, moment);
+  return {force, moment};
+}
+
+void KtArticulatedBodyInertia::getSparseForce(const KtVector& a, const KtVector& alpha,
+                                              KtVector& force, KtVector& moment) const noexcept {
   const double* l = linear_.values();
   const double* j = angular_.values();
   const KtSpatialMatrix& x = cross_;
-  KtVector force;
-  KtVector moment;
+  force = moment = KtVector();
   if (a.x != 0.0) {
     force += KtVector(l[0], l[3], l[4]) * a.x;
     moment += x.row0() * a.x;
@@ -189,7 +194,38 @@ KtGeneralForce KtArticulatedBodyInertia::calculateForceSparse(
     force += KtVector(x[0][2], x[1][2], x[2][2]) * alpha.z;
     moment += KtVector(j[4], j[5], j[2]) * alpha.z;
   }
-  return {force, moment};
+}
+
+// Blocks of an inertia in another frame, by rows: rotated, moved as by `translateBlocks`, and
+// added.
+void KtArticulatedBodyInertia::addRotatedAndMoved(const double* linear, const double* angular,
+                                                  const double* cross,
+                                                  const Kt::detail::RotationMatrix& r,
+                                                  const KtVector& p) noexcept {
+  double l[6];
+  double a[6];
+  double x[9];
+  r.rotateSymmetric(linear, l);
+  r.rotateSymmetric(angular, a);
+  r.rotate(cross, x);
+  // Rows of X' = X - L P: a row of L P is that row of L, times (p x) on its right.
+  const double lp[9] = {l[3] * p.z - l[4] * p.y, l[4] * p.x - l[0] * p.z, l[0] * p.y - l[3] * p.x,
+                        l[1] * p.z - l[5] * p.y, l[5] * p.x - l[3] * p.z, l[3] * p.y - l[1] * p.x,
+                        l[5] * p.z - l[2] * p.y, l[2] * p.x - l[4] * p.z, l[4] * p.y - l[5] * p.x};
+  double y[9];
+  for (int i = 0; i < 9; ++i) y[i] = x[i] - lp[i];
+  // A' = A + P X + (P X')^T: columns of P X are p x column.
+  const double axx = a[0] + (p.y * x[6] - p.z * x[3]) + (p.y * y[6] - p.z * y[3]);
+  const double ayy = a[1] + (p.z * x[1] - p.x * x[7]) + (p.z * y[1] - p.x * y[7]);
+  const double azz = a[2] + (p.x * x[5] - p.y * x[2]) + (p.x * y[5] - p.y * y[2]);
+  const double axy = a[3] + (p.y * x[7] - p.z * x[4]) + (p.z * y[0] - p.x * y[6]);
+  const double axz = a[4] + (p.y * x[8] - p.z * x[5]) + (p.x * y[3] - p.y * y[0]);
+  const double ayz = a[5] + (p.z * x[2] - p.x * x[8]) + (p.x * y[4] - p.y * y[1]);
+  linear_ += KtSecondMoment(l[0], l[1], l[2], l[3], l[4], l[5]);
+  angular_ += KtSecondMoment(axx, ayy, azz, axy, axz, ayz);
+  double* own = cross_[0];
+  for (int i = 0; i < 9; ++i) own[i] += y[i];
+  isRigid_ = false;
 }
 
 // By the factor G of I = G G^T. A pivot that is lost in rounding is raised, as `KtReArray` does

@@ -4,6 +4,7 @@
 #include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
 #include "ktManipulator/foundation/geometry/KtGeneralForce.h"
 #include "ktManipulator/foundation/geometry/KtGeneralMotion.h"
+#include "ktManipulator/foundation/geometry/KtRotationMatrix.h"
 #include "ktManipulator/foundation/matrix/KtSecondMoment.h"
 #include "ktManipulator/foundation/matrix/KtSpatialMatrix.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
@@ -108,6 +109,13 @@ class KT_EXPORT KtArticulatedBodyInertia
   static const KtToken& classToken() { return KtManip::KtArticulatedBodyInertiaToken; }
 
  private:
+  friend class KtArticulatedBodyDynamics;
+
+  void addRotatedAndMoved(const double* linear, const double* angular, const double* cross,
+                          const Kt::detail::RotationMatrix& r, const KtVector& p) noexcept;
+  // I s, without multiplying by components of s that are zero.
+  void getSparseForce(const KtVector& a, const KtVector& alpha, KtVector& force,
+                      KtVector& moment) const noexcept;
   void rotateBlocks(const KtOrientation& r) noexcept;
   void translateBlocks(const KtVector& p) noexcept;
 

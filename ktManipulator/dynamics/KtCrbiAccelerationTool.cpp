@@ -85,11 +85,11 @@ void KtCrbiAccelerationTool::factorWithBase(const KtIndividualManipulator& manip
                                             KtManipulatorActiveState& activeState,
                                             const KtStatedSystemStruct* asker) {
   const KtU32 n = massMatrix_.rows();
-  matrixDTool_.setManipulator(&manipulator);
-  const KtReArray& d = matrixDTool_.matrixD(activeState, asker);
+  Kt::detail::CompositeColumns::reportMissing(manipulator);
+  massMatrixTool_.getCoupling(coupling_);
   const KtReArray& l6 = manipulator.crbiSpatialCholeskyDecomposition(activeState, asker);
   if (n > 0) {
-    l6.forwardSubstitutionOnTranspose(d, baseCoupling_);
+    l6.forwardSubstitutionOnTranspose(coupling_, baseCoupling_);
     baseCoupling_.overconstrainedNormal(product_);
     massMatrix_ -= product_;
   }
@@ -247,8 +247,8 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
   totalTorqueTool_.setManipulator(&manipulator);
   totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
   const auto& bias =
-      totalTorqueTool_.torques(external, activeState, asker).jointTorques().vectorContainer();
-  const auto& given = torque.jointTorques().vectorContainer();
+      totalTorqueTool_.torques(external, activeState, asker).jointTorques().elements();
+  const auto& given = torque.jointTorques().elements();
   const KtU32 n = manipulator.jointDof();
   jointTorques_.setToZeros(n, 1);
   for (KtU32 i = 0; i < std::min<std::size_t>({n, bias.size(), given.size()}); ++i) {

@@ -134,7 +134,6 @@ class KT_EXPORT KtCrbiAccelerationTool {
 
   KtManipulatorActiveState own_;
   KtMassMatrixTool massMatrixTool_;
-  KtMatrixDTool matrixDTool_;
   KtTotalTorqueTool totalTorqueTool_;
   // With the base, unknowns of the factor are ordered base first, those of the mass matrix joints
   // first.
@@ -142,6 +141,7 @@ class KT_EXPORT KtCrbiAccelerationTool {
   KtReArray jointTorques_;
   KtReArray factor_;
   KtReArray fullFactor_;
+  KtReArray coupling_;
   KtReArray baseCoupling_;
   KtReArray solution_;
   KtReArray rightSide_;

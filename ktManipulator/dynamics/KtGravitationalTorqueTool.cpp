@@ -90,7 +90,7 @@ void KtGravitationalTorqueTool::calculateOutboardPartialDerivatives(
       link.crbi(activeState, asker).calculateForce(unitMotion(link, activeState));
   gradient_[0][link.linkIndex()] =
       unit.angular().cross(force.force()).dot(gravityAt(link, activeState));
-  for (const KtManipulatorLink& child : link.childLinks().vectorContainer()) {
+  for (const KtManipulatorLink& child : link.childLinks().elements()) {
     calculateOutboardPartialDerivatives(transform(child, activeState).inverse() * unit, child,
                                         activeState, asker);
   }

@@ -18,7 +18,7 @@ void reportIndex(const char* text, KtU32 index) {
 }
 
 double jointTorque(const KtManipulatorTorque& torque, KtU32 index) {
-  const auto& torques = torque.jointTorques().vectorContainer();
+  const auto& torques = torque.jointTorques().elements();
   return index < torques.size() ? torques[index].value() : 0.0;
 }
 
@@ -35,12 +35,12 @@ const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveStat
   KtLinkMassState& entry = masses.entry(i);
   if (!entry.crbiValid()) {
     KtRigidBodyMassProperties sum = massPropertiesInDHFrame(asker);
-    const auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
-      KtRigidBodyMassProperties part = child.crbi(activeState, asker);
-      part.transformBy(child.linkKinematicsContainer_.calculateTransform(
-          positions.jointPosition(child.linkIndex_)));
-      sum += part;
+    auto& positions = activeState.positionCache();
+    for (const KtManipulatorLink& child : childLinks().elements()) {
+      const KtRigidBodyMassProperties& part = child.KtManipulatorLink::crbi(activeState, asker);
+      if (child.linkIndex_ >= positions.linkCount()) continue;
+      const KtLinkPositionState& joint = child.placedJoint(positions);
+      sum.addTransformed(part, joint.dhRotation(), joint.dhTransform().translation());
     }
     entry.setCrbi(sum);
   }
@@ -62,12 +62,16 @@ const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(const KtManipulatorExte
     const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
     const KtGeneralMotion& velocity = dhFrameVelocityInLocal(activeState);
     const KtRigidBodyMassProperties& body = massPropertiesInDHFrame(asker);
-    KtArticulatedBodyDynamics dynamics(body,
-                                       body.calculateForce(velocity, acceleration) - external[i]);
-    for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
-      child.addArbdToParent(dynamics, external, torque, activeState, asker);
+    const KtGeneralForce& given = external[i];
+    KtVector force;
+    KtVector moment;
+    body.getForce(velocity.angular(), acceleration, force, moment);
+    KtArticulatedBodyDynamics& dynamics = entry.arbd();
+    dynamics.setRigid(body, force - given.force(), moment - given.moment());
+    for (const KtManipulatorLink& child : childLinks().elements()) {
+      child.KtManipulatorLink::addArbdToParent(dynamics, external, torque, activeState, asker);
     }
-    entry.setArbd(dynamics);
+    entry.setArbdValid(true);
   }
   return entry.arbd();
 }
@@ -88,25 +92,44 @@ const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInL
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
   const KtU32 i = linkIndex_;
   auto& articulation = activeState.articulationCache();
-  if (i >= articulation.linkCount()) {
+  if (i >= articulation.linkCount() || i >= activeState.positionCache().linkCount()) {
     reportIndex("arbiSupplementalDhFrameAccelerationInLocal(): articulation states index", i);
     return m_theDummyGeneralAcceleration;
   }
   KtLinkArticulationState& entry = articulation.entry(i);
   if (!entry.supplementalDhAccelerationValid()) {
-    auto& positions = activeState.positionCache();
-    KtGeneralMotion acceleration;
-    if (parentLink_ != nullptr) {
-      acceleration = parentLink_->arbiSupplementalDhFrameAccelerationInLocal(external, torque,
-                                                                             activeState, asker);
-    }
-    acceleration.transformBy(jointTransform(positions).inverse());
     const double rate = arbiJointAcceleration(external, torque, activeState, asker);
-    acceleration +=
-        linkKinematicsContainer_.calculateAcceleration(positions.jointPosition(i), 0.0, rate);
-    entry.setSupplementalDhAcceleration(acceleration);
+    KtVector linear;
+    KtVector angular;
+    getInboardSupplement(external, torque, activeState, asker, linear, angular);
+    if (const auto* motion = frameMotion(); motion != nullptr) {
+      linear += motion->linear * rate;
+      angular += motion->angular * rate;
+    } else {
+      const KtGeneralMotion& relative = linkKinematicsContainer_.calculateAcceleration(
+          activeState.positionCache().jointPosition(i), 0.0, rate);
+      linear += relative.linear();
+      angular += relative.angular();
+    }
+    entry.setSupplementalDhAcceleration(linear, angular);
   }
   return entry.supplementalDhAcceleration();
+}
+
+// What the parent's supplemental acceleration is at this link's DH frame, in its axes.
+void KtManipulatorLink::getInboardSupplement(const KtManipulatorExternalForce& external,
+                                             const KtManipulatorTorque& torque,
+                                             KtManipulatorActiveState& activeState,
+                                             const KtStatedSystemStruct* asker, KtVector& linear,
+                                             KtVector& angular) const {
+  const KtGeneralMotion& inboard = parentLink_ != nullptr
+                                       ? parentLink_->arbiSupplementalDhFrameAccelerationInLocal(
+                                             external, torque, activeState, asker)
+                                       : KtLinkKinematicsContainer::m_theNullMotion;
+  const KtLinkPositionState& joint = placedJoint(activeState.positionCache());
+  const KtVector& p = joint.dhTransform().translation();
+  linear = joint.dhRotation().inverseTimes(inboard.linear() + inboard.angular().cross(p));
+  angular = joint.dhRotation().inverseTimes(inboard.angular());
 }
 
 double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce& external,
@@ -114,28 +137,32 @@ double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce
                                                 KtManipulatorActiveState& activeState,
                                                 const KtStatedSystemStruct* asker) const {
   const KtU32 i = linkIndex_;
+  auto& positions = activeState.positionCache();
   auto& articulation = activeState.articulationCache();
-  if (i >= articulation.linkCount()) {
+  if (i >= articulation.linkCount() || i >= positions.linkCount()) {
     reportIndex("arbiJointAcceleration(): articulation states index", i);
     return 0.0;
   }
   const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
   KtLinkArticulationState& entry = articulation.entry(i);
   if (!entry.supplementalJointAccelerationValid()) {
-    auto& positions = activeState.positionCache();
     const double q = positions.jointPosition(i);
-    KtGeneralMotion acceleration;
-    if (parentLink_ != nullptr) {
-      acceleration = parentLink_->arbiSupplementalDhFrameAccelerationInLocal(external, torque,
-                                                                             activeState, asker);
+    const double inertia = jointActuator_.effectiveInertia(q);
+    const double tau = jointTorque(torque, i);
+    KtVector linear;
+    KtVector angular;
+    getInboardSupplement(external, torque, activeState, asker, linear, angular);
+    double rate = 0.0;
+    if (const auto* motion = frameMotion(); motion != nullptr) {
+      rate = own.jointAcceleration(motion->linear, motion->angular, inertia, tau, linear, angular);
+    } else {
+      const double load = linkKinematicsContainer_.torqueRequiredToExert(
+          q, own.calculateForce(KtGeneralMotion(linear, angular)));
+      const double whole =
+          linkKinematicsContainer_.unitAccelerationTorque(q, own.inertia()) + inertia;
+      if (whole != 0.0) rate = (tau - load) / whole;
     }
-    acceleration.transformBy(jointTransform(positions).inverse());
-    const double load =
-        linkKinematicsContainer_.torqueRequiredToExert(q, own.calculateForce(acceleration));
-    const double inertia = linkKinematicsContainer_.unitAccelerationTorque(q, own.inertia()) +
-                           jointActuator_.effectiveInertia(q);
-    entry.setSupplementalJointAcceleration(
-        inertia == 0.0 ? 0.0 : (jointTorque(torque, i) - load) / inertia);
+    entry.setSupplementalJointAcceleration(rate);
   }
   return entry.supplementalJointAcceleration();
 }

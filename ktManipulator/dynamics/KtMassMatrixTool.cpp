@@ -12,28 +12,9 @@ void KtMassMatrixTool::setManipulator(const KtIndividualManipulator* manipulator
 const KtReArray& KtMassMatrixTool::massMatrix(KtManipulatorActiveState& activeState,
                                               const KtStatedSystemStruct* asker) {
   resize();
-  const auto& positions = activeState.positionCache();
-  const auto unitMotion = [&](const KtManipulatorLink& link) {
-    return link.linkKinematicsContainer().calculateAcceleration(
-        positions.jointPosition(link.linkIndex()), 0.0, 1.0);
-  };
-  for (KtU32 j = 0; j < massMatrix_.rows(); ++j) {
-    const KtManipulatorLink* link = manipulator_->linkByIndex(j);
-    if (link == nullptr) continue;
-    KtGeneralMotion unit = unitMotion(*link);
-    KtGeneralForce force = link->crbi(activeState, asker).calculateForce(unit);
-    for (;;) {
-      const KtU32 i = link->linkIndex();
-      massMatrix_[j][i] = massMatrix_[i][j] =
-          unit.linear().dot(force.force()) + unit.angular().dot(force.moment());
-      const KtManipulatorLink* parent = link->parentLink();
-      if (parent == nullptr || parent->linkIndex() == ktBaseIndex) break;
-      force.transformBy(
-          link->linkKinematicsContainer().calculateTransform(positions.jointPosition(i)));
-      unit = unitMotion(*parent);
-      link = parent;
-    }
-  }
+  if (manipulator_ == nullptr) return massMatrix_;
+  columns_.compute(*manipulator_, activeState, asker);
+  columns_.getMassMatrix(massMatrix_);
   return massMatrix_;
 }
 
@@ -74,12 +55,11 @@ const KtReArray& KtMassMatrixTool::extend(KtManipulatorActiveState& activeState,
   }
   massMatrix(activeState, asker);
   const KtU32 n = massMatrix_.rows();
-  matrixDTool_.setManipulator(manipulator_);
-  const KtReArray* coupling = &matrixDTool_.matrixD(activeState, asker);
+  Kt::detail::CompositeColumns::reportMissing(*manipulator_);
+  columns_.getCoupling(coupling_);
   const KtRigidBodyMassProperties& whole = manipulator_->crbi(activeState, asker);
   if (axes != nullptr) {
-    matrixDTool_.transformMatrixD(*coupling, *axes, coupling_);
-    coupling = &coupling_;
+    matrixDTool_.transformMatrixD(coupling_, *axes, coupling_);
     KtRigidBodyMassProperties turned(whole);
     turned.transformBy(*axes);
     turned.getArray(baseInertia_);
@@ -89,7 +69,7 @@ const KtReArray& KtMassMatrixTool::extend(KtManipulatorActiveState& activeState,
   extended_.resizeArray(n + 6, n + 6);
   for (KtU32 i = 0; i < n; ++i) {
     std::copy_n(massMatrix_[i], n, extended_[i]);
-    for (KtU32 k = 0; k < 6; ++k) extended_[i][n + k] = extended_[n + k][i] = (*coupling)[i][k];
+    for (KtU32 k = 0; k < 6; ++k) extended_[i][n + k] = extended_[n + k][i] = coupling_[i][k];
   }
   for (KtU32 k = 0; k < 6; ++k) std::copy_n(baseInertia_[k], 6, extended_[n + k] + n);
   return extended_;
@@ -118,7 +98,7 @@ const KtReArray& KtMassMatrixTool::nullSpaceTorque(KtManipulatorActiveState& act
     for (KtU32 i = 0; i < joints; ++i) acceleration_.jointAccelerations()[i] = (*columns)[i][k];
     activeState.setAccelerationState(acceleration_);
     const auto& torques =
-        totalTorqueTool_.torques(noForce_, activeState, nullptr).jointTorques().vectorContainer();
+        totalTorqueTool_.torques(noForce_, activeState, nullptr).jointTorques().elements();
     for (KtU32 i = 0; i < joints; ++i) nullSpaceTorque_[i][k] = torques[i];
   }
   return nullSpaceTorque_;

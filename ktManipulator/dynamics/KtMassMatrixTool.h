@@ -65,6 +65,8 @@ class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
   virtual void setDegreesOfConstraint(unsigned int count) { degreesOfConstraint_ = count; }
   /// Gives the mass matrix the manipulator's size, filled with zeros.
   virtual void resize();
+  /// The matrix D of `KtMatrixDTool` that belongs to the last `massMatrix`.
+  void getCoupling(KtReArray& d) const { columns_.getCoupling(d); }
 
  private:
   const KtReArray& extend(KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker,
@@ -78,6 +80,7 @@ class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
   // Work space
   KtTotalTorqueTool totalTorqueTool_;
   KtMatrixDTool matrixDTool_;
+  Kt::detail::CompositeColumns columns_;
   KtVelocityState velocity_;
   KtAccelerationState acceleration_;
   KtManipulatorExternalForce noForce_;

@@ -11,22 +11,10 @@ void KtMatrixDTool::setManipulator(const KtIndividualManipulator* manipulator) {
 const KtReArray& KtMatrixDTool::matrixD(KtManipulatorActiveState& activeState,
                                         const KtStatedSystemStruct* asker) {
   resize();
-  for (KtU32 i = 0; i < result_.rows(); ++i) {
-    const KtManipulatorLink* link = manipulator_->linkByIndex(i);
-    if (link == nullptr) {
-      Kt::Print::instance().write(Kt::Print::kError,
-                                  "KtMatrixDTool::matrixD() -> NULL link for index %d\n",
-                                  static_cast<int>(i));
-      continue;
-    }
-    auto& positions = activeState.positionCache();
-    const KtGeneralMotion unit =
-        link->linkKinematicsContainer().calculateAcceleration(positions.jointPosition(i), 0.0, 1.0);
-    KtGeneralForce force = link->crbi(activeState, asker).calculateForce(unit);
-    force.transformBy(link->dhFrameInSystem(positions));
-    force.transformBy(manipulator_->dhFrameInSystem(positions).inverse());
-    for (unsigned k = 0; k < 6; ++k) result_[i][k] = force[k];
-  }
+  if (manipulator_ == nullptr) return result_;
+  Kt::detail::CompositeColumns::reportMissing(*manipulator_);
+  columns_.compute(*manipulator_, activeState, asker);
+  columns_.getCoupling(result_);
   return result_;
 }
 

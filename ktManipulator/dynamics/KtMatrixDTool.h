@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ktManipulator/dynamics/KtCompositeColumns.h"
 #include "ktManipulator/dynamics/KtManipulatorTool.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
 
@@ -29,5 +30,6 @@ class KT_EXPORT KtMatrixDTool : public KtManipulatorTool {
   virtual void resize();
 
  private:
+  Kt::detail::CompositeColumns columns_;
   KtReArray result_;
 };

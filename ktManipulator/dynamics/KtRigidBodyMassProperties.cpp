@@ -64,12 +64,10 @@ void KtRigidBodyMassProperties::transformBy(const KtVector& p) {
 
 KtGeneralForce KtRigidBodyMassProperties::calculateForce(
     const KtGeneralMotion& velocity, const KtGeneralMotion& acceleration) const {
-  const KtVector& w = velocity.angular();
-  const KtVector& c = firstMoment_;
-  return {
-      acceleration.linear() * mass_.value() - c.cross(acceleration.angular()) + w.cross(w.cross(c)),
-      secondMoment_ * acceleration.angular() + c.cross(acceleration.linear()) +
-          w.cross(secondMoment_ * w)};
+  KtVector force;
+  KtVector moment;
+  getForce(velocity.angular(), acceleration, force, moment);
+  return {force, moment};
 }
 
 KtGeneralForce KtRigidBodyMassProperties::calculateForce(
@@ -110,6 +108,26 @@ KtGeneralMotion KtRigidBodyMassProperties::calculateAcceleration(
     a[i] = divided(a[i], l[i][i]);
   }
   return {KtVector(a[0], a[1], a[2]), KtVector(a[3], a[4], a[5])};
+}
+
+void KtRigidBodyMassProperties::addTransformed(const KtRigidBodyMassProperties& other,
+                                               const Kt::detail::RotationMatrix& r,
+                                               const KtVector& p) noexcept {
+  const double m = other.mass_.value();
+  const KtVector c = r * other.firstMoment_;
+  double j[6];
+  r.rotateSymmetric(other.secondMoment_.values(), j);
+  // About the new origin: with c' = c + m p / 2, -(p x)(c' x) - (c' x)(p x).
+  const KtVector h = c + p * (0.5 * m);
+  const double xx = 2.0 * h.x * p.x;
+  const double yy = 2.0 * h.y * p.y;
+  const double zz = 2.0 * h.z * p.z;
+  secondMoment_ += KtSecondMoment(j[0] + yy + zz, j[1] + zz + xx, j[2] + xx + yy,  //
+                                  j[3] - (h.x * p.y + h.y * p.x), j[4] - (h.x * p.z + h.z * p.x),
+                                  j[5] - (h.y * p.z + h.z * p.y));
+  firstMoment_ += c + p * m;
+  mass_ = mass_.value() + m;
+  valid_.clear();
 }
 
 const KtSpatialMatrix& KtRigidBodyMassProperties::invSecondMoment() const {

@@ -11,6 +11,7 @@
 #include "ktManipulator/foundation/geometry/KtGeneralForce.h"
 #include "ktManipulator/foundation/geometry/KtGeneralMotion.h"
 #include "ktManipulator/foundation/geometry/KtNonNegReal.h"
+#include "ktManipulator/foundation/geometry/KtRotationMatrix.h"
 #include "ktManipulator/foundation/geometry/KtXmlVector.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
 #include "ktManipulator/foundation/matrix/KtSecondMoment.h"
@@ -132,6 +133,27 @@ class KT_EXPORT KtRigidBodyMassProperties
 
   /// Exact equality of the ten numbers.
   bool operator==(const KtRigidBodyMassProperties&) const = default;
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// What `mass()` answers.
+  double massValue() const noexcept { return mass_.value(); }
+  /// What `firstMoment()` answers.
+  const KtVector& firstMomentValue() const noexcept { return firstMoment_; }
+  /// What `secondMoment()` answers.
+  const KtSecondMoment& secondMomentValue() const noexcept { return secondMoment_; }
+  /// `calculateForce` of an angular velocity and an acceleration.
+  void getForce(const KtVector& w, const KtGeneralMotion& acceleration, KtVector& force,
+                KtVector& moment) const noexcept {
+    const KtVector& c = firstMoment_;
+    const KtVector& a = acceleration.linear();
+    const KtVector& alpha = acceleration.angular();
+    force = a * mass_.value() - c.cross(alpha) + w.cross(w.cross(c));
+    moment = secondMoment_ * alpha + c.cross(a) + w.cross(secondMoment_ * w);
+  }
+  /// Adds a body that stands in another frame, given by its rotation and translation in this one.
+  void addTransformed(const KtRigidBodyMassProperties& other, const Kt::detail::RotationMatrix& r,
+                      const KtVector& p) noexcept;
 
   // Common bodies of mass m in kg and lengths in m, in a frame at the body's natural origin and
   // axes. All are valid.

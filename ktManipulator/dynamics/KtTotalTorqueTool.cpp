@@ -4,8 +4,13 @@
 
 namespace {
 
-double power(const KtGeneralMotion& motion, const KtGeneralForce& force) {
-  return motion.linear().dot(force.force()) + motion.angular().dot(force.moment());
+// The power of a force at a unit of the joint's rate.
+double power(const KtManipulatorLink& link, double q, const KtGeneralForce& force) {
+  if (const auto* motion = link.frameMotion(); motion != nullptr) {
+    return motion->linear.dot(force.force()) + motion->angular.dot(force.moment());
+  }
+  const KtGeneralMotion& unit = link.linkKinematicsContainer().calculateAcceleration(q, 0.0, 1.0);
+  return unit.linear().dot(force.force()) + unit.angular().dot(force.moment());
 }
 
 }  // namespace
@@ -18,16 +23,15 @@ void KtTotalTorqueTool::setManipulator(const KtIndividualManipulator* manipulato
 double KtTotalTorqueTool::torque(KtU32 index, const KtManipulatorExternalForce& external,
                                  KtManipulatorActiveState& activeState,
                                  const KtStatedSystemStruct* asker) {
-  const KtManipulatorLink* link =
-      manipulator_ != nullptr && index != ktBaseIndex ? manipulator_->linkByIndex(index) : nullptr;
+  if (manipulator_ == nullptr || index >= manipulator_->links().size()) return 0.0;
+  const KtManipulatorLink* link = manipulator_->links()[index];
   if (link == nullptr) return 0.0;
   const double q = activeState.positionCache().jointPosition(index);
   const KtGeneralForce& force = link->dhFrameForceInLocal(external, activeState, asker);
-  const KtGeneralMotion& unit = link->linkKinematicsContainer().calculateAcceleration(q, 0.0, 1.0);
   const KtJointActuator& actuator = link->jointActuator();
-  double torque = power(unit, force) + link->totalLocalTorque(activeState);
+  double torque = power(*link, q, force) + link->totalLocalTorque(activeState);
   const KtU32 linkIndex = link->linkIndex();
-  const auto& accelerations = activeState.accelerationState().jointAccelerations();
+  const auto& accelerations = activeState.accelerationState().jointAccelerations().elements();
   if (linkIndex < accelerations.size()) {
     torque += actuator.effectiveInertia(q) * accelerations[linkIndex].value();
   }
@@ -54,7 +58,7 @@ const KtManipulatorTorque& KtTotalTorqueTool::torques(const KtManipulatorExterna
                                                       KtManipulatorActiveState& activeState,
                                                       const KtStatedSystemStruct* asker) {
   resize();
-  auto& joints = result_.jointTorques().vectorContainer();
+  auto& joints = result_.jointTorques().elements();
   for (KtU32 i = 0; i < joints.size(); ++i) joints[i] = torque(i, external, activeState, asker);
   result_.setGeneralForce(generalForce(external, activeState, asker));
   return result_;

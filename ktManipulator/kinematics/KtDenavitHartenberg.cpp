@@ -68,8 +68,18 @@ void KtDenavitHartenberg::registerDhTypeEnumerations() {
 const KtCoordinateSystemTransformation& KtDenavitHartenberg::calculateTransform(double q) const {
   if (transformValid_ && q == lastJointParameter_) return resultTransform_;
   lastJointParameter_ = q;
-  resultTransform_.setToIdentity();
-  transformBy(resultTransform_, q);
+  if (dhType_ == kGeneral && jointType_ == kRotational) {
+    // The product of the precursor and Rz(q), of which two components are zero.
+    const KtOrientation& r = precursor_.orientation();
+    const double s = std::sin(0.5 * q);
+    const double c = std::cos(0.5 * q);
+    resultTransform_.setTranslation(precursor_.translation());
+    resultTransform_.setOrientation(
+        {r[0] * c - r[3] * s, r[1] * c + r[2] * s, r[2] * c - r[1] * s, r[3] * c + r[0] * s});
+  } else {
+    resultTransform_.setToIdentity();
+    transformBy(resultTransform_, q);
+  }
   transformValid_ = true;
   return resultTransform_;
 }
@@ -231,12 +241,15 @@ double KtDenavitHartenberg::upperBoundDhFrameDistance(const KtJointActuator& act
 bool KtDenavitHartenberg::addChildArbdToParent(KtArticulatedBodyDynamics& parent,
                                                const KtArticulatedBodyDynamics& child, double q,
                                                double inertia, double torque) const {
-  KtGeneralMotion unit;
-  getUnitFrameMotion(unit, q);
-  KtArticulatedBodyDynamics joined;
-  joined.setToTransformedValue(child, unit, inertia, torque);
-  joined.transformBy(calculateTransform(q));
-  parent += joined;
+  if (!hasMotion_) {
+    // Reports the type. The child counts as fixed to its parent.
+    KtGeneralMotion unit;
+    getUnitFrameMotion(unit, q);
+  }
+  const KtCoordinateSystemTransformation& t = calculateTransform(q);
+  const FrameMotion motion = hasMotion_ ? motion_ : FrameMotion();
+  parent.joinThrough(child, motion.linear, motion.angular, inertia, torque,
+                     Kt::detail::RotationMatrix(t.orientation()), t.translation());
   return true;
 }
 
@@ -244,6 +257,7 @@ void KtDenavitHartenberg::scaleBy(double factor) {
   precursor_.setTranslation(precursor_.translation() * factor);
   d_ = d_ * factor;
   a_ = a_ * factor;
+  refreshMotion();
 }
 
 void KtDenavitHartenberg::transformBy(const KtCoordinateSystemTransformation& t) {
@@ -271,11 +285,13 @@ void KtDenavitHartenberg::changeInboardFrameBy(const KtCoordinateSystemTransform
 
 void KtDenavitHartenberg::setJointType(unsigned int type) {
   jointType_ = type;
+  refreshMotion();
   transformValid_ = false;
 }
 
 void KtDenavitHartenberg::setDhType(unsigned int type) {
   dhType_ = type;
+  refreshMotion();
   transformValid_ = false;
 }
 
@@ -297,6 +313,7 @@ void KtDenavitHartenberg::setDhD(double d) {
 
 void KtDenavitHartenberg::setDhA(double a) {
   a_ = a;
+  refreshMotion();
   transformValid_ = false;
 }
 
@@ -347,4 +364,24 @@ void KtDenavitHartenberg::refreshAngles() {
   halfAlphaSign_ = (cosAlpha_ >= 0.0 ? cosHalfAlpha_ : sinHalfAlpha_) < 0.0 ? -1.0 : 1.0;
   sinHalfTheta_ = std::sin(0.5 * theta_.value());
   cosHalfTheta_ = std::cos(0.5 * theta_.value());
+  refreshMotion();
+}
+
+void KtDenavitHartenberg::refreshMotion() noexcept {
+  const bool paul = isPaul();
+  const bool rotational = jointType_ == kRotational;
+  hasMotion_ =
+      (paul || isCraig() || dhType_ == kGeneral) && (rotational || jointType_ == kPrismatic);
+  const KtVector axis = paul ? KtVector(0.0, sinAlpha_, cosAlpha_) : KtVector(0.0, 0.0, 1.0);
+  motion_ = {};
+  if (rotational) {
+    motion_.angular = axis;
+    // The frame's origin lies at (a, 0, 0) from the axis.
+    if (paul) {
+      motion_.linear = {0.0, a_ * cosAlpha_, -a_ * sinAlpha_};
+      motion_.centripetal = {-a_, 0.0, 0.0};
+    }
+  } else {
+    motion_.linear = axis;
+  }
 }

@@ -46,6 +46,16 @@ class KT_EXPORT KtDenavitHartenberg
     kGeneral = 4        ///< A precursor and a motion along its z; a, d, alpha, theta play no part.
   };
 
+  /// How the DH frame moves relative to the inboard frame, in its own axes at its origin. None of
+  /// it depends on q.
+  struct FrameMotion {
+    KtVector linear;       ///< Velocity at a unit of joint rate.
+    KtVector angular;      ///< Angular velocity at a unit of joint rate.
+    KtVector centripetal;  ///< Linear acceleration at a unit of joint rate.
+  };
+
+  KtDenavitHartenberg() { refreshMotion(); }
+
   bool read(KtXmlReader& reader) override;
   void xmlInit() override;
   void registerComponents() override;
@@ -128,6 +138,9 @@ class KT_EXPORT KtDenavitHartenberg
   /// the tolerance. The primary frames are not compared.
   virtual bool approxEq(const KtDenavitHartenberg& other, double tolerance) const;
 
+  /// The motion of the DH frame, for passes over many links; null for a bad type.
+  const FrameMotion* frameMotion() const noexcept { return hasMotion_ ? &motion_ : nullptr; }
+
   /// Exact equality of the primary frames, the types, the precursor and the parameters.
   bool operator==(const KtDenavitHartenberg& other) const;
   /// An example of typical numbers, prismatic and of type paul. The primary frame's quaternion is
@@ -143,6 +156,7 @@ class KT_EXPORT KtDenavitHartenberg
   bool getAxis(KtVector& axis, const char* operation) const;
   void generalise();
   void refreshAngles();
+  void refreshMotion() noexcept;
   // The transformation without its precursor, of a paul or craig type. A bad joint type is reported
   // and leaves the arguments as they were.
   void getJointTransform(double q, KtVector& p, KtOrientation& r) const;
@@ -163,6 +177,8 @@ class KT_EXPORT KtDenavitHartenberg
   double halfAlphaSign_ = 1.0;  // of the larger of the two above
   double sinHalfTheta_ = 0.0;
   double cosHalfTheta_ = 1.0;
+  FrameMotion motion_;
+  bool hasMotion_ = false;
   // The state of resultTransform_
   mutable double lastJointParameter_ = 0.0;
   mutable KtCacheFlag transformValid_;

@@ -133,7 +133,7 @@ void KtIndividualManipulator::addChild(const KtManipulatorLink& link) {
   if (isReference()) return;
   if (moved) {
     labelTable_[label()] = this;
-    for (KtManipulatorLink& child : children.vectorContainer()) {
+    for (KtManipulatorLink& child : children.elements()) {
       child.mapLinks(linkTable_, labelTable_);
     }
   } else {
@@ -184,7 +184,7 @@ bool KtIndividualManipulator::mapManipulator(LinkTable& links, LabelTable& label
   if (isReference()) return true;
   labels[label()] = this;
   bool good = true;
-  for (KtManipulatorLink& child : ownChildLinks().vectorContainer()) {
+  for (KtManipulatorLink& child : ownChildLinks().elements()) {
     good = child.mapLinks(links, labels) && good;
   }
   setLinkReferences(labels);
@@ -250,7 +250,7 @@ bool KtIndividualManipulator::makeIndicesCompatible(KtU32& index1, KtU32& index2
 bool KtIndividualManipulator::configureManipulatorReference(
     const KtXmlVectorType<KtIndividualManipulator>& manipulators) {
   constexpr int kMostSteps = 1000;
-  const auto& all = manipulators.vectorContainer();
+  const auto& all = manipulators.elements();
   const auto isListed = [&all](const KtIndividualManipulator* one) {
     const std::less<const KtIndividualManipulator*> before;
     return !all.empty() && !before(one, all.data()) && before(one, all.data() + all.size());

@@ -315,6 +315,8 @@ class KT_EXPORT KtIndividualManipulator
   /// Takes over all of another manipulator but its links, under the rules of a copy; see
   /// `KtManipulatorLink::copyAllButChildLinksFrom`.
   void copyAllButChildLinksFrom(const KtIndividualManipulator& other);
+  /// What `linkByIndex` answers for all links but the base, for passes over many links.
+  const LinkTable& links() const noexcept { return referenceManipulator_->linkTable_; }
   /// The manipulator whose links this one uses: itself, unless it stands for another.
   const KtIndividualManipulator* referenceManipulator() const noexcept {
     return referenceManipulator_;

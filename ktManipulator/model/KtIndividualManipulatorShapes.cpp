@@ -37,7 +37,7 @@ bool KtIndividualManipulator::setSurfacesByIDs(KtU32 linkIndex, KtU32 shapeIndex
   const KtManipulatorLink* link = linkByIndex(linkIndex);
   if (link == nullptr) return false;
   const std::string label = link->label();
-  for (KtManipulatorLink& child : ownChildLinks().vectorContainer()) {
+  for (KtManipulatorLink& child : ownChildLinks().elements()) {
     if (child.setSurfaces(label, shapeIndex, surfaces)) return true;
   }
   return false;

@@ -13,7 +13,7 @@ namespace Kt::detail {
 /// Whether two lists are equally long and no pair differs by more than the tolerance.
 inline bool approxEqual(const KtXmlVectorType<KtXmlBasicType<double>>& a,
                         const KtXmlVectorType<KtXmlBasicType<double>>& b, double tolerance) {
-  return std::ranges::equal(a.vectorContainer(), b.vectorContainer(),
+  return std::ranges::equal(a.elements(), b.elements(),
                             [=](double x, double y) { return KtMath::approxEq(x, y, tolerance); });
 }
 
@@ -22,9 +22,9 @@ inline void interpolate(const KtXmlVectorType<KtXmlBasicType<double>>& a,
                         const KtXmlVectorType<KtXmlBasicType<double>>& b, double f, KtU32 count,
                         KtXmlVectorType<KtXmlBasicType<double>>& out) {
   out.resize(count);
-  const auto* x = a.vectorContainer().data();
-  const auto* y = b.vectorContainer().data();
-  auto* z = out.vectorContainer().data();
+  const auto* x = a.elements().data();
+  const auto* y = b.elements().data();
+  auto* z = out.elements().data();
   for (KtU32 i = 0; i < count; ++i) z[i] = (1.0 - f) * x[i] + f * y[i];
 }
 
@@ -33,7 +33,7 @@ inline void setFromColumn(const KtReArray& array, KtXmlVectorType<KtXmlBasicType
   const KtU32 count = array.rows();
   if (count > 0 && array.columns() == 0) return;
   out.resize(count);
-  auto* z = out.vectorContainer().data();
+  auto* z = out.elements().data();
   for (KtU32 i = 0; i < count; ++i) z[i] = array[i][0];
 }
 

@@ -15,7 +15,7 @@ void KtManipulatorExternalForce::registerComponents() {
 
 void KtManipulatorExternalForce::setToZeros() {
   baseForce_ = m_theNullGeneralForce;
-  std::ranges::fill(linkForces_.vectorContainer(), m_theNullGeneralForce);
+  std::ranges::fill(linkForces_.elements(), m_theNullGeneralForce);
 }
 
 const KtGeneralForce& KtManipulatorExternalForce::outOfRange(KtU32 index) {

@@ -28,7 +28,7 @@ class KT_EXPORT KtManipulatorExternalForce
   /// The force on the link of an index, that on the base for `ktBaseIndex`. An index beyond the end
   /// is reported and gives `m_theNullGeneralForce`.
   virtual const KtGeneralForce& operator[](KtU32 index) const {
-    if (index < linkForces_.vectorContainer().size()) return linkForces_[index];
+    if (index < linkForces_.elements().size()) return linkForces_[index];
     return index == ktBaseIndex ? baseForce_ : outOfRange(index);
   }
   /// The same, to be changed; unguarded.

@@ -156,13 +156,13 @@ void KtManipulatorLink::setLabel(const std::string& label) {
 void KtManipulatorLink::appendToAllLabels(const std::string& suffix) {
   const std::string kept = suffix;  // it may be one of the labels
   label_ = label_.value() + kept;
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.appendToAllLabels(kept);
+  for (KtManipulatorLink& child : childLinks_.elements()) child.appendToAllLabels(kept);
 }
 
 void KtManipulatorLink::relabelSubtree(const std::string& prefix, KtU32& counter) {
   const std::string kept = prefix;  // it may be one of the labels
   setLabel(kept + std::to_string(counter++));
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     child.relabelSubtree(kept, counter);
   }
 }
@@ -221,7 +221,7 @@ void KtManipulatorLink::addLinkToEndOfChain(const KtManipulatorLink& link) {
 
 // All of them: the list may have moved them.
 void KtManipulatorLink::adoptChildren() {
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.setParentLink(this);
+  for (KtManipulatorLink& child : childLinks_.elements()) child.setParentLink(this);
 }
 
 KtManipulatorLink* KtManipulatorLink::parentLink() const {
@@ -237,7 +237,7 @@ KtU32 KtManipulatorLink::linkIndex() const {
 
 KtU32 KtManipulatorLink::subtreeLinkCount() const {
   KtU32 count = 1;
-  for (const KtManipulatorLink& child : childLinks().vectorContainer()) {
+  for (const KtManipulatorLink& child : childLinks().elements()) {
     count += child.subtreeLinkCount();
   }
   return count;
@@ -248,7 +248,7 @@ bool KtManipulatorLink::mapLinks(LinkTable& links, LabelTable& labels) {
   links.push_back(this);
   labels[label()] = this;
   bool good = true;
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     good = child.mapLinks(links, labels) && good;
   }
   updateDefaultLimitConstraints();
@@ -256,7 +256,7 @@ bool KtManipulatorLink::mapLinks(LinkTable& links, LabelTable& labels) {
 }
 
 void KtManipulatorLink::collectLeafLinks(LinkTable& links) const {
-  const auto& children = childLinks().vectorContainer();
+  const auto& children = childLinks().elements();
   if (children.empty()) links.push_back(this);
   for (const KtManipulatorLink& child : children) child.collectLeafLinks(links);
 }
@@ -293,7 +293,7 @@ bool KtManipulatorLink::setLinkReferences(const LabelTable& labels) {
                                   label.c_str());
     }
   }
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.setLinkReferences(labels);
+  for (KtManipulatorLink& child : childLinks_.elements()) child.setLinkReferences(labels);
   return true;
 }
 
@@ -314,7 +314,7 @@ bool KtManipulatorLink::useReferencesWherePossible(const LinkTable& links) {
     changed = true;
     break;
   }
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     changed = child.useReferencesWherePossible(links) || changed;
   }
   return changed;

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "ktManipulator/actuation/KtDamperProperties.h"
@@ -26,12 +27,14 @@
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+#include "ktManipulator/kinematics/KtDenavitHartenberg.h"
 #include "ktManipulator/kinematics/KtLinkKinematicsContainer.h"
 #include "ktManipulator/model/KtLinkReferenceDescription.h"
 #include "ktManipulator/model/KtStatedSystemStruct.h"
 
 class KtIndividualManipulator;
 class KtLinkPointEvent;
+class KtLinkPositionState;
 class KtManipulatorActivePositionState;
 class KtManipulatorActiveState;
 class KtManipulatorExternalForce;
@@ -468,6 +471,19 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// `replaceMassProperties` for the actuator, with the same result.
   bool replaceJointActuator(const std::string& label, const KtJointActuator& actuator);
 
+  /// How the joint moves, if it is a plain joint of Denavit and Hartenberg; null for any other, for
+  /// which its model is to be asked. For passes over many links.
+  const KtDenavitHartenberg::FrameMotion* frameMotion() const noexcept {
+    const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
+    // A class derived from that joint may move otherwise.
+    return model != nullptr && typeid(*model) == typeid(KtDenavitHartenberg)
+               ? static_cast<const KtDenavitHartenberg*>(model)->frameMotion()
+               : nullptr;
+  }
+
+  /// The link's entry of a state, with its joint transform valid. The state has to have one.
+  const KtLinkPositionState& placedJoint(KtManipulatorActivePositionState& positionState) const;
+
   /// Equality of everything that is written to files.
   bool operator==(const KtManipulatorLink& other) const;
   /// Name of the class in files.
@@ -499,6 +515,9 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   // What constant operations work with or answer by reference.
   struct Scratch {
     KtShapeQueryData queryData;
+    // Of a link without a parent: what it found last, which it goes on from
+    KtCoordinateSystemTransformation frame;
+    KtGeneralMotion velocity;
     // Of the attached manipulators
     std::vector<KtU32> dependents;
     KtXmlVectorType<KtCoordinateSystemTransformation> offsets;
@@ -520,9 +539,11 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                LimitConstraint& limit, double constant,
                                                double coefficient) const;
   bool attachments(const KtStatedSystemStruct* asker) const;
-  // The DH frame in the parent's, cached in the link's entry.
-  const KtCoordinateSystemTransformation& jointTransform(
-      KtManipulatorActivePositionState& positionState) const;
+  void getInboardSupplement(const KtManipulatorExternalForce& external,
+                            const KtManipulatorTorque& torque,
+                            KtManipulatorActiveState& activeState,
+                            const KtStatedSystemStruct* asker, KtVector& linear,
+                            KtVector& angular) const;
   const KtShape* topShape() const { return shapeContainer().topElement(); }
 
   // Written to files

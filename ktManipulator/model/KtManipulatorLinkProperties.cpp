@@ -143,7 +143,7 @@ void KtManipulatorLink::deleteBoundingVolumes() {
 }
 
 void KtManipulatorLink::deleteAllBoundingVolumes() {
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.deleteAllBoundingVolumes();
+  for (KtManipulatorLink& child : childLinks_.elements()) child.deleteAllBoundingVolumes();
   deleteBoundingVolumes();
 }
 
@@ -158,7 +158,7 @@ bool KtManipulatorLink::setSurfacesByShapeID(const KtU32& shapeIndex,
 bool KtManipulatorLink::setSurfaces(const std::string& label, const KtU32& shapeIndex,
                                     const KtSurfaceMap& surfaces) {
   if (label == this->label()) return setSurfacesByShapeID(shapeIndex, surfaces);
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     if (child.setSurfaces(label, shapeIndex, surfaces)) return true;
   }
   return false;
@@ -196,7 +196,7 @@ void KtManipulatorLink::optimizeForRendering() {}
 
 void KtManipulatorLink::recursiveOptimizeForRendering() {
   optimizeForRendering();
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     child.recursiveOptimizeForRendering();
   }
 }
@@ -317,7 +317,7 @@ bool KtManipulatorLink::replaceMassProperties(const std::string& label,
     setMassProperties(properties);
     return false;
   }
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     if (child.replaceMassProperties(label, properties)) return true;
   }
   return false;
@@ -341,7 +341,7 @@ bool KtManipulatorLink::replaceJointActuator(const std::string& label,
     setJointActuator(actuator);
     return false;
   }
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     if (child.replaceJointActuator(label, actuator)) return true;
   }
   return false;
@@ -357,7 +357,7 @@ bool KtManipulatorLink::setJointLimit(const std::string& label, bool lower, doub
     updateDefaultLimitConstraints();
     return true;
   }
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+  for (KtManipulatorLink& child : childLinks_.elements()) {
     if (child.setJointLimit(label, lower, value)) return true;
   }
   return false;
@@ -483,7 +483,7 @@ void KtManipulatorLink::addNamedFrame(const std::string& name,
 
 void KtManipulatorLink::scaleBy(double factor) {
   scaleIndividualLinkBy(factor);
-  for (KtManipulatorLink& child : childLinks_.vectorContainer()) child.scaleBy(factor);
+  for (KtManipulatorLink& child : childLinks_.elements()) child.scaleBy(factor);
 }
 
 // The total mass is left as it was, and so the mass in the DH frame is that one, moved.
@@ -535,7 +535,7 @@ void KtManipulatorLink::copyLinkProperties(KtManipulatorLink& target) const {
 bool KtManipulatorLink::replaceLinkProperties(const std::string& label,
                                               const KtManipulatorLink& source, bool withShape) {
   if (label != this->label()) {
-    for (KtManipulatorLink& child : childLinks_.vectorContainer()) {
+    for (KtManipulatorLink& child : childLinks_.elements()) {
       if (child.replaceLinkProperties(label, source, withShape)) return true;
     }
     return false;

@@ -80,7 +80,7 @@ KtU32 KtManipulatorSystem::numberOfManipulators() const {
 
 const KtIndividualManipulator* KtManipulatorSystem::manipulatorByIdentifier(
     const std::string& label) const {
-  for (const KtIndividualManipulator& manipulator : manipulators_.vectorContainer()) {
+  for (const KtIndividualManipulator& manipulator : manipulators_.elements()) {
     if (manipulator.label() == label) return &manipulator;
   }
   return nullptr;
@@ -260,7 +260,7 @@ bool KtManipulatorSystem::replaceLinkProperties(KtU32 index, const std::string& 
 }
 
 void KtManipulatorSystem::truncateValues(const double& precision) {
-  for (KtIndividualManipulator& manipulator : manipulators_.vectorContainer()) {
+  for (KtIndividualManipulator& manipulator : manipulators_.elements()) {
     manipulator.truncateValues(precision);
   }
 }
@@ -269,7 +269,7 @@ void KtManipulatorSystem::truncateValues(const double& precision) {
 
 KtU32 KtManipulatorSystem::jointDof() const {
   KtU32 sum = 0;
-  for (const auto& manipulator : manipulators_.vectorContainer()) sum += manipulator.jointDof();
+  for (const auto& manipulator : manipulators_.elements()) sum += manipulator.jointDof();
   return sum;
 }
 
@@ -284,7 +284,7 @@ KtU32 KtManipulatorSystem::jointDof(const KtU32& index) const {
 
 KtU32 KtManipulatorSystem::jointAndBaseDof() const {
   KtU32 sum = 0;
-  for (const auto& manipulator : manipulators_.vectorContainer()) {
+  for (const auto& manipulator : manipulators_.elements()) {
     sum += manipulator.jointAndBaseDof();
   }
   return sum;
@@ -306,7 +306,7 @@ void KtManipulatorSystem::getNumberOfShapes(
 
 bool KtManipulatorSystem::getCraigDhParameters(std::vector<std::vector<double>>& parameters) const {
   parameters.clear();
-  for (const KtIndividualManipulator& original : manipulators_.vectorContainer()) {
+  for (const KtIndividualManipulator& original : manipulators_.elements()) {
     // A copy has links of its own alone, and numbers them anew.
     const KtIndividualManipulator manipulator(original);
     for (KtU32 i = 0; i < manipulator.jointDof(); ++i) {

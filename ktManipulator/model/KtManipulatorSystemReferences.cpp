@@ -78,7 +78,7 @@ void KtManipulatorSystem::resolveReference(KtU32 index) {
       manipulators_[index].manipulatorReferenceDescription().referencedManipulatorLabel();
   // A chain of references visits no manipulator twice, unless it is a cycle.
   for (KtU32 step = 0; step < manipulators_.size(); ++step) {
-    const auto& all = manipulators_.vectorContainer();
+    const auto& all = manipulators_.elements();
     const auto found =
         std::ranges::find_if(all, [&](const auto& m) { return m.label() == target; });
     if (found == all.end()) break;
@@ -113,7 +113,7 @@ bool KtManipulatorSystem::findAndConvertToReferences() {
       manipulator.setManipulatorReferenceDescription(referenceTo(earlier.label()));
     }
   }
-  for (KtIndividualManipulator& manipulator : manipulators_.vectorContainer()) {
+  for (KtIndividualManipulator& manipulator : manipulators_.elements()) {
     if (!isReference(manipulator)) manipulator.findAndConvertToReferences();
   }
   setManipulators(manipulators_);

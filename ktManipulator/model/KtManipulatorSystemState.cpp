@@ -19,9 +19,9 @@ void report(const char* text) {
 template <class State>
 bool approxEqual(const KtXmlVectorType<State>& a, const KtXmlVectorType<State>& b,
                  double tolerance) {
-  return std::ranges::equal(
-      a.vectorContainer(), b.vectorContainer(),
-      [=](const State& x, const State& y) { return x.approxEq(y, tolerance); });
+  return std::ranges::equal(a.elements(), b.elements(), [=](const State& x, const State& y) {
+    return x.approxEq(y, tolerance);
+  });
 }
 
 // Reads states into the present ones, to use their memory, and cuts the list behind the last one
@@ -60,9 +60,9 @@ bool KtManipulatorSystemState::mergeWith(const KtManipulatorSystemState& other) 
 }
 
 void KtManipulatorSystemState::zeroVelocityStates() {
-  for (KtVelocityState& state : velocityStates_.vectorContainer()) {
+  for (KtVelocityState& state : velocityStates_.elements()) {
     state.setGeneralVelocity(KtGeneralMotion::nullObject());
-    std::ranges::fill(state.jointVelocities().vectorContainer(), 0.0);
+    std::ranges::fill(state.jointVelocities().elements(), 0.0);
   }
 }
 
@@ -85,10 +85,10 @@ bool KtManipulatorSystemState::readBin(std::istream& stream) {
     return false;
   }
   time_ = time;
-  if (!readStates(stream, count, positionStates_.vectorContainer())) return false;
+  if (!readStates(stream, count, positionStates_.elements())) return false;
   count = 0;
   Kt::detail::readBinaryCount(stream, count);
-  readStates(stream, count, velocityStates_.vectorContainer());
+  readStates(stream, count, velocityStates_.elements());
   return true;
 }
 
@@ -96,11 +96,11 @@ bool KtManipulatorSystemState::writeBin(std::ostream& stream) const {
   const double time = time_;
   Kt::detail::writeBinary(stream, std::span(&time, 1));
   Kt::detail::writeBinaryCount(stream, positionStates_.size());
-  for (const KtPositionState& state : positionStates_.vectorContainer()) {
+  for (const KtPositionState& state : positionStates_.elements()) {
     if (!state.writeBin(stream)) return false;
   }
   Kt::detail::writeBinaryCount(stream, velocityStates_.size());
-  for (const KtVelocityState& state : velocityStates_.vectorContainer()) state.writeBin(stream);
+  for (const KtVelocityState& state : velocityStates_.elements()) state.writeBin(stream);
   return true;
 }
 
@@ -172,8 +172,8 @@ bool KtManipulatorSystemState::validateTopLevelDimensions() {
 }
 
 bool KtManipulatorSystemState::validateLowLevelDimensions() {
-  const auto& positions = positionStates_.vectorContainer();
-  auto& velocities = velocityStates_.vectorContainer();
+  const auto& positions = positionStates_.elements();
+  auto& velocities = velocityStates_.elements();
   const auto velocityJoints = [&](std::size_t i) {
     return i < velocities.size() ? velocities[i].jointVelocities().size() : 0;
   };

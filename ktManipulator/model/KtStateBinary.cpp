@@ -38,7 +38,7 @@ bool readBinaryList(std::istream& stream, KtXmlVectorType<KtXmlBasicType<double>
   if (count <= kBlock) {
     if (!readBytes(stream, block.data(), count * sizeof(double))) return false;
     list.resize(count);
-    std::copy_n(block.begin(), count, list.vectorContainer().begin());
+    std::copy_n(block.begin(), count, list.elements().begin());
     return true;
   }
   std::vector<KtXmlBasicType<double>> arrived;
@@ -47,14 +47,14 @@ bool readBinaryList(std::istream& stream, KtXmlVectorType<KtXmlBasicType<double>
     if (!readBytes(stream, block.data(), size * sizeof(double))) return false;
     arrived.insert(arrived.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(size));
   }
-  list.vectorContainer().swap(arrived);
+  list.elements().swap(arrived);
   return true;
 }
 
 void writeBinaryList(std::ostream& stream, const KtXmlVectorType<KtXmlBasicType<double>>& list) {
   writeBinaryCount(stream, list.size());
   Block block;
-  std::span<const KtXmlBasicType<double>> rest = list.vectorContainer();
+  std::span<const KtXmlBasicType<double>> rest = list.elements();
   while (!rest.empty()) {
     const std::size_t size = std::min(kBlock, rest.size());
     std::copy_n(rest.begin(), size, block.begin());

@@ -71,7 +71,7 @@ bool KtStatedSystem::setSelfCollisionMap(const KtManipulatorSelfCollisionLinkMap
 // Lookups
 
 bool KtStatedSystem::lookupManipulatorIndexFromLabel(const std::string& label, KtU32& index) const {
-  const auto& all = system().manipulators().vectorContainer();
+  const auto& all = system().manipulators().elements();
   const auto found = std::ranges::find_if(all, [&](const auto& m) { return m.label() == label; });
   if (found == all.end()) return false;
   index = static_cast<KtU32>(found - all.begin());

@@ -67,7 +67,7 @@ void KtStatedSystem::rotateIndividualBaseVelocity(KtU32 index, const KtOrientati
 void KtStatedSystem::zeroIndividualVelocityState(KtU32 index) {
   if (!checkIndex("setIndividualState", "velocity", index, state_.velocityStates())) return;
   KtVelocityState& velocity = state_.velocityStates()[index];
-  std::ranges::fill(velocity.jointVelocities().vectorContainer(), 0.0);
+  std::ranges::fill(velocity.jointVelocities().elements(), 0.0);
   velocity.setGeneralVelocity(KtGeneralMotion::nullObject());
 }
 
@@ -130,8 +130,8 @@ bool KtStatedSystem::validateLowLevelDimensions() {
   velocities.resizeToAtLeast(count);
   for (KtU32 i = 0; i < count; ++i) {
     const KtU32 joints = manipulators[i].jointDof();
-    positions[i].jointPositions().vectorContainer().resize(joints, 1e-9);
-    velocities[i].jointVelocities().vectorContainer().resize(joints, 0.0);
+    positions[i].jointPositions().elements().resize(joints, 1e-9);
+    velocities[i].jointVelocities().elements().resize(joints, 0.0);
   }
   return false;
 }

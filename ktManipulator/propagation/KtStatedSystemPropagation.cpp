@@ -13,7 +13,7 @@ bool takeToTime(double time, KtManipulatorSystemState& state,
 }
 
 bool clearCollisions(KtStatedSystem::ResultVector& results) {
-  for (KtPropagationResultData& result : results.vectorContainer()) {
+  for (KtPropagationResultData& result : results.elements()) {
     result.setCollisionOccurred(false);
   }
   return false;

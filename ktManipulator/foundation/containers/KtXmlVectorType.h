@@ -102,6 +102,11 @@ class KT_EXPORT KtXmlVectorType : public KtXmlPersistent<KtXmlVectorType<E>> {
   /// Adds copies of all elements of the other list, which may be this one.
   virtual void append(const KtXmlVectorType& other);
 
+  /// The same as `vectorContainer`, which is a virtual call where the list's exact type is not
+  /// known.
+  const std::vector<E>& elements() const noexcept { return elements_; }
+  /// The same, to be changed.
+  std::vector<E>& elements() noexcept { return elements_; }
   /// Element i; unguarded.
   const E& operator[](KtU32 index) const { return elements_[index]; }
   /// The same, to be changed.
