@@ -2,6 +2,7 @@
 /// The whole public interface of the library.
 #pragma once
 
+#include "ktManipulator/activestate/KtJacobianState.h"
 #include "ktManipulator/activestate/KtLinkAccelerationState.h"
 #include "ktManipulator/activestate/KtLinkArticulationState.h"
 #include "ktManipulator/activestate/KtLinkForceState.h"
