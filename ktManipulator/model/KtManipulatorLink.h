@@ -40,6 +40,12 @@ class KtManipulatorActiveState;
 class KtManipulatorExternalForce;
 class KtManipulatorTorque;
 
+// Ahead of every use: one that doesn't see these would make its own instances, which are hidden,
+// and with them those that the library is to export.
+extern template class KtXmlVectorType<KtCoordinateSystemTransformation>;
+extern template class KtXmlMapType<KtXmlBasicType<std::string>, KtXmlVector>;
+extern template class KtXmlMapType<KtXmlBasicType<std::string>, KtCoordinateSystemTransformation>;
+
 /// One rigid body of a mechanism together with the joint that joins it to its parent.
 ///
 /// Links form a tree by value: a link holds its children inside itself, so that a copy of a link is
