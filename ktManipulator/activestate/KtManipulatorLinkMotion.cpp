@@ -92,6 +92,8 @@ const KtCoordinateSystemTransformation& KtManipulatorLink::primaryFrameInSystem(
 
 const KtLinkPositionState& KtManipulatorLink::placedJoint(
     KtManipulatorActivePositionState& positionState) const {
+  // States of unequal lengths: with a message and the shared dummy.
+  if (linkIndex_ >= positionState.linkCount()) return dhFrameInSystem(positionState);
   KtLinkPositionState& entry = positionState.entry(linkIndex_);
   if (!entry.dhTransformValid()) {
     const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
