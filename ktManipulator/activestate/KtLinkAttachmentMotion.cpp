@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "ktManipulator/activestate/KtAttachedFrame.h"
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
@@ -25,7 +24,7 @@ void KtLinkAttachment::calculatePlacement(const KtIndividualManipulator& manipul
         linkIdentifier().c_str());
     return;
   }
-  placement = Kt::detail::attachedPlacement(*link, activeState, frame_);
+  placement = link->primaryFrameInSystem(activeState.activePositionState()) * frame_;
 }
 
 void KtLinkAttachment::calculateVelocity(const KtIndividualManipulator& manipulator,
@@ -33,7 +32,13 @@ void KtLinkAttachment::calculateVelocity(const KtIndividualManipulator& manipula
                                          std::vector<double>& velocity, KtU32 startIndex) const {
   KtGeneralMotion motion;
   const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
-  if (link != nullptr) motion = Kt::detail::attachedVelocity(*link, activeState, frame_);
+  if (link != nullptr) {
+    const KtVector arm =
+        link->primaryFrameInSystem(activeState.activePositionState()).orientation() *
+        frame_.translation();
+    motion = link->primaryFrameVelocityInSystem(activeState);
+    motion.setLinear(motion.linear() + motion.angular().cross(arm));
+  }
   const std::size_t start = startIndex;
   velocity.resize(start + 6);
   store(motion, velocity, start);
@@ -45,7 +50,16 @@ void KtLinkAttachment::calculateAcceleration(const KtIndividualManipulator& mani
                                              KtU32 startIndex) const {
   KtGeneralMotion motion;
   const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier());
-  if (link != nullptr) motion = Kt::detail::attachedAcceleration(*link, activeState, frame_);
+  if (link != nullptr) {
+    const KtCoordinateSystemTransformation inDh = link->primaryFrame() * frame_;
+    const KtCoordinateSystemTransformation inSystem =
+        link->dhFrameInSystem(activeState.activePositionState()) * inDh;
+    const KtVector w = link->dhFrameVelocityInLocal(activeState).angular();
+    const KtVector centripetal = w.cross(w.cross(inDh.translation()));
+    motion = inDh.inverse() * link->dhFrameAccelerationInLocal(activeState);
+    motion.setLinear(motion.linear() + inDh.orientation().inverse() * centripetal);
+    motion.transformBy(inSystem.orientation());
+  }
   const std::size_t start = startIndex;
   acceleration.resize(std::max(acceleration.size(), start + 6));
   store(motion, acceleration, start);

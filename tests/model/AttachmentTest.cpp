@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
-#include "ktManipulator/activestate/KtAttachedFrame.h"
 #include "ktManipulator/ktManipulator.h"
 #include "support/KtLogCapture.h"
 #include "support/Random.h"
@@ -74,84 +71,6 @@ TEST_F(Attachment, AMissingLinkGivesZeroMotionAndNoPlace) {
   attachment.calculateAcceleration(manipulator, active, reals, 1);
   EXPECT_EQ(reals, std::vector<double>(7, 0.0));
   EXPECT_EQ(log.messages().size(), 1U);
-}
-
-// A link whose DH frame moves by closed forms: p = (sin t, cos 2t, t^2), R = Rz(a) Rx(b) with
-// a = 0.7 t + 0.3 t^2 and b = 0.4 sin t.
-struct MovingLink {
-  struct Clock {
-    double t = 0.0;
-    double& activePositionState() { return t; }
-  };
-
-  Transformation primary;
-
-  const Transformation& primaryFrame() const { return primary; }
-  Transformation dhFrameInSystem(double t) const {
-    KtOrientation z;
-    KtOrientation x;
-    z.setFromAngleAxis(0.7 * t + 0.3 * t * t, {0.0, 0.0, 1.0});
-    x.setFromAngleAxis(0.4 * std::sin(t), {1.0, 0.0, 0.0});
-    return {{std::sin(t), std::cos(2.0 * t), t * t}, z * x};
-  }
-  Transformation primaryFrameInSystem(double t) const { return dhFrameInSystem(t) * primary; }
-  KtGeneralMotion dhFrameVelocityInLocal(Clock& clock) const {
-    const double t = clock.t;
-    const double b = 0.4 * std::sin(t);
-    const double da = 0.7 + 0.6 * t;
-    return {toLocal(t, {std::cos(t), -2.0 * std::sin(2.0 * t), 2.0 * t}),
-            {0.4 * std::cos(t), da * std::sin(b), da * std::cos(b)}};
-  }
-  KtGeneralMotion dhFrameAccelerationInLocal(Clock& clock) const {
-    const double t = clock.t;
-    const double b = 0.4 * std::sin(t);
-    const double da = 0.7 + 0.6 * t;
-    const double db = 0.4 * std::cos(t);
-    return {toLocal(t, {-std::sin(t), -4.0 * std::cos(2.0 * t), 2.0}),
-            {-0.4 * std::sin(t), 0.6 * std::sin(b) + da * db * std::cos(b),
-             0.6 * std::cos(b) - da * db * std::sin(b)}};
-  }
-  KtGeneralMotion primaryFrameVelocityInSystem(Clock& clock) const {
-    KtGeneralMotion motion = dhFrameVelocityInLocal(clock);
-    motion.transformBy(primary.inverse());
-    motion.transformBy(primaryFrameInSystem(clock.t).orientation());
-    return motion;
-  }
-
- private:
-  KtVector toLocal(double t, const KtVector& v) const {
-    return dhFrameInSystem(t).orientation().inverse() * v;
-  }
-};
-static_assert(Kt::detail::AnswersFrames<MovingLink, MovingLink::Clock>);
-
-TEST_F(Attachment, MotionIsTheDerivativeOfThePlacement) {
-  const double h = 1e-4;
-  for (int trial = 0; trial < 20; ++trial) {
-    const MovingLink link{sampling::randomTransformation()};
-    const Transformation frame = sampling::randomTransformation();
-    const double t = sampling::uniform(-2.0, 2.0);
-    MovingLink::Clock clocks[3] = {{t - h}, {t}, {t + h}};
-    Transformation places[3];
-    KtGeneralMotion velocities[3];
-    for (int i = 0; i < 3; ++i) {
-      places[i] = Kt::detail::attachedPlacement(link, clocks[i], frame);
-      velocities[i] = Kt::detail::attachedVelocity(link, clocks[i], frame);
-    }
-    const KtVector linear = (places[2].translation() - places[0].translation()) * (0.5 / h);
-    double angle = 0.0;
-    KtVector axis;
-    (places[2].orientation() * places[0].orientation().inverse()).getAngleAxis(angle, axis);
-    EXPECT_TRUE(velocities[1].approxEq({linear, axis * (angle * 0.5 / h)}, 1e-6)) << t;
-
-    const KtVector second =
-        (places[2].translation() - places[1].translation() * 2.0 + places[0].translation()) *
-        (1.0 / (h * h));
-    const KtVector angular = (velocities[2].angular() - velocities[0].angular()) * (0.5 / h);
-    EXPECT_TRUE(
-        Kt::detail::attachedAcceleration(link, clocks[1], frame).approxEq({second, angular}, 1e-5))
-        << t;
-  }
 }
 
 }  // namespace

@@ -24,7 +24,10 @@ struct Scene {
   KtManipulatorActiveState activeState;
 };
 
-// A boom at the root, and a link of another kind below it.
+const T kBase(KtVector(-0.5, 0.3, 0.7), KtOrientation::xRotation(0.6));
+constexpr double kPosition = 0.05;
+
+// A boom at the root, which stands somewhere, and a link of another kind below it.
 Scene sceneOf(unsigned type) {
   KtManipulatorLink other;
   other.setLabel("other");
@@ -36,13 +39,12 @@ Scene sceneOf(unsigned type) {
   Scene scene;
   scene.arm.addChild(boom);
   KtPositionState positions;
-  positions.setJointPositions({2, 0.0});
+  positions.setJointPositions({2, kPosition});
+  positions.setCoordSysXForm(kBase);
   scene.activeState.setPositionState(positions);
   return scene;
 }
 
-// With all four sides equal the loop is a square: the side d2 leads up from the pivot at (1, 0),
-// or, as the solution of the larger cosine has it, along x to (2, 0).
 TEST(GeneralBoundObject, RidesOnItsFrameOfTheLinkage) {
   const T frame(KtVector(0.1, 0.2, 0.3), KtOrientation::zRotation(0.4));
   const auto check = [&](auto body, unsigned type, const T& seat) {
@@ -50,15 +52,15 @@ TEST(GeneralBoundObject, RidesOnItsFrameOfTheLinkage) {
     body.setlinkIdentifier("boom");
     Scene scene = sceneOf(type);
     const T& location = body.locationInSystem(scene.activeState, scene.arm);
-    EXPECT_TRUE(location.approxEq(seat * frame, 1e-12)) << body.token().text();
+    EXPECT_TRUE(location.approxEq(kBase * seat * frame, 1e-12)) << body.token().text();
   };
   const KtQuadrilateralTypeLink fixed = linkageOf(0);
   const KtQuadrilateralTypeLink pivoted = linkageOf(1);
-  const T pivot(KtVector(1.0, 0.0, 0.25), KtOrientation());
+  const T pivot(KtVector(1.0 + kPosition, 0.0, 0.25), KtOrientation());
   check(KtQuadrilateralFixedSliderJointOAObject(), 0, pivot);
-  check(KtQuadrilateralFixedSliderJointCBObject(), 0, fixed.frameBTransform(0.0));
-  check(KtQuadrilateralPivotedSliderJointBObject(), 1, pivoted.frameBTransform(0.0));
-  check(KtQuadrilateralPivotedSliderJointCObject(), 1, pivoted.frameCTransform(0.0));
+  check(KtQuadrilateralFixedSliderJointCBObject(), 0, fixed.frameBTransform(kPosition));
+  check(KtQuadrilateralPivotedSliderJointBObject(), 1, pivoted.frameBTransform(kPosition));
+  check(KtQuadrilateralPivotedSliderJointCObject(), 1, pivoted.frameCTransform(kPosition));
 }
 
 TEST(GeneralBoundObject, RepeatsItsLastPlaceWhereNothingFits) {

@@ -1,0 +1,476 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "ktManipulator/ktManipulator.h"
+#include "support/Differences.h"
+#include "support/KtLogCapture.h"
+#include "support/Trees.h"
+
+namespace {
+
+using sampling::randomMotion;
+using sampling::randomTransformation;
+using sampling::randomVector;
+using sampling::uniform;
+using Reals = KtPositionState::JointVector;
+using Transformation = KtCoordinateSystemTransformation;
+using Active = KtManipulatorActiveState;
+using Link = KtManipulatorLink;
+
+Reals randomReals(KtU32 count, double most) {
+  Reals reals(count, 0.0);
+  for (KtU32 i = 0; i < count; ++i) reals[i] = uniform(-most, most);
+  return reals;
+}
+
+// A tree on a smooth course through time 0, at which its rates and accelerations are known. The
+// base's frame in the system takes a random course too, if it is to move.
+struct Course {
+  KtIndividualManipulator arm;
+  KtU32 count;
+  Reals q, rates, accelerations;
+  Transformation base = randomTransformation();
+  KtGeneralMotion baseVelocity, baseAcceleration;
+
+  // With joints of one kind, or of all. Screws have no rate: their acceleration comes from second
+  // differences, which have noise where a joint moves.
+  explicit Course(KtU32 links, bool moves = true, bool allKinds = false)
+      : arm(trees::randomManipulator(static_cast<int>(links))),
+        count(links),
+        q(randomReals(links, 0.2)),
+        rates(randomReals(links, 0.5)),
+        accelerations(randomReals(links, 0.5)) {
+    arm.setCoordSysXForm(randomTransformation());
+    KtDenavitHartenberg fixed;
+    fixed.setPrimaryFrame(randomTransformation());
+    arm.setLinkKinematics(fixed);
+    arm.setMassProperties(arm.massProperties(nullptr));
+    for (KtU32 i = 0; allKinds && i < count; i += 2) {
+      KtScrewTypeLink screw;
+      screw.setPrecursor(randomTransformation());
+      screw.setPitch(0.2);
+      screw.setPrimaryFrame(randomTransformation());
+      KtQuadrilateralTypeLink boom;
+      boom.setJointType(KtQuadrilateralTypeLink::kPivotedSlider);
+      boom.setPrecursor(randomTransformation());
+      boom.setNominalLength(1.4), boom.setOppositeLength(1.3);
+      boom.setD1Length(0.6), boom.setD2Length(0.5);
+      boom.setPrimaryFrame(randomTransformation());
+      Link& link = *arm.linkByIdentifier(arm.linkByIndex(i)->label());
+      if (i % 4 == 0) {
+        link.setLinkKinematics(screw);
+        rates[i] = 0.0;
+      } else {
+        link.setLinkKinematics(boom);
+      }
+      link.setMassProperties(link.massProperties(nullptr));  // follows the primary frame by that
+    }
+    if (!moves) return;
+    baseVelocity = randomMotion();
+    baseAcceleration = randomMotion();
+  }
+
+  KtPositionState positions(double t) const {
+    KtPositionState state;
+    Reals joints = q;
+    for (KtU32 i = 0; i < count; ++i) {
+      const double rise = i < accelerations.size() ? accelerations[i].value() : 0.0;
+      joints[i] = q[i] + rates[i] * t + rise * t * t / 2;
+    }
+    state.setJointPositions(joints);
+    const KtGeneralMotion path = baseVelocity * t + baseAcceleration * (t * t / 2);
+    KtOrientation turn;
+    const double angle = path.angular().mag();
+    if (angle > 0.0) turn.setFromAngleAxis(angle, path.angular() / angle);
+    state.setCoordSysXForm(
+        arm.coordSysXForm().inverse() *
+        Transformation(base.translation() + path.linear(), turn * base.orientation()));
+    return state;
+  }
+  Active present() const {
+    Active active;
+    active.setPositionState(positions(0.0));
+    KtVelocityState velocity;
+    velocity.setJointVelocities(rates);
+    velocity.setGeneralVelocity(baseVelocity);
+    active.setVelocityState(velocity);
+    KtAccelerationState acceleration;
+    acceleration.setJointAccelerations(accelerations);
+    acceleration.setGeneralAcceleration(baseAcceleration);
+    active.setAccelerationState(acceleration);
+    return active;
+  }
+  // The course of a frame that is fixed to a link's DH frame.
+  differences::Path path(const Link& link, const Transformation& frame = {}) const {
+    return [this, &link, frame](double t) {
+      Active then;
+      then.setPositionState(positions(t));
+      return link.dhFrameInSystem(then.activePositionState()) * frame;
+    };
+  }
+  // All links, the base last.
+  std::vector<const Link*> links() const {
+    std::vector<const Link*> all;
+    for (KtU32 i = 0; i < count; ++i) all.push_back(arm.linkByIndex(i));
+    all.push_back(&arm);
+    return all;
+  }
+};
+
+// How far first and second differences may be off, against 1 and what they differ from.
+constexpr double kFirst = 1e-6;
+constexpr double kSecond = 1e-5;
+
+bool near(const KtVector& actual, const KtVector& expected, double tolerance) {
+  return (actual - expected).mag() <= tolerance * (1.0 + expected.mag());
+}
+bool near(const KtGeneralMotion& actual, const KtGeneralMotion& expected, double tolerance) {
+  return near(actual.linear(), expected.linear(), tolerance) &&
+         near(actual.angular(), expected.angular(), tolerance);
+}
+
+class LinkQueries : public sampling::Seeded {
+ protected:
+  // Still and moving bases, one kind of joints and all.
+  static void forCourses(const std::function<void(const Course&)>& check) {
+    for (int trial = 0; trial < 8; ++trial) {
+      SCOPED_TRACE(trial);
+      check(Course(1 + static_cast<KtU32>(3 * trial), trial % 2 != 0, trial > 3));
+    }
+  }
+};
+
+TEST_F(LinkQueries, VelocitiesAndAccelerationsAreDifferencesOfFrames) {
+  forCourses([](const Course& course) {
+    Active active = course.present();
+    auto& positions = active.activePositionState();
+    std::vector<const Link*> links = course.links();
+    // From the leaves, so that the first query fills its chain; the second reads it.
+    for (int pass = 0; pass < 2; ++pass, std::ranges::reverse(links)) {
+      for (const Link* link : links) {
+        SCOPED_TRACE(link->label());
+        Transformation frame;
+        for (const Link* at = link; at->parentLink() != nullptr; at = at->parentLink()) {
+          frame =
+              at->linkKinematicsContainer().calculateTransform(course.q[at->linkIndex()]) * frame;
+        }
+        frame = course.base * frame;
+        EXPECT_TRUE(link->dhFrameInSystem(positions).approxEq(frame, 1e-12));
+        EXPECT_TRUE(
+            link->primaryFrameInSystem(positions).approxEq(frame * link->primaryFrame(), 1e-12));
+        if (pass > 0) continue;
+        const auto path = course.path(*link);
+        EXPECT_TRUE(
+            near(link->dhFrameVelocityInLocal(active), differences::velocity(path), kFirst));
+        EXPECT_TRUE(near(link->dhFrameVelocityInSystem(active),
+                         differences::outerVelocity(path, 1e-4), kFirst));
+        EXPECT_TRUE(near(link->dhFrameAccelerationInLocal(active), differences::acceleration(path),
+                         kSecond));
+        EXPECT_TRUE(near(link->primaryFrameVelocityInSystem(active),
+                         differences::outerVelocity(course.path(*link, link->primaryFrame()), 1e-4),
+                         kFirst));
+      }
+    }
+  });
+}
+
+// One body in system axes, from the motion of its centre of mass by differences.
+struct Body {
+  const Link* link;
+  Transformation frame;
+  double mass;
+  KtVector centre, velocity, acceleration, spin, spinRate;
+
+  Body(const Course& course, const Link& body) : link(&body) {
+    const KtRigidBodyMassProperties& properties = body.massProperties(nullptr);
+    mass = properties.mass();
+    KtVector c;
+    properties.getCenterOfMass(c);
+    const auto path = course.path(body, body.primaryFrame() * Transformation(c, KtOrientation()));
+    const Transformation place = path(0.0);
+    centre = place.translation();
+    frame = course.path(body)(0.0);
+    const KtGeneralMotion v = differences::velocity(path);
+    const KtGeneralMotion a = differences::acceleration(path);
+    // The tensor about the centre of mass, from that about the primary frame's origin.
+    const auto about = [&](const KtVector& w) {
+      return properties.secondMoment() * w - c.cross(w.cross(c)) * mass;
+    };
+    const KtOrientation& r = place.orientation();
+    velocity = r * v.linear();
+    acceleration = r * a.linear();
+    spin = r * about(v.angular());
+    spinRate = r * (about(a.angular()) + v.angular().cross(about(v.angular())));
+  }
+};
+
+// The bodies of a link and all outboard of it.
+void collect(const Course& course, const Link& link, std::vector<Body>& bodies) {
+  bodies.emplace_back(course, link);
+  for (const Link& child : link.childLinks().vectorContainer()) collect(course, child, bodies);
+}
+
+TEST_F(LinkQueries, MomentaAndForcesAreSumsOverTheBodies) {
+  forCourses([](const Course& course) {
+    Active active = course.present();
+    KtManipulatorExternalForce external;
+    external.resize(course.count);
+    for (const Link* link : course.links()) {
+      external[link->linkIndex()] = {randomVector(), randomVector()};
+    }
+    const KtVector point = randomVector();
+    for (const Link* link : course.links()) {
+      SCOPED_TRACE(link->label());
+      std::vector<Body> bodies;
+      collect(course, *link, bodies);
+      const KtOrientation toLocal = bodies[0].frame.orientation().inverse();
+      KtGeneralMotion momentum, rate;
+      KtGeneralForce force;
+      KtVector moment;
+      for (const Body& body : bodies) {
+        const KtVector inertial = body.acceleration * body.mass;
+        momentum += {body.velocity * body.mass, body.spin};
+        rate += {inertial, body.spinRate};
+        moment += (body.centre - point).cross(inertial);
+        const KtVector origin = bodies[0].frame.translation();
+        const KtGeneralForce& load = external[body.link->linkIndex()];
+        const KtVector push = body.frame.orientation() * load.force();
+        force += {inertial - push, body.spinRate + (body.centre - origin).cross(inertial) -
+                                       body.frame.orientation() * load.moment() -
+                                       (body.frame.translation() - origin).cross(push)};
+      }
+      const Body& own = bodies[0];
+      const auto comVelocity = link->comVelocityInLocal(active, nullptr);
+      EXPECT_TRUE(near(comVelocity.linear(), toLocal * own.velocity, kSecond));
+      EXPECT_EQ(comVelocity.angular(), link->dhFrameVelocityInLocal(active).angular());
+      const auto comAcceleration = link->comAccelerationInLocal(active, nullptr);
+      EXPECT_TRUE(near(comAcceleration.linear(), toLocal * own.acceleration, kSecond));
+      EXPECT_EQ(comAcceleration.angular(), link->dhFrameAccelerationInLocal(active).angular());
+      EXPECT_TRUE(near(link->spatialMomentumInLocal(active, nullptr),
+                       toLocal * KtGeneralMotion(own.velocity * own.mass, own.spin), kSecond));
+      EXPECT_TRUE(near(link->spatialMomentumRateInLocal(active, nullptr),
+                       toLocal * KtGeneralMotion(own.acceleration * own.mass, own.spinRate),
+                       kSecond));
+      // Angular parts are added as they stand, each about its own body's centre.
+      EXPECT_TRUE(near(link->compositeSpatialMomentumInLocal(active, nullptr), toLocal * momentum,
+                       kSecond));
+      EXPECT_TRUE(near(link->compositeSpatialMomentumRateInLocal(active, nullptr), toLocal * rate,
+                       kSecond));
+      KtVector actualMoment(7.0, 7.0, 7.0);
+      link->computeMomentFromLinearAcceleration(point, active, actualMoment, nullptr);
+      EXPECT_TRUE(near(actualMoment, moment, kSecond));
+      const KtGeneralForce& actual = link->dhFrameForceInLocal(external, active, nullptr);
+      EXPECT_TRUE(near(actual.force(), toLocal * force.force(), kSecond));
+      EXPECT_TRUE(near(actual.moment(), toLocal * force.moment(), kSecond));
+    }
+  });
+}
+
+// About the point, the bodies' weight less what accelerates them has no moment along the plane.
+TEST_F(LinkQueries, ZeroMomentPointCarriesTheWholeTree) {
+  for (const bool weighs : {false, true}) {
+    Course course(7);
+    course.base.setTranslation(KtVector());
+    Active active = course.present();
+    const KtVector gravity = weighs ? KtVector(0.3, -0.4, -9.0) : KtVector();
+    const KtPlane plane(randomVector(), KtVector(0.1, 0.2, 2.0));
+    std::vector<Body> bodies;
+    collect(course, course.arm, bodies);
+    KtVector point;
+    if (weighs) {
+      course.arm.computeZeroMomentPoint(gravity, plane, active, point, nullptr);
+    } else {
+      course.arm.computeZeroMomentPoint(plane, active, point, nullptr);
+    }
+    KtVector moment, weighted;
+    double mass = 0.0;
+    for (const Body& body : bodies) {
+      moment +=
+          (body.centre - point).cross((gravity - body.acceleration) * body.mass) - body.spinRate;
+      weighted += body.centre * body.mass;
+      mass += body.mass;
+    }
+    EXPECT_NEAR(plane.normalVector().dot(point - plane.basePoint()), 0.0, 1e-12);
+    EXPECT_TRUE(
+        near(plane.normalVector().cross(moment), KtVector(), kSecond * (1.0 + moment.mag())));
+    EXPECT_TRUE(near(course.arm.getCenterOfMassInSystem(active), weighted / mass, 1e-12));
+  }
+  // Nothing accelerates and nothing weighs: no point is singled out.
+  Course still(3, false);
+  still.rates = still.accelerations = Reals(3, 0.0);
+  Active active = still.present();
+  const KtVector before = randomVector();
+  KtVector point = before;
+  still.arm.computeZeroMomentPoint(KtPlane(), active, point, nullptr);
+  EXPECT_EQ(point, before);
+}
+
+// The usual way in which gravity enters.
+TEST_F(LinkQueries, MissingAccelerationsAreZeroAndALiftedTreeWeighs) {
+  Course course(6);
+  course.baseVelocity = KtGeneralMotion();
+  course.baseAcceleration = {KtVector(0.0, 0.0, 9.81), KtVector()};
+  course.rates = Reals(6, 0.0);
+  course.accelerations = Reals(2, 0.0);
+  KtManipulatorExternalForce none;
+  none.resize(6);
+  double mass = 0.0;
+  for (const Link* each : course.links()) mass += each->massProperties(nullptr).mass();
+  const KtLogCapture log;
+  Active active = course.present();
+  const KtVector force = course.arm.dhFrameForceInLocal(none, active, nullptr).force();
+  EXPECT_TRUE(near(course.base.orientation() * force, KtVector(0.0, 0.0, 9.81 * mass), 1e-12));
+  EXPECT_TRUE(log.messages().empty()) << log.text();
+}
+
+TEST_F(LinkQueries, AnswersFromTheStateUntilItChanges) {
+  const Course course(4);
+  Active active = course.present();
+  const Link& tip = *course.arm.linkByIndex(3);
+  const KtGeneralMotion known = randomMotion();
+  tip.dhFrameVelocityInSystem(active);
+  active.activeVelocityState().setLinkDhVelocityInSystem(3, known);
+  EXPECT_EQ(tip.dhFrameVelocityInSystem(active), known);
+  active.activeVelocityState().setLinkDhVelocityInLocal(3, known);
+  EXPECT_EQ(tip.dhFrameVelocityInLocal(active), known);
+  // The base's velocity in the system is the state's, whatever its entry says.
+  active.activeVelocityState().setLinkDhVelocityInSystem(ktBaseIndex, known);
+  EXPECT_EQ(course.arm.dhFrameVelocityInSystem(active), course.baseVelocity);
+}
+
+// A state that is one link short, and the link that it lacks.
+TEST_F(LinkQueries, ALinkOutsideTheStateGetsAMessageAndTheSharedDummy) {
+  const Course course(5);
+  const Course shorter(4);
+  const Link& link = *course.arm.linkByIndex(4);
+  const KtManipulatorExternalForce none;
+  Active active = shorter.present();
+  const Active before = active;
+  const std::string at = "KtManipulatorLink::";
+  const std::string size = "This can be caused by the system and state not having the same size.\n";
+  const std::string state = "(): link index 4 not in the range of the active state.\n";
+  KtLogCapture log;
+  const auto expect = [&](const void* answer, const void* dummy, const std::string& text) {
+    EXPECT_EQ(answer, dummy) << text;
+    EXPECT_EQ(log.text(), text);
+    for (const auto& message : log.messages()) EXPECT_EQ(message.type, Kt::Print::kError);
+    log.clear();
+  };
+  auto& positions = active.activePositionState();
+  expect(&link.dhFrameInSystem(positions), &Link::m_theDummyTransformation,
+         at + "dhFrameInSystem(): index out of range.\n");
+  expect(&link.primaryFrameInSystem(positions), &Link::m_theDummyTransformation,
+         at + "primaryFrameInSystem(): index 4 out of range 4.\n");
+  expect(&link.dhFrameVelocityInLocal(active), &Link::m_theDummyGeneralVelocity,
+         at + "dhFrameVelocityInLocal" + state + size);
+  expect(&link.dhFrameVelocityInSystem(active), &Link::m_theDummyGeneralVelocity,
+         at + "dhFrameVelocityInSystem(): index out of range.\n");
+  expect(&link.primaryFrameVelocityInSystem(active), &Link::m_theDummyGeneralVelocity,
+         at + "primaryFrameVelocityInSystem(): index 4  out of range 4.\n");
+  expect(&link.dhFrameAccelerationInLocal(active), &Link::m_theDummyGeneralAcceleration,
+         at + "dhFrameAccelerationInLocal(): index out of range.\n");
+  expect(&link.comVelocityInLocal(active, nullptr), &Link::m_theDummyGeneralVelocity,
+         at + "comVelocityInLocal" + state + size);
+  expect(&link.comAccelerationInLocal(active, nullptr), &Link::m_theDummyGeneralAcceleration,
+         at + "comAccelerationInLocal" + state + size);
+  expect(&link.spatialMomentumInLocal(active, nullptr), &Link::m_theDummySpatialMomentum,
+         at + "spatialMomentumInLocal(): index (4) out of range.\n");
+  expect(&link.spatialMomentumRateInLocal(active, nullptr), &Link::m_theDummySpatialMomentumRate,
+         at + "spatialMomentumRateInLocal(): index (4) out of range.\n");
+  expect(&link.compositeSpatialMomentumInLocal(active, nullptr), &Link::m_theDummySpatialMomentum,
+         at + "compositeSpatialMomentumInLocal(): index (4) out of range.\n");
+  expect(&link.compositeSpatialMomentumRateInLocal(active, nullptr),
+         &Link::m_theDummySpatialMomentumRate,
+         at + "compositeSpatialMomentumRateInLocal(): index (4) out of range.\n");
+  expect(&link.dhFrameForceInLocal(none, active, nullptr), &Link::m_theDummyGeneralForce,
+         at + "dhFrameForceInLocal(): force index out of range.\n");
+  EXPECT_EQ(active, before);
+  active.activeForceState().resize(5);
+  expect(&link.dhFrameForceInLocal(none, active, nullptr), &Link::m_theDummyGeneralForce,
+         at + "dhFrameForceInLocal(): acc. index out of range.\n");
+  EXPECT_FALSE(active.activeForceState().linkForceStates()[4].localDhValid());
+  // Velocities and accelerations are not enough where the positions miss.
+  active.activeVelocityState().resize(5);
+  expect(&link.dhFrameVelocityInLocal(active), &Link::m_theDummyGeneralVelocity,
+         at + "dhFrameVelocityInLocal" + state + size);
+  EXPECT_FALSE(active.activeVelocityState().linkVelocityStates()[4].localDhValid());
+  active.activeAccelerationState().resize(5);
+  link.dhFrameAccelerationInLocal(active);
+  EXPECT_TRUE(log.contains("dhFrameInSystem(): index out of range.\n"));
+}
+
+TEST_F(LinkQueries, PassiveTorqueAndForceOfALink) {
+  Course course(3);
+  Active active = course.present();
+  Link& link = *course.arm.linkByIdentifier(course.arm.linkByIndex(1)->label());
+  KtSpringProperties spring;
+  spring.setSpringConstant(3.0);
+  spring.setAssociatedJoints({1, link.label()});
+  spring.setWeightingFactors(Reals(1, 2.0));
+  spring.setSpringOffsets(Reals(1, 0.25));
+  link.setSpringProperties(spring);
+  KtDamperProperties damper;
+  damper.setDamperConstant(5.0);
+  damper.setAssociatedJoints({1, course.arm.linkByIndex(2)->label()});
+  damper.setWeightingFactors(Reals(1, -1.0));
+  link.setDamperProperties(damper);
+  EXPECT_NEAR(link.totalLocalTorque(active), 6.0 * (course.q[1] - 0.25) - 5.0 * course.rates[2],
+              1e-14);
+  const Link alone;
+  const KtLogCapture log;
+  EXPECT_EQ(alone.totalLocalTorque(active), 0.0);
+  ASSERT_EQ(log.messages().size(), 1U);
+  EXPECT_EQ(log.messages()[0].text,
+            "KtManipulatorLink::totalLocalTorque()->NULL manipulator pointer");
+
+  KtExternalForceDescription description;
+  description.setExternalLinkForce({KtVector(0.0, 0.0, 2.0), KtVector(4.0, 0.0, 0.0)});
+  description.setValid(true);
+  active.activeForceState().setExternalForceDescription(1, description);
+  const KtLineSegment& arrow = link.forceVectorInLocal(active);
+  EXPECT_EQ(arrow.endpoint0(), KtVector(0.0, 2.0, 0.0));
+  EXPECT_EQ(arrow.endpoint1(), KtVector(0.0, 2.0, 2.0));
+  EXPECT_EQ(&course.arm.forceVectorInLocal(active),
+            &KtExternalForceDescription::m_TheNullLineSegment);
+}
+
+TEST_F(LinkQueries, AttachmentsFollowTheirLink) {
+  forCourses([](const Course& course) {
+    Active active = course.present();
+    for (const Link* link :
+         {course.arm.linkByIndex(course.count / 2), static_cast<const Link*>(&course.arm)}) {
+      KtLinkAttachment attachment;
+      attachment.setLinkIdentifier(link->label());
+      attachment.setFrame(randomTransformation());
+      const auto path = course.path(*link, link->primaryFrame() * attachment.frame());
+      Transformation place;
+      attachment.calculatePlacement(course.arm, active, place);
+      EXPECT_TRUE(place.approxEq(path(0.0), 1e-12));
+      const auto motion = [](const std::vector<double>& reals) {
+        return KtGeneralMotion({reals[1], reals[2], reals[3]}, {reals[4], reals[5], reals[6]});
+      };
+      std::vector<double> reals;
+      attachment.calculateVelocity(course.arm, active, reals, 1);
+      EXPECT_TRUE(near(motion(reals), differences::outerVelocity(path, 1e-4), kFirst));
+      attachment.calculateAcceleration(course.arm, active, reals, 1);
+      EXPECT_TRUE(
+          near(motion(reals), place.orientation() * differences::acceleration(path), kSecond));
+
+      // A manipulator that is attached there, with a fixed frame of its own left out of the place.
+      KtXmlVectorType<KtIndividualManipulator> both(2, course.arm);
+      both[1].setCoordSysXForm(randomTransformation());
+      KtManipulatorAttachmentMap map;
+      map.attachManipulator(1, 0, link->label(), attachment.frame());
+      std::vector<KtU32> dependents;
+      KtXmlVectorType<Transformation> places;
+      EXPECT_TRUE(
+          map.calculateBaseLocations(0, both, active.activePositionState(), dependents, places));
+      EXPECT_EQ(dependents, std::vector<KtU32>{1});
+      ASSERT_EQ(places.size(), 1U);
+      EXPECT_TRUE((places[0] * both[1].coordSysXForm()).approxEq(place, 1e-12));
+    }
+  });
+}
+
+}  // namespace
