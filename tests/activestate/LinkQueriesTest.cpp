@@ -321,6 +321,29 @@ TEST_F(LinkQueries, MissingAccelerationsAreZeroAndALiftedTreeWeighs) {
   Active active = course.present();
   const KtVector force = course.arm.dhFrameForceInLocal(none, active, nullptr).force();
   EXPECT_TRUE(near(course.base.orientation() * force, KtVector(0.0, 0.0, 9.81 * mass), 1e-12));
+
+  // With another manipulator attached to a link, all that asks for the mass counts its base.
+  KtStatedSystem stated;
+  stated.setFromManipulator(course.arm);
+  stated.addManipulator(Course(2).arm);
+  KtManipulatorAttachmentMap map;
+  map.attachManipulator(1, 0, course.arm.linkByIndex(3)->label(), randomTransformation());
+  stated.setManipulatorAttachmentMap(map);
+  const KtStatedSystemStruct asker{&stated, 0};
+  const KtIndividualManipulator& arm = stated.system().manipulators()[0];
+  mass += stated.system().manipulators()[1].massProperties(nullptr).mass();
+  course.baseVelocity.setLinear({0.0, 0.0, 1.0});
+  active = course.present();
+  const KtOrientation& r = course.base.orientation();
+  const KtVector up(0.0, 0.0, mass);
+  EXPECT_TRUE(near(r * arm.dhFrameForceInLocal(none, active, &asker).force(), up * 9.81, 1e-12));
+  EXPECT_TRUE(near(r * arm.compositeSpatialMomentumInLocal(active, &asker).linear(), up, 1e-12));
+  EXPECT_TRUE(
+      near(r * arm.compositeSpatialMomentumRateInLocal(active, &asker).linear(), up * 9.81, 1e-12));
+  EXPECT_NEAR(arm.crbi(active, &asker).mass(), mass, 1e-12);
+  KtVector moment;
+  arm.computeMomentFromLinearAcceleration(KtVector(), active, moment, &asker);
+  EXPECT_TRUE(near(moment, arm.getCenterOfMassInSystem(active).cross(up * 9.81), 1e-12));
   EXPECT_TRUE(log.messages().empty()) << log.text();
 }
 
