@@ -92,8 +92,12 @@ const KtCoordinateSystemTransformation& KtManipulatorLink::primaryFrameInSystem(
 
 const KtLinkPositionState& KtManipulatorLink::placedJoint(
     KtManipulatorActivePositionState& positionState) const {
-  // States of unequal lengths: with a message and the shared dummy.
-  if (linkIndex_ >= positionState.linkCount()) return dhFrameInSystem(positionState);
+  if (linkIndex_ >= positionState.linkCount()) {
+    // States of unequal lengths: with that query's message.
+    static const KtLinkPositionState theDummyState;
+    dhFrameInSystem(positionState);
+    return theDummyState;
+  }
   KtLinkPositionState& entry = positionState.entry(linkIndex_);
   if (!entry.dhTransformValid()) {
     const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
@@ -205,7 +209,7 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameAccelerationInLocal(
   const KtU32 i = linkIndex_;
   auto& positions = activeState.positionCache();
   auto& accelerations = activeState.accelerationCache();
-  if (i >= accelerations.linkCount() || i >= positions.linkCount()) {
+  if (i >= accelerations.linkCount()) {
     report("KtManipulatorLink::dhFrameAccelerationInLocal(): index out of range.\n");
     return m_theDummyGeneralAcceleration;
   }
@@ -272,7 +276,6 @@ const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
   for (const KtManipulatorLink& child : childLinks().elements()) {
     const KtGeneralForce& outboard =
         child.KtManipulatorLink::dhFrameForceInLocal(external, activeState, asker);
-    if (child.linkIndex_ >= positions.linkCount()) continue;
     const KtLinkPositionState& joint = child.placedJoint(positions);
     const KtVector turned = joint.dhRotation() * outboard.force();
     force += turned;

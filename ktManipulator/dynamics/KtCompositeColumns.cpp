@@ -32,11 +32,9 @@ void CompositeColumns::compute(const KtIndividualManipulator& manipulator,
       if (parent < i) parents_[i] = parent;
       const Frame* inboard = parent < i ? &frames_[parent] : nullptr;
       Frame& frame = frames_[i];
-      if (i < positions.linkCount()) {
-        const KtLinkPositionState& joint = link->placedJoint(positions);
-        frame.p = joint.dhTransform().translation();
-        frame.r = joint.dhRotation();
-      }
+      const KtLinkPositionState& joint = link->placedJoint(positions);
+      frame.p = joint.dhTransform().translation();
+      frame.r = joint.dhRotation();
       if (inboard != nullptr) {
         frame.p = inboard->p + inboard->r * frame.p;
         frame.r = inboard->r * frame.r;

@@ -38,7 +38,6 @@ const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveStat
     auto& positions = activeState.positionCache();
     for (const KtManipulatorLink& child : childLinks().elements()) {
       const KtRigidBodyMassProperties& part = child.KtManipulatorLink::crbi(activeState, asker);
-      if (child.linkIndex_ >= positions.linkCount()) continue;
       const KtLinkPositionState& joint = child.placedJoint(positions);
       sum.addTransformed(part, joint.dhRotation(), joint.dhTransform().translation());
     }
@@ -92,7 +91,7 @@ const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInL
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
   const KtU32 i = linkIndex_;
   auto& articulation = activeState.articulationCache();
-  if (i >= articulation.linkCount() || i >= activeState.positionCache().linkCount()) {
+  if (i >= articulation.linkCount()) {
     reportIndex("arbiSupplementalDhFrameAccelerationInLocal(): articulation states index", i);
     return m_theDummyGeneralAcceleration;
   }
@@ -139,7 +138,7 @@ double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce
   const KtU32 i = linkIndex_;
   auto& positions = activeState.positionCache();
   auto& articulation = activeState.articulationCache();
-  if (i >= articulation.linkCount() || i >= positions.linkCount()) {
+  if (i >= articulation.linkCount()) {
     reportIndex("arbiJointAcceleration(): articulation states index", i);
     return 0.0;
   }

@@ -487,7 +487,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                : nullptr;
   }
 
-  /// The link's entry of a state, with its joint transform valid. The state has to have one.
+  /// The link's entry of a state, with its joint transform valid. A link beyond the state's end is
+  /// reported as by `dhFrameInSystem`, and gets a shared entry with the identity.
   const KtLinkPositionState& placedJoint(KtManipulatorActivePositionState& positionState) const;
 
   /// Equality of everything that is written to files.
