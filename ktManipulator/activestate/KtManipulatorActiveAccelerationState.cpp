@@ -1,13 +1,18 @@
 #include "ktManipulator/activestate/KtManipulatorActiveAccelerationState.h"
 
+bool KtManipulatorActiveAccelerationState::read(KtXmlReader& reader) {
+  entries_.handOut();  // a file can have valid entries
+  return KtXmlPersistent::read(reader);
+}
+
 void KtManipulatorActiveAccelerationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtAccelerationStateToken, &accelerationState_);
-  registerComponent(KtManip::KtLinkAccelerationStatesToken, &linkAccelerationStates_);
-  registerComponent(KtManip::KtBaseAccelerationStateToken, &baseAccelerationState_);
+  registerComponent(KtManip::KtLinkAccelerationStatesToken, &entries_.links());
+  registerComponent(KtManip::KtBaseAccelerationStateToken, &entries_.base());
   // The name that the lists of the other sub-states suggest; read, never written.
   specialDescriptorMap().add(KtToken(KtManip::ns.text() + "linkAccelerationStates"),
-                             &linkAccelerationStates_, true);
+                             &entries_.links(), true);
 }
 
 void KtManipulatorActiveAccelerationState::setAccelerationState(const KtAccelerationState& state) {
@@ -16,13 +21,10 @@ void KtManipulatorActiveAccelerationState::setAccelerationState(const KtAccelera
 }
 
 void KtManipulatorActiveAccelerationState::invalidateAll() {
-  for (KtLinkAccelerationState& state : linkAccelerationStates_.elements()) {
-    state.invalidateAll();
-  }
-  baseAccelerationState_.invalidateAll();
+  entries_.invalidateAll();
 }
 
 void KtManipulatorActiveAccelerationState::resize(KtU32 count) {
-  linkAccelerationStates_.resize(count);
+  entries_.resize(count);
   invalidateAll();
 }

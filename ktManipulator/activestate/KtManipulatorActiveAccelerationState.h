@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ktManipulator/activestate/KtLinkAccelerationState.h"
+#include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/model/KtAccelerationState.h"
 
@@ -15,6 +16,8 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
   /// One entry for each link but the root.
   using LinkStates = KtXmlVectorType<KtLinkAccelerationState>;
 
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The accelerations of the joints and of the base.
@@ -22,9 +25,9 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
   /// Sets what `accelerationState()` answers and makes all entries invalid; their number stays.
   virtual void setAccelerationState(const KtAccelerationState& state);
   /// The entries of the links.
-  virtual const LinkStates& linkAccelerationStates() const { return linkAccelerationStates_; }
+  virtual const LinkStates& linkAccelerationStates() const { return entries_.links(); }
   /// The same, to be changed.
-  virtual LinkStates& linkAccelerationStates() { return linkAccelerationStates_; }
+  virtual LinkStates& linkAccelerationStates() { return entries_.links(); }
   /// `KtLinkAccelerationState::dhFrameAccelerationInLocal` of a link.
   virtual const KtGeneralMotion& linkDhAccelerationInLocal(KtU32 index) const {
     return entry(index).dhFrameAccelerationInLocal();
@@ -74,38 +77,30 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
     entry(index).setCompositeMomentumRateInLocal(motion);
   }
   /// Sets what `linkAccelerationStates()` answers.
-  virtual void setLinkAccelerationStates(const LinkStates& states) {
-    linkAccelerationStates_ = states;
-  }
+  virtual void setLinkAccelerationStates(const LinkStates& states) { entries_.links() = states; }
   /// The entry of the base.
-  virtual const KtLinkAccelerationState& baseAccelerationState() const {
-    return baseAccelerationState_;
-  }
+  virtual const KtLinkAccelerationState& baseAccelerationState() const { return entries_.base(); }
   /// The same, to be changed.
-  virtual KtLinkAccelerationState& baseAccelerationState() { return baseAccelerationState_; }
+  virtual KtLinkAccelerationState& baseAccelerationState() { return entries_.base(); }
   /// Sets what `baseAccelerationState()` answers.
   virtual void setBaseAccelerationState(const KtLinkAccelerationState& state) {
-    baseAccelerationState_ = state;
+    entries_.base() = state;
   }
   /// Makes all entries invalid.
   virtual void invalidateAll();
   /// Gives the list of entries a size if it has another one, and makes all entries invalid.
   virtual void resize(KtU32 count);
   /// How many entries there are beside that of the base.
-  virtual KtU32 size() const { return linkAccelerationStates_.size(); }
+  virtual KtU32 size() const { return entries_.count(); }
 
   // For passes over many links: the members, without virtual calls.
 
   /// The entry of a link, or of the base.
-  KtLinkAccelerationState& entry(KtU32 index) noexcept {
-    return index == ktBaseIndex ? baseAccelerationState_ : linkAccelerationStates_[index];
-  }
+  KtLinkAccelerationState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
-  const KtLinkAccelerationState& entry(KtU32 index) const noexcept {
-    return index == ktBaseIndex ? baseAccelerationState_ : linkAccelerationStates_[index];
-  }
+  const KtLinkAccelerationState& entry(KtU32 index) const noexcept { return entries_[index]; }
   /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return linkAccelerationStates_.size(); }
+  KtU32 linkCount() const noexcept { return entries_.count(); }
   /// The acceleration of a joint, rad/s^2 or m/s^2; 0 beyond the last.
   double jointAcceleration(KtU32 index) const noexcept {
     const auto& joints = accelerationState_.jointAccelerations().elements();
@@ -119,6 +114,5 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
 
  private:
   KtAccelerationState accelerationState_;
-  LinkStates linkAccelerationStates_;
-  KtLinkAccelerationState baseAccelerationState_;
+  Kt::detail::LinkEntries<KtLinkAccelerationState> entries_;
 };

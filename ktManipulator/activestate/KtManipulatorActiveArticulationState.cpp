@@ -1,14 +1,16 @@
 #include "ktManipulator/activestate/KtManipulatorActiveArticulationState.h"
 
+bool KtManipulatorActiveArticulationState::read(KtXmlReader& reader) {
+  entries_.handOut();  // a file can have valid entries
+  return KtXmlPersistent::read(reader);
+}
+
 void KtManipulatorActiveArticulationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
-  registerComponent(KtManip::KtLinkArticulationStatesToken, &linkArticulationStates_);
-  registerComponent(KtManip::KtBaseArticulationStateToken, &baseArticulationState_);
+  registerComponent(KtManip::KtLinkArticulationStatesToken, &entries_.links());
+  registerComponent(KtManip::KtBaseArticulationStateToken, &entries_.base());
 }
 
 void KtManipulatorActiveArticulationState::invalidateAll() {
-  for (KtLinkArticulationState& state : linkArticulationStates_.elements()) {
-    state.invalidateAll();
-  }
-  baseArticulationState_.invalidateAll();
+  entries_.invalidateAll();
 }

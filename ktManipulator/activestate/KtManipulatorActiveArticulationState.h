@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ktManipulator/activestate/KtLinkArticulationState.h"
+#include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 
 /// The articulated dynamics of the links of one manipulator as far as they were asked for.
@@ -13,21 +14,19 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   /// One entry for each link but the root.
   using LinkStates = KtXmlVectorType<KtLinkArticulationState>;
 
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The entries of the links.
-  virtual const LinkStates& linkArticulationStates() const { return linkArticulationStates_; }
+  virtual const LinkStates& linkArticulationStates() const { return entries_.links(); }
   /// Sets what `linkArticulationStates()` answers.
-  virtual void setLinkArticulationStates(const LinkStates& states) {
-    linkArticulationStates_ = states;
-  }
+  virtual void setLinkArticulationStates(const LinkStates& states) { entries_.links() = states; }
   /// The entry of the base.
-  virtual const KtLinkArticulationState& baseArticulationState() const {
-    return baseArticulationState_;
-  }
+  virtual const KtLinkArticulationState& baseArticulationState() const { return entries_.base(); }
   /// Sets what `baseArticulationState()` answers.
   virtual void setBaseArticulationState(const KtLinkArticulationState& state) {
-    baseArticulationState_ = state;
+    entries_.base() = state;
   }
   /// `KtLinkArticulationState::arbd` of a link.
   virtual const KtArticulatedBodyDynamics& arbd(KtU32 index) const { return entry(index).arbd(); }
@@ -37,7 +36,7 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   }
   /// Sets that of the base and marks it as valid.
   virtual void setBaseArbd(const KtArticulatedBodyDynamics& dynamics) {
-    baseArticulationState_.setArbd(dynamics);
+    entries_.base().setArbd(dynamics);
   }
   /// `KtLinkArticulationState::supplementalDhAcceleration` of a link.
   virtual const KtGeneralMotion& supplementalDhAcceleration(KtU32 index) const {
@@ -49,11 +48,11 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   }
   /// That of the base.
   virtual const KtGeneralMotion& baseSupplementalDhAcceleration() const {
-    return baseArticulationState_.supplementalDhAcceleration();
+    return entries_.base().supplementalDhAcceleration();
   }
   /// Sets it and marks it as valid.
   virtual void setBaseSupplementalDhAcceleration(const KtGeneralMotion& acceleration) {
-    baseArticulationState_.setSupplementalDhAcceleration(acceleration);
+    entries_.base().setSupplementalDhAcceleration(acceleration);
   }
   /// `KtLinkArticulationState::supplementalJointAcceleration` of a link.
   virtual double supplementalJointAcceleration(KtU32 index) const {
@@ -66,20 +65,16 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   /// Makes all entries invalid.
   virtual void invalidateAll();
   /// Gives the list of entries a size if it has another one; new entries are invalid.
-  virtual void resize(KtU32 count) { linkArticulationStates_.resize(count); }
+  virtual void resize(KtU32 count) { entries_.resize(count); }
 
   // For passes over many links: the members, without virtual calls.
 
   /// The entry of a link, or of the base.
-  KtLinkArticulationState& entry(KtU32 index) noexcept {
-    return index == ktBaseIndex ? baseArticulationState_ : linkArticulationStates_[index];
-  }
+  KtLinkArticulationState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
-  const KtLinkArticulationState& entry(KtU32 index) const noexcept {
-    return index == ktBaseIndex ? baseArticulationState_ : linkArticulationStates_[index];
-  }
+  const KtLinkArticulationState& entry(KtU32 index) const noexcept { return entries_[index]; }
   /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return linkArticulationStates_.size(); }
+  KtU32 linkCount() const noexcept { return entries_.count(); }
 
   /// Exact equality.
   bool operator==(const KtManipulatorActiveArticulationState&) const = default;
@@ -87,6 +82,5 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveArticulationStateToken; }
 
  private:
-  LinkStates linkArticulationStates_;
-  KtLinkArticulationState baseArticulationState_;
+  Kt::detail::LinkEntries<KtLinkArticulationState> entries_;
 };

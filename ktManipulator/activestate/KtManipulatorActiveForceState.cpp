@@ -4,14 +4,19 @@
 
 const KtExternalForceDescription KtManipulatorActiveForceState::m_theZeroForceDescription;
 
+bool KtManipulatorActiveForceState::read(KtXmlReader& reader) {
+  entries_.handOut();  // a file can have valid entries
+  return KtXmlPersistent::read(reader);
+}
+
 void KtManipulatorActiveForceState::registerComponents() {
   KtXmlCompoundType::registerComponents();
-  registerComponent(KtManip::KtLinkForceStatesToken, &linkForceStates_);
-  registerComponent(KtManip::KtBaseForceStateToken, &baseForceState_);
+  registerComponent(KtManip::KtLinkForceStatesToken, &entries_.links());
+  registerComponent(KtManip::KtBaseForceStateToken, &entries_.base());
 }
 
 void KtManipulatorActiveForceState::resize(KtU32 count) {
-  linkForceStates_.resize(count);
+  entries_.resize(count);
   invalidateAll();
 }
 
@@ -36,6 +41,5 @@ void KtManipulatorActiveForceState::setExternalForceDescription(
 }
 
 void KtManipulatorActiveForceState::invalidateAll() {
-  for (KtLinkForceState& state : linkForceStates_.elements()) state.invalidateAll();
-  baseForceState_.invalidateAll();
+  entries_.invalidateAll();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/activestate/KtLinkForceState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 
@@ -14,14 +15,16 @@ class KT_EXPORT KtManipulatorActiveForceState
   /// One entry for each link but the root.
   using LinkStates = KtXmlVectorType<KtLinkForceState>;
 
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// Gives the list of entries a size if it has another one, and makes all entries invalid.
   virtual void resize(KtU32 count);
   /// How many entries there are beside that of the base.
-  virtual KtU32 size() const { return linkForceStates_.size(); }
+  virtual KtU32 size() const { return entries_.count(); }
   /// The entries of the links.
-  virtual const LinkStates& linkForceStates() const { return linkForceStates_; }
+  virtual const LinkStates& linkForceStates() const { return entries_.links(); }
   /// `KtLinkForceState::dhFrameForceInLocal` of a link.
   virtual const KtGeneralForce& linkDhForceInLocal(KtU32 index) const {
     return entry(index).dhFrameForceInLocal();
@@ -31,11 +34,11 @@ class KT_EXPORT KtManipulatorActiveForceState
     entry(index).setDhFrameForceInLocal(force);
   }
   /// Sets what `linkForceStates()` answers.
-  virtual void setLinkForceStates(const LinkStates& states) { linkForceStates_ = states; }
+  virtual void setLinkForceStates(const LinkStates& states) { entries_.links() = states; }
   /// The entry of the base.
-  virtual const KtLinkForceState& baseForceState() const { return baseForceState_; }
+  virtual const KtLinkForceState& baseForceState() const { return entries_.base(); }
   /// Sets what `baseForceState()` answers.
-  virtual void setBaseForceState(const KtLinkForceState& state) { baseForceState_ = state; }
+  virtual void setBaseForceState(const KtLinkForceState& state) { entries_.base() = state; }
   /// The external force on a link, to be shown as an arrow. An index beyond the end is reported and
   /// gives `m_theZeroForceDescription`.
   virtual const KtExternalForceDescription& externalForceDescription(const KtU32& index) const;
@@ -49,15 +52,11 @@ class KT_EXPORT KtManipulatorActiveForceState
   // For passes over many links: the members, without virtual calls.
 
   /// The entry of a link, or of the base.
-  KtLinkForceState& entry(KtU32 index) noexcept {
-    return index == ktBaseIndex ? baseForceState_ : linkForceStates_[index];
-  }
+  KtLinkForceState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
-  const KtLinkForceState& entry(KtU32 index) const noexcept {
-    return index == ktBaseIndex ? baseForceState_ : linkForceStates_[index];
-  }
+  const KtLinkForceState& entry(KtU32 index) const noexcept { return entries_[index]; }
   /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return linkForceStates_.size(); }
+  KtU32 linkCount() const noexcept { return entries_.count(); }
 
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveForceState&) const = default;
@@ -70,6 +69,5 @@ class KT_EXPORT KtManipulatorActiveForceState
  private:
   bool hasEntry(const char* operation, KtU32 index) const;
 
-  LinkStates linkForceStates_;
-  KtLinkForceState baseForceState_;
+  Kt::detail::LinkEntries<KtLinkForceState> entries_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/activestate/KtLinkMassState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 
@@ -14,16 +15,18 @@ class KT_EXPORT KtManipulatorActiveMassState
   /// One entry for each link but the root.
   using LinkStates = KtXmlVectorType<KtLinkMassState>;
 
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The entries of the links.
-  virtual const LinkStates& linkMassStates() const { return linkMassStates_; }
+  virtual const LinkStates& linkMassStates() const { return entries_.links(); }
   /// Sets what `linkMassStates()` answers.
-  virtual void setLinkMassStates(const LinkStates& states) { linkMassStates_ = states; }
+  virtual void setLinkMassStates(const LinkStates& states) { entries_.links() = states; }
   /// The entry of the base.
-  virtual const KtLinkMassState& baseMassState() const { return baseMassState_; }
+  virtual const KtLinkMassState& baseMassState() const { return entries_.base(); }
   /// Sets what `baseMassState()` answers.
-  virtual void setBaseMassState(const KtLinkMassState& state) { baseMassState_ = state; }
+  virtual void setBaseMassState(const KtLinkMassState& state) { entries_.base() = state; }
   /// `KtLinkMassState::crbi` of a link.
   virtual const KtRigidBodyMassProperties& crbi(KtU32 index) const { return entry(index).crbi(); }
   /// Sets it and marks it as valid.
@@ -33,20 +36,16 @@ class KT_EXPORT KtManipulatorActiveMassState
   /// Makes all entries invalid.
   virtual void invalidateAll();
   /// Gives the list of entries a size if it has another one; new entries are invalid.
-  virtual void resize(KtU32 count) { linkMassStates_.resize(count); }
+  virtual void resize(KtU32 count) { entries_.resize(count); }
 
   // For passes over many links: the members, without virtual calls.
 
   /// The entry of a link, or of the base.
-  KtLinkMassState& entry(KtU32 index) noexcept {
-    return index == ktBaseIndex ? baseMassState_ : linkMassStates_[index];
-  }
+  KtLinkMassState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
-  const KtLinkMassState& entry(KtU32 index) const noexcept {
-    return index == ktBaseIndex ? baseMassState_ : linkMassStates_[index];
-  }
+  const KtLinkMassState& entry(KtU32 index) const noexcept { return entries_[index]; }
   /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return linkMassStates_.size(); }
+  KtU32 linkCount() const noexcept { return entries_.count(); }
 
   /// Exact equality.
   bool operator==(const KtManipulatorActiveMassState&) const = default;
@@ -54,6 +53,5 @@ class KT_EXPORT KtManipulatorActiveMassState
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveMassStateToken; }
 
  private:
-  LinkStates linkMassStates_;
-  KtLinkMassState baseMassState_;
+  Kt::detail::LinkEntries<KtLinkMassState> entries_;
 };

@@ -2,20 +2,24 @@
 
 template class KtXmlVectorType<KtManipulatorActivePositionState>;
 
+bool KtManipulatorActivePositionState::read(KtXmlReader& reader) {
+  entries_.handOut();  // a file can have valid entries
+  return KtXmlPersistent::read(reader);
+}
+
 void KtManipulatorActivePositionState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtPositionStateToken, &positionState_);
-  registerComponent(KtManip::KtLinkPositionStatesToken, &linkPositionStates_);
-  registerComponent(KtManip::KtBasePositionStateToken, &basePositionState_);
+  registerComponent(KtManip::KtLinkPositionStatesToken, &entries_.links());
+  registerComponent(KtManip::KtBasePositionStateToken, &entries_.base());
 }
 
 void KtManipulatorActivePositionState::setPositionState(const KtPositionState& state) {
   positionState_ = state;
-  linkPositionStates_.resize(positionState_.jointPositions().size());
+  entries_.resize(positionState_.jointPositions().size());
   invalidateAll();
 }
 
 void KtManipulatorActivePositionState::invalidateAll() {
-  for (KtLinkPositionState& state : linkPositionStates_.elements()) state.invalidateAll();
-  basePositionState_.invalidateAll();
+  entries_.invalidateAll();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/activestate/KtLinkPositionState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/model/KtPositionState.h"
@@ -14,6 +15,8 @@ class KT_EXPORT KtManipulatorActivePositionState
   /// One entry for each link but the root.
   using LinkStates = KtXmlVectorType<KtLinkPositionState>;
 
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The positions of the joints and the place of the base.
@@ -22,7 +25,7 @@ class KT_EXPORT KtManipulatorActivePositionState
   /// makes all entries invalid.
   virtual void setPositionState(const KtPositionState& state);
   /// The entries of the links.
-  virtual const LinkStates& linkPositionStates() const { return linkPositionStates_; }
+  virtual const LinkStates& linkPositionStates() const { return entries_.links(); }
   /// Sets both frames of a link in the system and marks them as valid.
   virtual void setLinkPositionState(KtU32 index, const KtCoordinateSystemTransformation& dhFrame,
                                     const KtCoordinateSystemTransformation& primaryFrame) {
@@ -35,33 +38,27 @@ class KT_EXPORT KtManipulatorActivePositionState
     state.setDhTransformValid(true);
   }
   /// Sets what `linkPositionStates()` answers.
-  virtual void setLinkPositionStates(const LinkStates& states) { linkPositionStates_ = states; }
+  virtual void setLinkPositionStates(const LinkStates& states) { entries_.links() = states; }
   /// The entry of the base.
-  virtual const KtLinkPositionState& basePositionState() const { return basePositionState_; }
+  virtual const KtLinkPositionState& basePositionState() const { return entries_.base(); }
   /// Sets both frames of the base in the system and marks them as valid.
   virtual void setBaseLinkPositionState(const KtCoordinateSystemTransformation& dhFrame,
                                         const KtCoordinateSystemTransformation& primaryFrame) {
-    setFrames(basePositionState_, dhFrame, primaryFrame);
+    setFrames(entries_.base(), dhFrame, primaryFrame);
   }
   /// Sets what `basePositionState()` answers.
-  virtual void setBasePositionState(const KtLinkPositionState& state) {
-    basePositionState_ = state;
-  }
+  virtual void setBasePositionState(const KtLinkPositionState& state) { entries_.base() = state; }
   /// Makes all entries invalid.
   virtual void invalidateAll();
 
   // For passes over many links: the members, without virtual calls.
 
   /// The entry of a link, or of the base.
-  KtLinkPositionState& entry(KtU32 index) noexcept {
-    return index == ktBaseIndex ? basePositionState_ : linkPositionStates_[index];
-  }
+  KtLinkPositionState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
-  const KtLinkPositionState& entry(KtU32 index) const noexcept {
-    return index == ktBaseIndex ? basePositionState_ : linkPositionStates_[index];
-  }
+  const KtLinkPositionState& entry(KtU32 index) const noexcept { return entries_[index]; }
   /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return linkPositionStates_.size(); }
+  KtU32 linkCount() const noexcept { return entries_.count(); }
   /// The position of a joint, rad or m; 0 beyond the last.
   double jointPosition(KtU32 index) const noexcept {
     const auto& joints = positionState_.jointPositions().elements();
@@ -82,8 +79,7 @@ class KT_EXPORT KtManipulatorActivePositionState
   }
 
   KtPositionState positionState_;
-  LinkStates linkPositionStates_;
-  KtLinkPositionState basePositionState_;
+  Kt::detail::LinkEntries<KtLinkPositionState> entries_;
 };
 
 extern template class KtXmlVectorType<KtManipulatorActivePositionState>;

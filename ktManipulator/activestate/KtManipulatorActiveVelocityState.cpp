@@ -1,19 +1,23 @@
 #include "ktManipulator/activestate/KtManipulatorActiveVelocityState.h"
 
+bool KtManipulatorActiveVelocityState::read(KtXmlReader& reader) {
+  entries_.handOut();  // a file can have valid entries
+  return KtXmlPersistent::read(reader);
+}
+
 void KtManipulatorActiveVelocityState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtVelocityStateToken, &velocityState_);
-  registerComponent(KtManip::KtLinkVelocityStatesToken, &linkVelocityStates_);
-  registerComponent(KtManip::KtBaseVelocityStateToken, &baseVelocityState_);
+  registerComponent(KtManip::KtLinkVelocityStatesToken, &entries_.links());
+  registerComponent(KtManip::KtBaseVelocityStateToken, &entries_.base());
 }
 
 void KtManipulatorActiveVelocityState::setVelocityState(const KtVelocityState& state) {
   velocityState_ = state;
-  linkVelocityStates_.resize(velocityState_.jointVelocities().size());
+  entries_.resize(velocityState_.jointVelocities().size());
   invalidateAll();
 }
 
 void KtManipulatorActiveVelocityState::invalidateAll() {
-  for (KtLinkVelocityState& state : linkVelocityStates_.elements()) state.invalidateAll();
-  baseVelocityState_.invalidateAll();
+  entries_.invalidateAll();
 }

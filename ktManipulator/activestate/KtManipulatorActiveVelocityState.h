@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/activestate/KtLinkVelocityState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/model/KtVelocityState.h"
@@ -14,6 +15,8 @@ class KT_EXPORT KtManipulatorActiveVelocityState
   /// One entry for each link but the root.
   using LinkStates = KtXmlVectorType<KtLinkVelocityState>;
 
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The rates of the joints and the velocity of the base.
@@ -22,9 +25,9 @@ class KT_EXPORT KtManipulatorActiveVelocityState
   /// makes all entries invalid.
   virtual void setVelocityState(const KtVelocityState& state);
   /// The entries of the links.
-  virtual const LinkStates& linkVelocityStates() const { return linkVelocityStates_; }
+  virtual const LinkStates& linkVelocityStates() const { return entries_.links(); }
   /// The same, to be changed.
-  virtual LinkStates& linkVelocityStates() { return linkVelocityStates_; }
+  virtual LinkStates& linkVelocityStates() { return entries_.links(); }
   /// `KtLinkVelocityState::dhFrameVelocityInLocal` of a link.
   virtual const KtGeneralMotion& linkDhVelocityInLocal(KtU32 index) const {
     return entry(index).dhFrameVelocityInLocal();
@@ -74,32 +77,26 @@ class KT_EXPORT KtManipulatorActiveVelocityState
     entry(index).setCompositeMomentumInLocal(motion);
   }
   /// Sets what `linkVelocityStates()` answers.
-  virtual void setLinkVelocityStates(const LinkStates& states) { linkVelocityStates_ = states; }
+  virtual void setLinkVelocityStates(const LinkStates& states) { entries_.links() = states; }
   /// The entry of the base.
-  virtual const KtLinkVelocityState& baseVelocityState() const { return baseVelocityState_; }
+  virtual const KtLinkVelocityState& baseVelocityState() const { return entries_.base(); }
   /// The same, to be changed.
-  virtual KtLinkVelocityState& baseVelocityState() { return baseVelocityState_; }
+  virtual KtLinkVelocityState& baseVelocityState() { return entries_.base(); }
   /// Sets what `baseVelocityState()` answers.
-  virtual void setBaseVelocityState(const KtLinkVelocityState& state) {
-    baseVelocityState_ = state;
-  }
+  virtual void setBaseVelocityState(const KtLinkVelocityState& state) { entries_.base() = state; }
   /// Makes all entries invalid.
   virtual void invalidateAll();
   /// Gives the list of entries a size if it has another one; new entries are invalid.
-  virtual void resize(KtU32 count) { linkVelocityStates_.resize(count); }
+  virtual void resize(KtU32 count) { entries_.resize(count); }
 
   // For passes over many links: the members, without virtual calls.
 
   /// The entry of a link, or of the base.
-  KtLinkVelocityState& entry(KtU32 index) noexcept {
-    return index == ktBaseIndex ? baseVelocityState_ : linkVelocityStates_[index];
-  }
+  KtLinkVelocityState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
-  const KtLinkVelocityState& entry(KtU32 index) const noexcept {
-    return index == ktBaseIndex ? baseVelocityState_ : linkVelocityStates_[index];
-  }
+  const KtLinkVelocityState& entry(KtU32 index) const noexcept { return entries_[index]; }
   /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return linkVelocityStates_.size(); }
+  KtU32 linkCount() const noexcept { return entries_.count(); }
   /// The velocity of a joint, rad/s or m/s; 0 beyond the last.
   double jointVelocity(KtU32 index) const noexcept {
     const auto& joints = velocityState_.jointVelocities().elements();
@@ -113,6 +110,5 @@ class KT_EXPORT KtManipulatorActiveVelocityState
 
  private:
   KtVelocityState velocityState_;
-  LinkStates linkVelocityStates_;
-  KtLinkVelocityState baseVelocityState_;
+  Kt::detail::LinkEntries<KtLinkVelocityState> entries_;
 };

@@ -111,6 +111,28 @@ const KtLinkPositionState& KtManipulatorLink::placedJoint(
 
 // Velocities
 
+// The two queries, without a virtual call where the answer is there already.
+
+inline const KtGeneralMotion& KtManipulatorLink::knownVelocity(
+    KtManipulatorActiveState& activeState) const {
+  auto& velocities = activeState.velocityCache();
+  if (linkIndex_ < velocities.linkCount() || linkIndex_ == ktBaseIndex) {
+    const KtLinkVelocityState& entry = velocities.entry(linkIndex_);
+    if (entry.localDhValid()) return entry.dhFrameVelocityInLocal();
+  }
+  return dhFrameVelocityInLocal(activeState);
+}
+
+inline const KtGeneralMotion& KtManipulatorLink::knownAcceleration(
+    KtManipulatorActiveState& activeState) const {
+  auto& accelerations = activeState.accelerationCache();
+  if (linkIndex_ < accelerations.linkCount() || linkIndex_ == ktBaseIndex) {
+    const KtLinkAccelerationState& entry = accelerations.entry(linkIndex_);
+    if (entry.localDhValid()) return entry.dhFrameAccelerationInLocal();
+  }
+  return dhFrameAccelerationInLocal(activeState);
+}
+
 const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInLocal(
     KtManipulatorActiveState& activeState) const {
   const KtU32 i = linkIndex_;
@@ -122,9 +144,8 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInLocal(
   }
   KtLinkVelocityState& entry = velocities.entry(i);
   if (entry.localDhValid()) return entry.dhFrameVelocityInLocal();
-  const KtGeneralMotion& inboard = parentLink_ != nullptr
-                                       ? parentLink_->dhFrameVelocityInLocal(activeState)
-                                       : scratch().velocity;
+  const KtGeneralMotion& inboard =
+      parentLink_ != nullptr ? parentLink_->knownVelocity(activeState) : scratch().velocity;
   const KtLinkPositionState& joint = placedJoint(positions);
   const RotationMatrix& r = joint.dhRotation();
   const double qDot = velocities.jointVelocity(i);
@@ -218,10 +239,10 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameAccelerationInLocal(
   const double qDot = activeState.velocityCache().jointVelocity(i);
   const double qDotDot = accelerations.jointAcceleration(i);
   const KtGeneralMotion& velocity = parentLink_ != nullptr
-                                        ? parentLink_->dhFrameVelocityInLocal(activeState)
+                                        ? parentLink_->knownVelocity(activeState)
                                         : KtLinkKinematicsContainer::m_theNullMotion;
   const KtGeneralMotion& inboard = parentLink_ != nullptr
-                                       ? parentLink_->dhFrameAccelerationInLocal(activeState)
+                                       ? parentLink_->knownAcceleration(activeState)
                                        : KtLinkKinematicsContainer::m_theNullMotion;
   const KtLinkPositionState& joint = placedJoint(positions);
   const RotationMatrix& r = joint.dhRotation();
@@ -266,7 +287,8 @@ const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
   auto& positions = activeState.positionCache();
   const KtVector& w = dhFrameVelocityInLocal(activeState).angular();
   const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
-  const KtRigidBodyMassProperties& body = massPropertiesInDHFrame(asker);
+  const KtRigidBodyMassProperties& body =
+      asker == nullptr ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
   const KtGeneralForce& given = external[i];
   KtVector force;
   KtVector moment;

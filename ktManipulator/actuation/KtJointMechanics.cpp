@@ -16,12 +16,12 @@ using Reals = KtActuatorState::Reals;
 // Whether every list has an entry i.
 template <class... Lists>
 bool reach(KtU32 i, const Lists&... lists) {
-  return ((i < lists.size()) && ...);
+  return ((i < lists.elements().size()) && ...);
 }
 
 template <class List, class Value>
 void storeIfThere(List& list, KtU32 i, const Value& value) {
-  if (i < list.size()) list[i] = value;
+  if (i < list.elements().size()) list[i] = value;
 }
 
 template <class Cls>
@@ -72,7 +72,7 @@ double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
   const KtU32 i = this->linkIndex();
   Reals& outputTorques = active.actuatorState().outputTorques();
   // The reserved indices of the root and of unmapped links are no lengths.
-  if (i < ktBaseIndex) outputTorques.resizeToAtLeast(i);
+  if (i < ktBaseIndex && i > outputTorques.elements().size()) outputTorques.resizeToAtLeast(i);
   if (!this->isRigid_) return nonRigidOutputTorque(active);
   const double torque = this->driveTorque(command);
   const double linear = linearTorque(active);
@@ -155,7 +155,7 @@ double KtJointMechanics<Cls, Params>::dryFrictionTorque(double drive,
   if (motorDrive < -this->staticCoulombFriction_) return -most;
   if (motorDrive > this->staticCoulombFriction_) return most;
   const Reals& centers = state.springDamperCenters();
-  const double center = i < centers.size() ? centers[i].value() : position;
+  const double center = i < centers.elements().size() ? centers[i].value() : position;
   return this->gearRatio_ * (motorDrive + rate * this->staticCoulombDamperCoefficient_ +
                              (position - center) * this->staticCoulombSpringCoefficient_);
 }

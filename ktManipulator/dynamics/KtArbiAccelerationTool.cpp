@@ -44,7 +44,8 @@ void KtArbiAccelerationTool::acceleration(
     const KtManipulatorTorque& torque, const KtManipulatorExternalForce& external,
     KtAccelerationState& acceleration, KtManipulatorActiveState& activeState, bool /*recompute*/) {
   const KtU32 n = manipulator.jointDof();
-  const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
+  const KtStatedSystemStruct self{&system, manipulator.manipulatorIndex()};
+  const KtStatedSystemStruct* asker = system.hasAttachments() ? &self : nullptr;
   const auto& given = torque.jointTorques().elements();
   const auto& links = manipulator.links();
   netTorque_.setGeneralForce(torque.generalForce());
@@ -56,10 +57,10 @@ void KtArbiAccelerationTool::acceleration(
     if (link == nullptr) continue;
     const double command = i < given.size() ? given[i].value() : 0.0;
     const KtMechanicalActuatorComponentContainer& component =
-        link->jointActuator().mechanicalComponentContainer();
+        link->actuator().mechanicalComponentContainer();
     // Inverse dynamics only where its result is used.
     const double load =
-        loadMatters(component) ? totalTorqueTool_.torque(i, external, activeState, &asker) : 0.0;
+        loadMatters(component) ? totalTorqueTool_.torque(i, external, activeState, asker) : 0.0;
     netTorque_.jointTorques()[i] =
         component.outputTorque(command, load, activeState) - link->totalLocalTorque(activeState);
   }
@@ -68,10 +69,10 @@ void KtArbiAccelerationTool::acceleration(
     const KtManipulatorLink* link = links[i];
     if (link == nullptr) continue;
     acceleration.jointAccelerations()[i] =
-        link->arbiJointAcceleration(external, netTorque_, activeState, &asker);
+        link->arbiJointAcceleration(external, netTorque_, activeState, asker);
   }
   KtGeneralMotion base =
-      manipulator.arbiBaseAccelerationInLocal(external, netTorque_, activeState, &asker);
+      manipulator.arbiBaseAccelerationInLocal(external, netTorque_, activeState, asker);
   base.transformBy(manipulator.dhFrameInSystem(activeState.positionCache()).orientation());
   acceleration.setGeneralAcceleration(base);
 }

@@ -24,10 +24,10 @@ void CompositeColumns::compute(const KtIndividualManipulator& manipulator,
     KtVector force;
     KtVector moment;
     parents_[i] = n;
-    if (link != nullptr && link->linkIndex() == i) {
+    if (link != nullptr && link->mappedIndex() == i) {
       const KtRigidBodyMassProperties& body = link->crbi(activeState, asker);
       const KtU32 parent =
-          link->parentLink() != nullptr ? link->parentLink()->linkIndex() : ktBaseIndex;
+          link->inboardLink() != nullptr ? link->inboardLink()->mappedIndex() : ktBaseIndex;
       // Links are numbered behind their parents, unless a table was not mapped anew.
       if (parent < i) parents_[i] = parent;
       const Frame* inboard = parent < i ? &frames_[parent] : nullptr;

@@ -24,6 +24,8 @@ class CompositeColumns {
   /// Reports links that are missing, as the matrix D does.
   static void reportMissing(const KtIndividualManipulator& manipulator);
 
+  /// For each joint the one that carries it; `count()` for none.
+  const std::vector<KtU32>& parents() const noexcept { return parents_; }
   /// How many joints there are.
   KtU32 count() const noexcept { return forces_.columns(); }
   /// Six rows, force first: column i is what joint i takes.

@@ -51,24 +51,24 @@ void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
                                           KtAccelerationState& acceleration,
                                           KtManipulatorActiveState& activeState, bool recompute) {
   const KtU32 n = manipulator.jointDof();
-  const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
+  const KtStatedSystemStruct self{&system, manipulator.manipulatorIndex()};
+  const KtStatedSystemStruct* asker = system.hasAttachments() ? &self : nullptr;
   const bool fixed = manipulator.isFixedBase();
-  calculateJointTorqueArray(manipulator, torque, external, activeState, &asker);
-  const KtReArray& factor = fixed ? factor_ : fullFactor_;
+  calculateJointTorqueArray(manipulator, torque, external, activeState, asker);
   const KtU32 first = fixed ? 0 : 6;
-  if (recompute || factor.rows() != n + first) {
-    calculateMassMatrix(manipulator, activeState, &asker);
-    if (!fixed) factorWithBase(manipulator, activeState, &asker);
-    if (fixed) massMatrix_.choleskyDecomposition(factor_);
+  if (recompute || factoredJoints_ != n || factoredBase_ == fixed) {
+    calculateMassMatrix(manipulator, activeState, asker);
+    factorMassMatrix(manipulator, activeState, asker);
   }
   rightSide_.resizeArray(n + first, 1);
   if (!fixed) {
-    const KtGeneralForce force = baseForce(manipulator, torque, external, activeState, &asker);
+    const KtGeneralForce force = baseForce(manipulator, torque, external, activeState, asker);
     for (KtU32 k = 0; k < 6; ++k) rightSide_[k][0] = force[k];
   }
   for (KtU32 i = 0; i < n; ++i) rightSide_[first + i][0] = jointTorques_[i][0];
-  addConstraintForces(manipulator, activeState, factor);
-  factor.choleskyBackSubstitution(rightSide_, solution_);
+  addConstraintForces(manipulator, activeState);
+  solution_ = rightSide_;
+  solve(solution_);
   if (!fixed) {
     KtGeneralMotion base;
     for (KtU32 k = 0; k < 6; ++k) base.setScalarValue(k, solution_[k][0]);
@@ -79,27 +79,64 @@ void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
   for (KtU32 i = 0; i < n; ++i) acceleration.jointAccelerations()[i] = solution_[first + i][0];
 }
 
-// With the mass matrix partitioned as base and joints, (I, D^T; D, H), its factor is
-// (L6, 0; Y^T, L): L6 that of I, Y = L6^-1 D^T, and L that of H - Y^T Y.
-void KtCrbiAccelerationTool::factorWithBase(const KtIndividualManipulator& manipulator,
-                                            KtManipulatorActiveState& activeState,
-                                            const KtStatedSystemStruct* asker) {
-  const KtU32 n = massMatrix_.rows();
+// The joints are eliminated first, which keeps the zeros of branches: with (I, D^T; D, H) the mass
+// matrix partitioned as base and joints, what is left of the base is I - D^T H^-1 D.
+void KtCrbiAccelerationTool::factorMassMatrix(const KtIndividualManipulator& manipulator,
+                                              KtManipulatorActiveState& activeState,
+                                              const KtStatedSystemStruct* asker) {
+  factoredJoints_ = massMatrix_.rows();
+  factoredBase_ = !manipulator.isFixedBase();
+  isBranched_ = Kt::detail::BranchFactor::isWorthIt(massMatrixTool_.parents());
+  if (isBranched_) {
+    branchFactor_.factor(massMatrix_, massMatrixTool_.parents());
+  } else {
+    massMatrix_.choleskyDecomposition(factor_);
+  }
+  if (!factoredBase_) return;
   Kt::detail::CompositeColumns::reportMissing(manipulator);
-  massMatrixTool_.getCoupling(coupling_);
-  const KtReArray& l6 = manipulator.crbiSpatialCholeskyDecomposition(activeState, asker);
-  if (n > 0) {
-    l6.forwardSubstitutionOnTranspose(coupling_, baseCoupling_);
-    baseCoupling_.overconstrainedNormal(product_);
-    massMatrix_ -= product_;
+  manipulator.crbi(activeState, asker).getArray(baseFactor_);
+  if (factoredJoints_ > 0) {
+    massMatrixTool_.getCoupling(coupling_);
+    response_ = coupling_;
+    solveJoints(response_);
+    coupling_.leftTransposeTransform(response_, part_);
+    baseFactor_ -= part_;
   }
-  massMatrix_.choleskyDecomposition(factor_);
-  fullFactor_.resizeArray(n + 6, n + 6);
-  for (KtU32 k = 0; k < 6; ++k) std::copy_n(l6[k], k + 1, fullFactor_[k]);
-  for (KtU32 i = 0; i < n; ++i) {
-    for (KtU32 k = 0; k < 6; ++k) fullFactor_[6 + i][k] = baseCoupling_[k][i];
-    std::copy_n(factor_[i], i + 1, fullFactor_[6 + i] + 6);
+  baseFactor_.choleskyDecomposition(baseFactor_);
+}
+
+// Solves H x = b in place.
+void KtCrbiAccelerationTool::solveJoints(KtReArray& x) const {
+  if (isBranched_) {
+    branchFactor_.solve(x);
+  } else {
+    factor_.choleskyBackSubstitution(x, x);
   }
+}
+
+// Solves in place for columns with the base first.
+void KtCrbiAccelerationTool::solve(KtReArray& x) {
+  if (!factoredBase_) {
+    solveJoints(x);
+    return;
+  }
+  const KtU32 columns = x.columns();
+  const std::size_t joints = std::size_t{factoredJoints_} * columns;
+  base_.resizeArray(6, columns);
+  std::copy_n(x[0], std::size_t{6} * columns, base_[0]);
+  if (factoredJoints_ > 0) {
+    joints_.resizeArray(factoredJoints_, columns);
+    std::copy_n(x[6], joints, joints_[0]);
+    response_.leftTransposeTransform(joints_, part_);
+    base_ -= part_;
+  }
+  baseFactor_.choleskyBackSubstitution(base_, base_);
+  std::copy_n(base_[0], std::size_t{6} * columns, x[0]);
+  if (factoredJoints_ == 0) return;
+  solveJoints(joints_);
+  response_.transform(base_, part_);
+  joints_ -= part_;
+  std::copy_n(joints_[0], joints, x[6]);
 }
 
 KtGeneralForce KtCrbiAccelerationTool::baseForce(const KtIndividualManipulator& manipulator,
@@ -113,8 +150,7 @@ KtGeneralForce KtCrbiAccelerationTool::baseForce(const KtIndividualManipulator& 
 // The constraints ask for A z' + A' z = 0. Their forces A^T lambda are what takes the accelerations
 // of the free mechanism there.
 void KtCrbiAccelerationTool::addConstraintForces(const KtIndividualManipulator& manipulator,
-                                                 KtManipulatorActiveState& activeState,
-                                                 const KtReArray& factor) {
+                                                 KtManipulatorActiveState& activeState) {
   const KtStateEqualityConstraintVector& constraints = manipulator.stateEqualityConstraints();
   const KtU32 count = constraints.size() > 0 ? constraints.doc() : 0;
   if (count == 0) return;
@@ -122,10 +158,11 @@ void KtCrbiAccelerationTool::addConstraintForces(const KtIndividualManipulator& 
   const KtVelocityState& velocity = activeState.velocityState();
   const KtReArray& a = constraints.jacobian(manipulator, position);
   const KtReArray& aDot = constraints.jacobianDerivative(manipulator, position, velocity);
-  const KtU32 unknowns = factor.rows();
+  const KtU32 unknowns = rightSide_.rows();
   if (a.rows() != count || a.columns() != unknowns || aDot.columns() != unknowns) return;
   const KtU32 first = manipulator.isFixedBase() ? 0 : 6;
-  factor.choleskyBackSubstitution(rightSide_, unconstrained_);
+  unconstrained_ = rightSide_;
+  solve(unconstrained_);
   violation_.setToZeros(count, 1);
   for (KtU32 j = 0; j < unknowns; ++j) {
     const double z = j < first ? velocity.generalVelocity()[j]
@@ -133,8 +170,9 @@ void KtCrbiAccelerationTool::addConstraintForces(const KtIndividualManipulator& 
     const double rate = unconstrained_[j][0];
     for (KtU32 r = 0; r < count; ++r) violation_[r][0] += a[r][j] * rate + aDot[r][j] * z;
   }
-  factor.choleskyBackSubstitutionOnTranspose(a, response_);
-  a.transform(response_, constraintMatrix_);
+  a.transpose(constraintResponse_);
+  solve(constraintResponse_);
+  a.transform(constraintResponse_, constraintMatrix_);
   constraintMatrix_.choleskyDecomposition(constraintFactor_);
   constraintFactor_.choleskyBackSubstitution(violation_, multipliers_);
   a.leftTransposeTransform(multipliers_, constraintForces_);
@@ -147,12 +185,13 @@ void KtCrbiAccelerationTool::hybridTorqueAcceleration(
     KtManipulatorTorque& torque, KtAccelerationState& acceleration,
     KtManipulatorActiveState& activeState, bool recompute) {
   const KtU32 n = manipulator.jointDof();
-  const KtStatedSystemStruct asker{&system, manipulator.manipulatorIndex()};
+  const KtStatedSystemStruct self{&system, manipulator.manipulatorIndex()};
+  const KtStatedSystemStruct* asker = system.hasAttachments() ? &self : nullptr;
   const bool fixed = manipulator.isFixedBase();
   const KtU32 unknowns = fixed ? n : n + 6;
   torque.jointTorques().resizeToAtLeast(n);
   acceleration.resize(n);
-  calculateJointTorqueArray(manipulator, torque, external, activeState, &asker);
+  calculateJointTorqueArray(manipulator, torque, external, activeState, asker);
   bool changed = selection_.size() != unknowns;
   selection_.resize(unknowns);
   KtU32 selected = 0;
@@ -164,14 +203,14 @@ void KtCrbiAccelerationTool::hybridTorqueAcceleration(
   }
   if (recompute || changed) {
     if (fixed) {
-      calculateMassMatrix(manipulator, activeState, &asker);
+      calculateMassMatrix(manipulator, activeState, asker);
     } else {
-      calculateExtendedMassMatrixInBase(manipulator, activeState, &asker);
+      calculateExtendedMassMatrixInBase(manipulator, activeState, asker);
     }
     partition(selected);
   }
   const KtGeneralForce force =
-      fixed ? KtGeneralForce() : baseForce(manipulator, torque, external, activeState, &asker);
+      fixed ? KtGeneralForce() : baseForce(manipulator, torque, external, activeState, asker);
   const auto rightSide = [&](KtU32 i) { return i < n ? jointTorques_[i][0] : force[i - n]; };
   b1_.resizeArray(selected, 1);
   a2_.resizeArray(unknowns - selected, 1);

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "ktManipulator/dynamics/KtBranchFactor.h"
 #include "ktManipulator/dynamics/KtMassMatrixTool.h"
 
 class KtIndividualManipulator;
@@ -121,8 +122,10 @@ class KT_EXPORT KtCrbiAccelerationTool {
                   const KtPositionState& position, const KtVelocityState& velocity);
   void addActuatorInertias(const KtIndividualManipulator& manipulator,
                            KtManipulatorActiveState& activeState);
-  void factorWithBase(const KtIndividualManipulator& manipulator,
-                      KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker);
+  void factorMassMatrix(const KtIndividualManipulator& manipulator,
+                        KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker);
+  void solveJoints(KtReArray& x) const;
+  void solve(KtReArray& x);
   void partition(KtU32 selected);
   KtGeneralForce baseForce(const KtIndividualManipulator& manipulator,
                            const KtManipulatorTorque& torque,
@@ -130,25 +133,31 @@ class KT_EXPORT KtCrbiAccelerationTool {
                            KtManipulatorActiveState& activeState,
                            const KtStatedSystemStruct* asker) const;
   void addConstraintForces(const KtIndividualManipulator& manipulator,
-                           KtManipulatorActiveState& activeState, const KtReArray& factor);
+                           KtManipulatorActiveState& activeState);
 
   KtManipulatorActiveState own_;
   KtMassMatrixTool massMatrixTool_;
   KtTotalTorqueTool totalTorqueTool_;
-  // With the base, unknowns of the factor are ordered base first, those of the mass matrix joints
-  // first.
   KtReArray massMatrix_;
   KtReArray jointTorques_;
-  KtReArray factor_;
-  KtReArray fullFactor_;
-  KtReArray coupling_;
-  KtReArray baseCoupling_;
-  KtReArray solution_;
+  // Unknowns of the right side are ordered base first, those of the mass matrix joints first.
   KtReArray rightSide_;
+  KtReArray solution_;
+  // The factors: of the joints, for trees or for chains, and of the base with the joints free.
+  KtU32 factoredJoints_ = ktUnmappedIndex;
+  bool factoredBase_ = false;
+  bool isBranched_ = false;
+  Kt::detail::BranchFactor branchFactor_;
+  KtReArray factor_;
+  KtReArray coupling_;       // D
+  KtReArray response_;       // H^-1 D
+  KtReArray baseFactor_;     // of I - D^T H^-1 D
+  KtReArray joints_, base_;  // parts of what is solved for
+  KtReArray part_;
   // Of the constraints
   KtReArray unconstrained_;
   KtReArray violation_;
-  KtReArray response_;
+  KtReArray constraintResponse_;
   KtReArray constraintMatrix_;
   KtReArray constraintFactor_;
   KtReArray multipliers_;

@@ -34,7 +34,8 @@ const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveStat
   }
   KtLinkMassState& entry = masses.entry(i);
   if (!entry.crbiValid()) {
-    KtRigidBodyMassProperties sum = massPropertiesInDHFrame(asker);
+    KtRigidBodyMassProperties sum =
+        asker == nullptr ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
     auto& positions = activeState.positionCache();
     for (const KtManipulatorLink& child : childLinks().elements()) {
       const KtRigidBodyMassProperties& part = child.KtManipulatorLink::crbi(activeState, asker);
@@ -60,7 +61,8 @@ const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(const KtManipulatorExte
   if (!entry.arbdValid()) {
     const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
     const KtGeneralMotion& velocity = dhFrameVelocityInLocal(activeState);
-    const KtRigidBodyMassProperties& body = massPropertiesInDHFrame(asker);
+    const KtRigidBodyMassProperties& body =
+        asker == nullptr ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
     const KtGeneralForce& given = external[i];
     KtVector force;
     KtVector moment;

@@ -67,6 +67,9 @@ class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
   virtual void resize();
   /// The matrix D of `KtMatrixDTool` that belongs to the last `massMatrix`.
   void getCoupling(KtReArray& d) const { columns_.getCoupling(d); }
+  /// For each joint of the last `massMatrix` the joint that carries it; for those on the base the
+  /// number of joints.
+  const std::vector<KtU32>& parents() const noexcept { return columns_.parents(); }
 
  private:
   const KtReArray& extend(KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker,

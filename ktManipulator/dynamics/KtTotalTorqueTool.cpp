@@ -28,9 +28,9 @@ double KtTotalTorqueTool::torque(KtU32 index, const KtManipulatorExternalForce& 
   if (link == nullptr) return 0.0;
   const double q = activeState.positionCache().jointPosition(index);
   const KtGeneralForce& force = link->dhFrameForceInLocal(external, activeState, asker);
-  const KtJointActuator& actuator = link->jointActuator();
+  const KtJointActuator& actuator = link->actuator();
   double torque = power(*link, q, force) + link->totalLocalTorque(activeState);
-  const KtU32 linkIndex = link->linkIndex();
+  const KtU32 linkIndex = link->mappedIndex();
   const auto& accelerations = activeState.accelerationState().jointAccelerations().elements();
   if (linkIndex < accelerations.size()) {
     torque += actuator.effectiveInertia(q) * accelerations[linkIndex].value();

@@ -487,6 +487,12 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                : nullptr;
   }
 
+  /// What `linkIndex()` answers, `parentLink()` and `jointActuator()`, without virtual calls.
+  KtU32 mappedIndex() const noexcept { return linkIndex_; }
+  /// See there.
+  const KtManipulatorLink* inboardLink() const noexcept { return parentLink_; }
+  /// See there.
+  const KtJointActuator& actuator() const noexcept { return jointActuator_; }
   /// The link's entry of a state, with its joint transform valid. A link beyond the state's end is
   /// reported as by `dhFrameInSystem`, and gets a shared entry with the identity.
   const KtLinkPositionState& placedJoint(KtManipulatorActivePositionState& positionState) const;
@@ -546,6 +552,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                LimitConstraint& limit, double constant,
                                                double coefficient) const;
   bool attachments(const KtStatedSystemStruct* asker) const;
+  const KtGeneralMotion& knownVelocity(KtManipulatorActiveState& activeState) const;
+  const KtGeneralMotion& knownAcceleration(KtManipulatorActiveState& activeState) const;
   void getInboardSupplement(const KtManipulatorExternalForce& external,
                             const KtManipulatorTorque& torque,
                             KtManipulatorActiveState& activeState,

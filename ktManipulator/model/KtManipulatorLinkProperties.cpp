@@ -262,11 +262,11 @@ void KtManipulatorLink::updateDHMassProperties() {
 
 bool KtManipulatorLink::attachments(const KtStatedSystemStruct* asker) const {
   if (asker == nullptr || asker->statedSystem == nullptr) return false;
+  const KtManipulatorAttachmentMap& map = asker->statedSystem->system().manipulatorAttachmentMap();
+  if (map.mapContainer().empty()) return false;
   Scratch& s = scratch();
-  return asker->statedSystem->system()
-      .manipulatorAttachmentMap()
-      .getDependentManipulatorsAndOffsets(asker->manipulatorIndex, label(), s.dependents,
-                                          s.offsets);
+  return map.getDependentManipulatorsAndOffsets(asker->manipulatorIndex, label(), s.dependents,
+                                                s.offsets);
 }
 
 const KtRigidBodyMassProperties& KtManipulatorLink::massProperties(

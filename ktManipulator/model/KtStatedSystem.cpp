@@ -70,6 +70,10 @@ const KtManipulatorSystem& KtStatedSystem::system() const {
   return system_ != nullptr ? *system_ : m_theNullSystem;
 }
 
+bool KtStatedSystem::hasAttachments() const {
+  return !system().manipulatorAttachmentMap().mapContainer().empty();
+}
+
 KtManipulatorSystem* KtStatedSystem::newManipulatorSystem() const {
   return new KtManipulatorSystem;
 }

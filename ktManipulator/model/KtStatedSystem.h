@@ -304,6 +304,9 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   /// The shape of a key, or null.
   const KtShape* shapeByKey(const KtShapeStateCacheKey& key) const;
 
+  /// Whether any manipulator is attached to a link, so that links have to be asked for that.
+  bool hasAttachments() const;
+
   /// Equality of system, state, lists of shapes and display values.
   bool operator==(const KtStatedSystem& other) const;
   /// Name of the class in files.

@@ -1,0 +1,77 @@
+#include "ktManipulator/dynamics/KtBranchFactor.h"
+
+#include <cmath>
+#include <limits>
+
+#include "ktManipulator/foundation/core/KtMath.h"
+
+namespace Kt::detail {
+
+bool BranchFactor::isWorthIt(const std::vector<KtU32>& parents) {
+  const std::size_t n = parents.size();
+  std::size_t entries = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = i; j < n; j = parents[j]) ++entries;
+  }
+  return 4 * entries < n * n;
+}
+
+void BranchFactor::factor(const KtReArray& mass, const std::vector<KtU32>& parents) {
+  const KtU32 n = mass.rows();
+  lower_.resizeArray(n, n);
+  reciprocals_.resize(n);
+  carriers_.clear();
+  starts_.resize(n + 1);
+  for (KtU32 i = 0; i < n; ++i) {
+    starts_[i] = static_cast<KtU32>(carriers_.size());
+    lower_[i][i] = mass[i][i];
+    for (KtU32 j = parents[i]; j < n; j = parents[j]) {
+      carriers_.push_back(j);
+      lower_[i][j] = mass[i][j];
+    }
+  }
+  starts_[n] = static_cast<KtU32>(carriers_.size());
+  const double rounding = n * std::numeric_limits<double>::epsilon();
+  for (KtU32 k = n; k-- > 0;) {
+    double* row = lower_[k];
+    // A pivot that is lost in rounding is raised, as `KtReArray::choleskyDecomposition` does it.
+    const double least = KtMath::nonZeroPos(rounding * mass[k][k]);
+    const bool raised = row[k] <= least;
+    row[k] = std::sqrt(raised ? least : row[k]);
+    reciprocals_[k] = 1.0 / row[k];
+    const double scale = raised ? 0.0 : reciprocals_[k];
+    const KtU32* first = carriers_.data() + starts_[k];
+    const KtU32* last = carriers_.data() + starts_[k + 1];
+    for (const KtU32* i = first; i != last; ++i) row[*i] *= scale;
+    for (const KtU32* i = first; i != last; ++i) {
+      const double factor = row[*i];
+      double* target = lower_[*i];
+      for (const KtU32* j = i; j != last; ++j) target[*j] -= factor * row[*j];
+    }
+  }
+}
+
+void BranchFactor::solve(KtReArray& x) const {
+  const KtU32 n = lower_.rows();
+  const KtU32 columns = x.columns();
+  for (KtU32 i = n; i-- > 0;) {
+    double* own = x[i];
+    for (KtU32 c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
+    for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) {
+      const double factor = lower_[i][carriers_[k]];
+      double* target = x[carriers_[k]];
+      for (KtU32 c = 0; c < columns; ++c) target[c] -= factor * own[c];
+    }
+  }
+  for (KtU32 i = 0; i < n; ++i) {
+    double* own = x[i];
+    for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) {
+      const double factor = lower_[i][carriers_[k]];
+      const double* known = x[carriers_[k]];
+      for (KtU32 c = 0; c < columns; ++c) own[c] -= factor * known[c];
+    }
+    for (KtU32 c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
+  }
+}
+
+}  // namespace Kt::detail

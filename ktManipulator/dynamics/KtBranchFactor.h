@@ -1,0 +1,38 @@
+/// @file
+/// The factor of a joint-space mass matrix.
+#pragma once
+
+#include <vector>
+
+#include "ktManipulator/foundation/core/KtTypes.h"
+#include "ktManipulator/foundation/matrix/KtReArray.h"
+
+namespace Kt::detail {
+
+/// The lower triangular L of a mass matrix H = L^T L. Its row i has entries only in the columns of
+/// joints that carry joint i, as H itself: nothing fills in, and nothing is spent on branches.
+///
+/// @see R. Featherstone, Efficient factorization of the joint-space inertia matrix for branched
+///      kinematic trees, International Journal of Robotics Research 24 (2005), 487-500
+class BranchFactor {
+ public:
+  /// Factors a mass matrix.
+  ///
+  /// @param mass     symmetric; only its lower triangle is read
+  /// @param parents  for each joint the one that carries it, which has a lower index; any number
+  ///                 from the count of joints on for none
+  void factor(const KtReArray& mass, const std::vector<KtU32>& parents);
+  /// Whether less than half of the lower triangle is non-zero, so that this factor is worth it.
+  static bool isWorthIt(const std::vector<KtU32>& parents);
+  /// Solves H x = b in place, for the columns of an array with a row for each joint.
+  void solve(KtReArray& x) const;
+
+ private:
+  KtReArray lower_;
+  std::vector<double> reciprocals_;  // of the diagonal
+  // The joints that carry joint i, from the nearest on: from starts_[i] up to starts_[i + 1].
+  std::vector<KtU32> carriers_;
+  std::vector<KtU32> starts_;
+};
+
+}  // namespace Kt::detail
