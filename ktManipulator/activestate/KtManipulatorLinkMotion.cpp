@@ -78,7 +78,7 @@ const KtCoordinateSystemTransformation& KtManipulatorLink::dhFrameInSystem(
 
 const KtCoordinateSystemTransformation& KtManipulatorLink::primaryFrameInSystem(
     KtManipulatorActivePositionState& positionState) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   if (i != ktBaseIndex && i >= positionState.linkCount()) {
     Kt::Print::instance().write(
         Kt::Print::kError, "KtManipulatorLink::primaryFrameInSystem(): index %d out of range %d.\n",
@@ -185,7 +185,7 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInSystem(
 
 const KtGeneralMotion& KtManipulatorLink::primaryFrameVelocityInSystem(
     KtManipulatorActiveState& activeState) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& velocities = activeState.velocityCache();
   if (i != ktBaseIndex && i >= velocities.linkCount()) {
     Kt::Print::instance().write(
@@ -206,7 +206,7 @@ const KtGeneralMotion& KtManipulatorLink::primaryFrameVelocityInSystem(
 
 const KtGeneralMotion& KtManipulatorLink::comVelocityInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& velocities = activeState.velocityCache();
   if (i != ktBaseIndex && i >= velocities.linkCount()) {
     reportBadSize("comVelocityInLocal", i);
@@ -273,7 +273,7 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameAccelerationInLocal(
 const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
     const KtManipulatorExternalForce& external, KtManipulatorActiveState& activeState,
     const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   if (i != ktBaseIndex && i >= activeState.forceCache().linkCount()) {
     report("KtManipulatorLink::dhFrameForceInLocal(): force index out of range.\n");
     return m_theDummyGeneralForce;
@@ -310,7 +310,7 @@ const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::comAccelerationInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& accelerations = activeState.accelerationCache();
   if (i != ktBaseIndex && i >= accelerations.linkCount()) {
     reportBadSize("comAccelerationInLocal", i);
@@ -351,7 +351,7 @@ const KtLineSegment& KtManipulatorLink::forceVectorInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::spatialMomentumInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& velocities = activeState.velocityCache();
   if (i != ktBaseIndex && i >= velocities.linkCount()) {
     reportIndex("spatialMomentumInLocal", i);
@@ -368,7 +368,7 @@ const KtGeneralMotion& KtManipulatorLink::spatialMomentumInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::spatialMomentumRateInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& accelerations = activeState.accelerationCache();
   if (i != ktBaseIndex && i >= accelerations.linkCount()) {
     reportIndex("spatialMomentumRateInLocal", i);
@@ -391,7 +391,7 @@ const KtGeneralMotion& KtManipulatorLink::spatialMomentumRateInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& velocities = activeState.velocityCache();
   if (i != ktBaseIndex && i >= velocities.linkCount()) {
     reportIndex("compositeSpatialMomentumInLocal", i);
@@ -415,7 +415,7 @@ const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumRateInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& accelerations = activeState.accelerationCache();
   if (i != ktBaseIndex && i >= accelerations.linkCount()) {
     reportIndex("compositeSpatialMomentumRateInLocal", i);

@@ -1,6 +1,7 @@
 #include "ktManipulator/actuation/KtJointMechanics.h"
 
 #include <cmath>
+#include <typeinfo>
 
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/actuation/KtActuatorState.h"
@@ -75,10 +76,17 @@ double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
   if (i < ktBaseIndex && i > outputTorques.elements().size()) outputTorques.resizeToAtLeast(i);
   if (!this->isRigid_) return nonRigidOutputTorque(active);
   const double torque = this->driveTorque(command);
-  const double linear = linearTorque(active);
+  // Without virtual calls where no derived class can have another opinion.
+  const bool exact = typeid(*this) == typeid(Cls);
+  const double linear =
+      exact ? KtJointMechanics::stopperTorque(active) +
+                  KtJointMechanics::viscousFrictionTorque(active)
+            : linearTorque(active);
   double drive = torque - load;
   if constexpr (Cls::kFrictionSeesLinearTorque) drive -= linear;
-  const double result = torque - linear - dryFrictionTorque(drive, active);
+  const double dry = exact ? KtJointMechanics::dryFrictionTorque(drive, active)
+                           : dryFrictionTorque(drive, active);
+  const double result = torque - linear - dry;
   storeIfThere(active.actuatorState().outputTorques(), i, result);
   return result;
 }

@@ -51,26 +51,54 @@ void BranchFactor::factor(const KtReArray& mass, const std::vector<KtU32>& paren
   }
 }
 
-void BranchFactor::solve(KtReArray& x) const {
-  const KtU32 n = lower_.rows();
-  const KtU32 columns = x.columns();
-  for (KtU32 i = n; i-- > 0;) {
-    double* own = x[i];
-    for (KtU32 c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
+// The number of columns is that of the template where it is not 0, so that the loops unroll.
+
+template <KtU32 kColumns>
+void BranchFactor::solveInwards(double* x, KtU32 given) const {
+  const std::size_t columns = kColumns != 0 ? kColumns : given;
+  for (KtU32 i = lower_.rows(); i-- > 0;) {
+    double* own = x + i * columns;
+    for (std::size_t c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
+    const double* row = lower_[i];
     for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) {
-      const double factor = lower_[i][carriers_[k]];
-      double* target = x[carriers_[k]];
-      for (KtU32 c = 0; c < columns; ++c) target[c] -= factor * own[c];
+      const double factor = row[carriers_[k]];
+      double* __restrict target = x + carriers_[k] * columns;
+      for (std::size_t c = 0; c < columns; ++c) target[c] -= factor * own[c];
     }
   }
-  for (KtU32 i = 0; i < n; ++i) {
-    double* own = x[i];
+}
+
+template <KtU32 kColumns>
+void BranchFactor::solveOutwards(double* x, KtU32 given) const {
+  const std::size_t columns = kColumns != 0 ? kColumns : given;
+  for (KtU32 i = 0; i < lower_.rows(); ++i) {
+    double* __restrict own = x + i * columns;
+    const double* row = lower_[i];
     for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) {
-      const double factor = lower_[i][carriers_[k]];
-      const double* known = x[carriers_[k]];
-      for (KtU32 c = 0; c < columns; ++c) own[c] -= factor * known[c];
+      const double factor = row[carriers_[k]];
+      const double* known = x + carriers_[k] * columns;
+      for (std::size_t c = 0; c < columns; ++c) own[c] -= factor * known[c];
     }
-    for (KtU32 c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
+    for (std::size_t c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
+  }
+}
+
+void BranchFactor::solveInwards(KtReArray& x) const {
+  switch (x.columns()) {
+    case 1:
+      return solveInwards<1>(x[0], 1);
+    case 6:
+      return solveInwards<6>(x[0], 6);
+    default:
+      return solveInwards<0>(x[0], x.columns());
+  }
+}
+
+void BranchFactor::solveOutwards(KtReArray& x) const {
+  if (x.columns() == 1) {
+    solveOutwards<1>(x[0], 1);
+  } else {
+    solveOutwards<0>(x[0], x.columns());
   }
 }
 

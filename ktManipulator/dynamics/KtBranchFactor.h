@@ -24,10 +24,17 @@ class BranchFactor {
   void factor(const KtReArray& mass, const std::vector<KtU32>& parents);
   /// Whether less than half of the lower triangle is non-zero, so that this factor is worth it.
   static bool isWorthIt(const std::vector<KtU32>& parents);
-  /// Solves H x = b in place, for the columns of an array with a row for each joint.
-  void solve(KtReArray& x) const;
+  /// Solves L^T x = b in place, for the columns of an array with a row for each joint.
+  void solveInwards(KtReArray& x) const;
+  /// Solves L x = b in place. After `solveInwards` this solves H x = b.
+  void solveOutwards(KtReArray& x) const;
 
  private:
+  template <KtU32 kColumns>
+  void solveInwards(double* x, KtU32 given) const;
+  template <KtU32 kColumns>
+  void solveOutwards(double* x, KtU32 given) const;
+
   KtReArray lower_;
   std::vector<double> reciprocals_;  // of the diagonal
   // The joints that carry joint i, from the nearest on: from starts_[i] up to starts_[i + 1].

@@ -79,8 +79,9 @@ void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
   for (KtU32 i = 0; i < n; ++i) acceleration.jointAccelerations()[i] = solution_[first + i][0];
 }
 
-// The joints are eliminated first, which keeps the zeros of branches: with (I, D^T; D, H) the mass
-// matrix partitioned as base and joints, what is left of the base is I - D^T H^-1 D.
+// The joints are eliminated first, which keeps the zeros of branches. With (I, D^T; D, H) the mass
+// matrix partitioned as base and joints, H = G G^T (G lower triangular for a chain, upper for a
+// tree) and Y = G^-1 D, what is left of the base is I - Y^T Y.
 void KtCrbiAccelerationTool::factorMassMatrix(const KtIndividualManipulator& manipulator,
                                               KtManipulatorActiveState& activeState,
                                               const KtStatedSystemStruct* asker) {
@@ -96,28 +97,37 @@ void KtCrbiAccelerationTool::factorMassMatrix(const KtIndividualManipulator& man
   Kt::detail::CompositeColumns::reportMissing(manipulator);
   manipulator.crbi(activeState, asker).getArray(baseFactor_);
   if (factoredJoints_ > 0) {
-    massMatrixTool_.getCoupling(coupling_);
-    response_ = coupling_;
-    solveJoints(response_);
-    coupling_.leftTransposeTransform(response_, part_);
+    massMatrixTool_.getCoupling(baseCoupling_);
+    solveFirstHalf(baseCoupling_);
+    baseCoupling_.overconstrainedNormal(part_);
     baseFactor_ -= part_;
   }
   baseFactor_.choleskyDecomposition(baseFactor_);
 }
 
-// Solves H x = b in place.
-void KtCrbiAccelerationTool::solveJoints(KtReArray& x) const {
+// Solves G y = b in place.
+void KtCrbiAccelerationTool::solveFirstHalf(KtReArray& x) const {
   if (isBranched_) {
-    branchFactor_.solve(x);
+    branchFactor_.solveInwards(x);
   } else {
-    factor_.choleskyBackSubstitution(x, x);
+    factor_.forwardSubstitution(x, x);
+  }
+}
+
+// Solves G^T x = y in place.
+void KtCrbiAccelerationTool::solveSecondHalf(KtReArray& x) const {
+  if (isBranched_) {
+    branchFactor_.solveOutwards(x);
+  } else {
+    factor_.backwardSubstitution(x, x);
   }
 }
 
 // Solves in place for columns with the base first.
 void KtCrbiAccelerationTool::solve(KtReArray& x) {
   if (!factoredBase_) {
-    solveJoints(x);
+    solveFirstHalf(x);
+    solveSecondHalf(x);
     return;
   }
   const KtU32 columns = x.columns();
@@ -127,15 +137,16 @@ void KtCrbiAccelerationTool::solve(KtReArray& x) {
   if (factoredJoints_ > 0) {
     joints_.resizeArray(factoredJoints_, columns);
     std::copy_n(x[6], joints, joints_[0]);
-    response_.leftTransposeTransform(joints_, part_);
+    solveFirstHalf(joints_);
+    baseCoupling_.leftTransposeTransform(joints_, part_);
     base_ -= part_;
   }
   baseFactor_.choleskyBackSubstitution(base_, base_);
   std::copy_n(base_[0], std::size_t{6} * columns, x[0]);
   if (factoredJoints_ == 0) return;
-  solveJoints(joints_);
-  response_.transform(base_, part_);
+  baseCoupling_.transform(base_, part_);
   joints_ -= part_;
+  solveSecondHalf(joints_);
   std::copy_n(joints_[0], joints, x[6]);
 }
 
@@ -251,8 +262,8 @@ void KtCrbiAccelerationTool::hybridTorqueAcceleration(
       torque.generalForce().setScalarValue(i - n, torque.generalForce()[i - n] + found);
       continue;
     }
-    const KtManipulatorLink* link = manipulator.linkByIndex(i);
-    const double ratio = link != nullptr ? link->jointActuator().gearRatio() : 0.0;
+    const KtManipulatorLink* link = manipulator.links()[i];
+    const double ratio = link != nullptr ? link->actuator().gearRatio() : 0.0;
     if (ratio != 0.0) torque.jointTorques()[i].value() += found / ratio;
   }
   acceleration.setGeneralAcceleration(base);
@@ -291,10 +302,10 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
   const KtU32 n = manipulator.jointDof();
   jointTorques_.setToZeros(n, 1);
   for (KtU32 i = 0; i < std::min<std::size_t>({n, bias.size(), given.size()}); ++i) {
-    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    const KtManipulatorLink* link = manipulator.links()[i];
     if (link == nullptr) continue;
     const double load = bias[i];
-    jointTorques_[i][0] = link->jointActuator().mechanicalComponentContainer().outputTorque(
+    jointTorques_[i][0] = link->actuator().mechanicalComponentContainer().outputTorque(
                               given[i], load, activeState) -
                           load;
   }
@@ -322,8 +333,8 @@ void KtCrbiAccelerationTool::addActuatorInertias(const KtIndividualManipulator& 
                                                  KtManipulatorActiveState& activeState) {
   const auto& positions = activeState.positionCache();
   for (KtU32 i = 0; i < manipulator.jointDof(); ++i) {
-    const KtManipulatorLink* link = manipulator.linkByIndex(i);
+    const KtManipulatorLink* link = manipulator.links()[i];
     if (link == nullptr) continue;
-    massMatrix_[i][i] += link->jointActuator().effectiveInertia(positions.jointPosition(i));
+    massMatrix_[i][i] += link->actuator().effectiveInertia(positions.jointPosition(i));
   }
 }

@@ -124,7 +124,8 @@ class KT_EXPORT KtCrbiAccelerationTool {
                            KtManipulatorActiveState& activeState);
   void factorMassMatrix(const KtIndividualManipulator& manipulator,
                         KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker);
-  void solveJoints(KtReArray& x) const;
+  void solveFirstHalf(KtReArray& x) const;
+  void solveSecondHalf(KtReArray& x) const;
   void solve(KtReArray& x);
   void partition(KtU32 selected);
   KtGeneralForce baseForce(const KtIndividualManipulator& manipulator,
@@ -149,8 +150,7 @@ class KT_EXPORT KtCrbiAccelerationTool {
   bool isBranched_ = false;
   Kt::detail::BranchFactor branchFactor_;
   KtReArray factor_;
-  KtReArray coupling_;       // D
-  KtReArray response_;       // H^-1 D
+  KtReArray baseCoupling_;   // G^-1 D
   KtReArray baseFactor_;     // of I - D^T H^-1 D
   KtReArray joints_, base_;  // parts of what is solved for
   KtReArray part_;

@@ -26,7 +26,7 @@ double jointTorque(const KtManipulatorTorque& torque, KtU32 index) {
 
 const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveState& activeState,
                                                          const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& masses = activeState.massCache();
   if (i != ktBaseIndex && i >= masses.linkCount()) {
     reportIndex("crbi(): index", i);
@@ -51,7 +51,7 @@ const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(const KtManipulatorExte
                                                          const KtManipulatorTorque& torque,
                                                          KtManipulatorActiveState& activeState,
                                                          const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex();
+  const KtU32 i = linkIndex_;
   auto& articulation = activeState.articulationCache();
   if (i != ktBaseIndex && i >= articulation.linkCount()) {
     reportIndex("arbd(): index", i);

@@ -409,6 +409,22 @@ bool KtReArray::choleskyBackSubstitution(const KtReArray& b, KtReArray& x) const
   return true;
 }
 
+bool KtReArray::forwardSubstitution(const KtReArray& b, KtReArray& x) const {
+  if (!isFactorFor(b.rows_, "forwardSubstitution")) return false;
+  if (&x == this) return KtReArray(*this).forwardSubstitution(b, x);
+  x = b;
+  if (!x.entries_.empty()) solveForward(x);
+  return true;
+}
+
+bool KtReArray::backwardSubstitution(const KtReArray& b, KtReArray& x) const {
+  if (!isFactorFor(b.rows_, "backwardSubstitution")) return false;
+  if (&x == this) return KtReArray(*this).backwardSubstitution(b, x);
+  x = b;
+  if (!x.entries_.empty()) solveBackward(x);
+  return true;
+}
+
 bool KtReArray::choleskyBackSubstitutionOnTranspose(const KtReArray& a, KtReArray& x) const {
   if (!isFactorFor(a.columns_, "choleskyBackSubstitutionOnTranspose")) return false;
   if (&x == this) return KtReArray(*this).choleskyBackSubstitutionOnTranspose(a, x);

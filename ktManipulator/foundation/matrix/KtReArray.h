@@ -113,6 +113,10 @@ class KT_EXPORT KtReArray {
 
   /// Solves L L^T x = b for one or several columns b.
   bool choleskyBackSubstitution(const KtReArray& b, KtReArray& x) const;
+  /// Solves L x = b for one or several columns b, the first half of `choleskyBackSubstitution`.
+  bool forwardSubstitution(const KtReArray& b, KtReArray& x) const;
+  /// Solves L^T x = b for one or several columns b, the second half.
+  bool backwardSubstitution(const KtReArray& b, KtReArray& x) const;
   /// Solves L L^T x = a^T.
   bool choleskyBackSubstitutionOnTranspose(const KtReArray& a, KtReArray& x) const;
   /// Solves L x = b^T.
