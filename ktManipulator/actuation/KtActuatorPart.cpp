@@ -3,5 +3,5 @@
 #include "ktManipulator/model/KtManipulatorLink.h"
 
 KtU32 KtActuatorPart::linkIndex() const {
-  return link_ != nullptr ? link_->linkIndex() : ktUnmappedIndex;
+  return link_ != nullptr ? link_->mappedIndex() : ktUnmappedIndex;
 }

@@ -67,11 +67,14 @@ void KtEfficientJointMechanics::registerEfficiency() {
   registerComponent(KtManip::KtMaxEfficiencyToken, &maxEfficiency_);
 }
 
+// These are asked for every joint in every step. The states' own operations are named, which makes
+// the calls direct: the states stand by value in the active state.
+
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
                                                    KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  Reals& outputTorques = active.actuatorState().outputTorques();
+  Reals& outputTorques = active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques();
   // The reserved indices of the root and of unmapped links are no lengths.
   if (i < ktBaseIndex && i > outputTorques.elements().size()) outputTorques.resizeToAtLeast(i);
   if (!this->isRigid_) return nonRigidOutputTorque(active);
@@ -87,7 +90,7 @@ double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
   const double dry = exact ? KtJointMechanics::dryFrictionTorque(drive, active)
                            : dryFrictionTorque(drive, active);
   const double result = torque - linear - dry;
-  storeIfThere(active.actuatorState().outputTorques(), i, result);
+  storeIfThere(active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques(), i, result);
   return result;
 }
 
@@ -100,8 +103,8 @@ double KtJointMechanics<Cls, Params>::linearTorque(KtManipulatorActiveState& act
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::stopperTorque(const KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  const Reals& positions = active.positionState().jointPositions();
-  const Reals& velocities = active.velocityState().jointVelocities();
+  const Reals& positions = active.KtManipulatorActiveState::positionState().KtPositionState::jointPositions();
+  const Reals& velocities = active.KtManipulatorActiveState::velocityState().KtVelocityState::jointVelocities();
   if (!reach(i, positions, velocities)) {
     reportIndex<Cls>("stopperTorque");
     return 0.0;
@@ -124,7 +127,7 @@ template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::viscousFrictionTorque(
     const KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  const Reals& rates = active.actuatorState().motorVelocities();
+  const Reals& rates = active.KtManipulatorActiveState::actuatorState().KtActuatorState::motorVelocities();
   if (!reach(i, rates)) {
     reportIndex<Cls>("viscousFrictionTorque");
     return 0.0;
@@ -136,10 +139,10 @@ template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::dryFrictionTorque(double drive,
                                                         KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  KtActuatorState& state = active.actuatorState();
-  const Reals& positions = state.motorPositions();
-  const Reals& rates = state.motorVelocities();
-  KtActuatorState::Flags& modes = state.staticFrictionModes();
+  KtActuatorState& state = active.KtManipulatorActiveState::actuatorState();
+  const Reals& positions = state.KtActuatorState::motorPositions();
+  const Reals& rates = state.KtActuatorState::motorVelocities();
+  KtActuatorState::Flags& modes = state.KtActuatorState::staticFrictionModes();
   if (!reach(i, positions, rates, modes)) {
     reportIndex<Cls>("dryFrictionTorque");
     return 0.0;
@@ -157,12 +160,12 @@ double KtJointMechanics<Cls, Params>::dryFrictionTorque(double drive,
   }
   if (!sticks) {
     sticks = true;
-    storeIfThere(state.springDamperCenters(), i, position);
+    storeIfThere(state.KtActuatorState::springDamperCenters(), i, position);
   }
   const double motorDrive = drive / this->gearRatio_;
   if (motorDrive < -this->staticCoulombFriction_) return -most;
   if (motorDrive > this->staticCoulombFriction_) return most;
-  const Reals& centers = state.springDamperCenters();
+  const Reals& centers = state.KtActuatorState::springDamperCenters();
   const double center = i < centers.elements().size() ? centers[i].value() : position;
   return this->gearRatio_ * (motorDrive + rate * this->staticCoulombDamperCoefficient_ +
                              (position - center) * this->staticCoulombSpringCoefficient_);
