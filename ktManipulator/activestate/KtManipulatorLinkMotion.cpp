@@ -153,8 +153,12 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInLocal(
   KtVector linear = r.inverseTimes(inboard.linear() + w.cross(joint.dhTransform().translation()));
   KtVector angular = r.inverseTimes(w);
   if (const auto* motion = frameMotion(); motion != nullptr) {
-    linear += motion->linear * qDot;
-    angular += motion->angular * qDot;
+    if (motion->turnsAboutZ) {
+      angular.z += qDot;
+    } else {
+      linear += motion->linear * qDot;
+      angular += motion->angular * qDot;
+    }
   } else {
     const KtGeneralMotion& relative =
         linkKinematicsContainer_.calculateVelocity(positions.jointPosition(i), qDot);
@@ -252,7 +256,9 @@ const KtGeneralMotion& KtManipulatorLink::dhFrameAccelerationInLocal(
   KtVector linear =
       r.inverseTimes(inboard.linear() + inboard.angular().cross(p) + outer.cross(outer.cross(p)));
   KtVector angular = r.inverseTimes(inboard.angular());
-  if (const auto* motion = frameMotion(); motion != nullptr) {
+  if (const auto* motion = frameMotion(); motion != nullptr && motion->turnsAboutZ) {
+    angular += KtVector(w.y * qDot, -w.x * qDot, qDotDot);
+  } else if (motion != nullptr) {
     const KtVector relative = motion->angular * qDot;
     linear += w.cross(motion->linear) * (2.0 * qDot) + motion->linear * qDotDot +
               motion->centripetal * (qDot * qDot);

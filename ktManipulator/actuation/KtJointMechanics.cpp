@@ -74,23 +74,24 @@ template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
                                                    KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  Reals& outputTorques = active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques();
+  Reals& outputTorques =
+      active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques();
   // The reserved indices of the root and of unmapped links are no lengths.
   if (i < ktBaseIndex && i > outputTorques.elements().size()) outputTorques.resizeToAtLeast(i);
   if (!this->isRigid_) return nonRigidOutputTorque(active);
   const double torque = this->driveTorque(command);
   // Without virtual calls where no derived class can have another opinion.
   const bool exact = typeid(*this) == typeid(Cls);
-  const double linear =
-      exact ? KtJointMechanics::stopperTorque(active) +
-                  KtJointMechanics::viscousFrictionTorque(active)
-            : linearTorque(active);
+  const double linear = exact ? KtJointMechanics::stopperTorque(active) +
+                                    KtJointMechanics::viscousFrictionTorque(active)
+                              : linearTorque(active);
   double drive = torque - load;
   if constexpr (Cls::kFrictionSeesLinearTorque) drive -= linear;
-  const double dry = exact ? KtJointMechanics::dryFrictionTorque(drive, active)
-                           : dryFrictionTorque(drive, active);
+  const double dry =
+      exact ? KtJointMechanics::dryFrictionTorque(drive, active) : dryFrictionTorque(drive, active);
   const double result = torque - linear - dry;
-  storeIfThere(active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques(), i, result);
+  storeIfThere(active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques(), i,
+               result);
   return result;
 }
 
@@ -103,8 +104,10 @@ double KtJointMechanics<Cls, Params>::linearTorque(KtManipulatorActiveState& act
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::stopperTorque(const KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  const Reals& positions = active.KtManipulatorActiveState::positionState().KtPositionState::jointPositions();
-  const Reals& velocities = active.KtManipulatorActiveState::velocityState().KtVelocityState::jointVelocities();
+  const Reals& positions =
+      active.KtManipulatorActiveState::positionState().KtPositionState::jointPositions();
+  const Reals& velocities =
+      active.KtManipulatorActiveState::velocityState().KtVelocityState::jointVelocities();
   if (!reach(i, positions, velocities)) {
     reportIndex<Cls>("stopperTorque");
     return 0.0;
@@ -127,7 +130,8 @@ template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::viscousFrictionTorque(
     const KtManipulatorActiveState& active) const {
   const KtU32 i = this->linkIndex();
-  const Reals& rates = active.KtManipulatorActiveState::actuatorState().KtActuatorState::motorVelocities();
+  const Reals& rates =
+      active.KtManipulatorActiveState::actuatorState().KtActuatorState::motorVelocities();
   if (!reach(i, rates)) {
     reportIndex<Cls>("viscousFrictionTorque");
     return 0.0;

@@ -9,6 +9,7 @@ namespace Kt::detail {
 
 bool BranchFactor::isWorthIt(const std::vector<KtU32>& parents) {
   const std::size_t n = parents.size();
+  if (n < 16) return true;  // too few for what a dense factorisation has to set up
   std::size_t entries = 0;
   for (std::size_t i = 0; i < n; ++i) {
     for (std::size_t j = i; j < n; j = parents[j]) ++entries;

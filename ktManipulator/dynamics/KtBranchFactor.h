@@ -22,7 +22,8 @@ class BranchFactor {
   /// @param parents  for each joint the one that carries it, which has a lower index; any number
   ///                 from the count of joints on for none
   void factor(const KtReArray& mass, const std::vector<KtU32>& parents);
-  /// Whether less than half of the lower triangle is non-zero, so that this factor is worth it.
+  /// Whether this factor is cheaper than a dense one: for few joints, or where less than half of
+  /// the lower triangle is non-zero.
   static bool isWorthIt(const std::vector<KtU32>& parents);
   /// Solves L^T x = b in place, for the columns of an array with a row for each joint.
   void solveInwards(KtReArray& x) const;

@@ -39,21 +39,30 @@ void CompositeColumns::compute(const KtIndividualManipulator& manipulator,
         frame.p = inboard->p + inboard->r * frame.p;
         frame.r = inboard->r * frame.r;
       }
-      if (const auto* motion = link->frameMotion(); motion != nullptr) {
-        linear = motion->linear;
-        angular = motion->angular;
-      } else {
-        const KtGeneralMotion& unit = link->linkKinematicsContainer().calculateAcceleration(
-            positions.jointPosition(i), 0.0, 1.0);
-        linear = unit.linear();
-        angular = unit.angular();
-      }
       const KtVector& c = body.firstMomentValue();
-      force = frame.r * (linear * body.massValue() - c.cross(angular));
-      moment =
-          frame.r * (body.secondMomentValue() * angular + c.cross(linear)) + frame.p.cross(force);
-      angular = frame.r * angular;
-      linear = frame.r * linear + frame.p.cross(angular);
+      const auto* motion = link->frameMotion();
+      if (motion != nullptr && motion->turnsAboutZ) {
+        const double* j = body.secondMomentValue().values();
+        force = frame.r * KtVector(-c.y, c.x, 0.0);
+        moment = frame.r * KtVector(j[4], j[5], j[2]);
+        angular = {frame.r[2], frame.r[5], frame.r[8]};
+      } else {
+        if (motion != nullptr) {
+          linear = motion->linear;
+          angular = motion->angular;
+        } else {
+          const KtGeneralMotion& unit = link->linkKinematicsContainer().calculateAcceleration(
+              positions.jointPosition(i), 0.0, 1.0);
+          linear = unit.linear();
+          angular = unit.angular();
+        }
+        force = frame.r * (linear * body.massValue() - c.cross(angular));
+        moment = frame.r * (body.secondMomentValue() * angular + c.cross(linear));
+        angular = frame.r * angular;
+        linear = frame.r * linear;
+      }
+      moment += frame.p.cross(force);
+      linear += frame.p.cross(angular);
     }
     double* motion = motions_[i];
     motion[0] = linear.x, motion[1] = linear.y, motion[2] = linear.z;

@@ -305,9 +305,9 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
     const KtManipulatorLink* link = manipulator.links()[i];
     if (link == nullptr) continue;
     const double load = bias[i];
-    jointTorques_[i][0] = link->actuator().mechanicalComponentContainer().outputTorque(
-                              given[i], load, activeState) -
-                          load;
+    jointTorques_[i][0] =
+        link->actuator().mechanicalComponentContainer().outputTorque(given[i], load, activeState) -
+        load;
   }
 }
 

@@ -104,8 +104,12 @@ const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInL
     KtVector angular;
     getInboardSupplement(external, torque, activeState, asker, linear, angular);
     if (const auto* motion = frameMotion(); motion != nullptr) {
-      linear += motion->linear * rate;
-      angular += motion->angular * rate;
+      if (motion->turnsAboutZ) {
+        angular.z += rate;
+      } else {
+        linear += motion->linear * rate;
+        angular += motion->angular * rate;
+      }
     } else {
       const KtGeneralMotion& relative = linkKinematicsContainer_.calculateAcceleration(
           activeState.positionCache().jointPosition(i), 0.0, rate);

@@ -7,6 +7,7 @@ namespace {
 // The power of a force at a unit of the joint's rate.
 double power(const KtManipulatorLink& link, double q, const KtGeneralForce& force) {
   if (const auto* motion = link.frameMotion(); motion != nullptr) {
+    if (motion->turnsAboutZ) return force.moment().z;
     return motion->linear.dot(force.force()) + motion->angular.dot(force.moment());
   }
   const KtGeneralMotion& unit = link.linkKinematicsContainer().calculateAcceleration(q, 0.0, 1.0);
@@ -32,9 +33,8 @@ double KtTotalTorqueTool::torque(KtU32 index, const KtManipulatorExternalForce& 
   double torque = power(*link, q, force) + link->totalLocalTorque(activeState);
   const KtU32 linkIndex = link->mappedIndex();
   const auto& accelerations = activeState.accelerationState().jointAccelerations().elements();
-  if (linkIndex < accelerations.size()) {
-    torque += actuator.effectiveInertia(q) * accelerations[linkIndex].value();
-  }
+  const double qDotDot = linkIndex < accelerations.size() ? accelerations[linkIndex].value() : 0.0;
+  if (qDotDot != 0.0) torque += actuator.effectiveInertia(q) * qDotDot;
   switch (totalTorqueType_) {
     case kTotalTorqueWithFriction:
       torque -= actuator.mechanicalComponentContainer().outputTorque(0.0, torque, activeState);

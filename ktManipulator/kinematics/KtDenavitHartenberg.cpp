@@ -374,6 +374,7 @@ void KtDenavitHartenberg::refreshMotion() noexcept {
       (paul || isCraig() || dhType_ == kGeneral) && (rotational || jointType_ == kPrismatic);
   const KtVector axis = paul ? KtVector(0.0, sinAlpha_, cosAlpha_) : KtVector(0.0, 0.0, 1.0);
   motion_ = {};
+  motion_.turnsAboutZ = rotational && !paul;
   if (rotational) {
     motion_.angular = axis;
     // The frame's origin lies at (a, 0, 0) from the axis.

@@ -52,6 +52,7 @@ class KT_EXPORT KtDenavitHartenberg
     KtVector linear;       ///< Velocity at a unit of joint rate.
     KtVector angular;      ///< Angular velocity at a unit of joint rate.
     KtVector centripetal;  ///< Linear acceleration at a unit of joint rate.
+    bool turnsAboutZ;      ///< Whether all is zero but the angular z, which is 1.
   };
 
   KtDenavitHartenberg() { refreshMotion(); }
