@@ -82,13 +82,12 @@ double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
   const double torque = this->driveTorque(command);
   // Without virtual calls where no derived class can have another opinion.
   const bool exact = typeid(*this) == typeid(Cls);
-  const double linear = exact ? KtJointMechanics::stopperTorque(active) +
-                                    KtJointMechanics::viscousFrictionTorque(active)
+  const double linear = exact ? stopperTorqueOf(i, active) + viscousFrictionTorqueOf(i, active)
                               : linearTorque(active);
   double drive = torque - load;
   if constexpr (Cls::kFrictionSeesLinearTorque) drive -= linear;
   const double dry =
-      exact ? KtJointMechanics::dryFrictionTorque(drive, active) : dryFrictionTorque(drive, active);
+      exact ? dryFrictionTorqueOf(i, drive, active) : dryFrictionTorque(drive, active);
   const double result = torque - linear - dry;
   storeIfThere(active.KtManipulatorActiveState::actuatorState().KtActuatorState::outputTorques(), i,
                result);
@@ -103,7 +102,12 @@ double KtJointMechanics<Cls, Params>::linearTorque(KtManipulatorActiveState& act
 
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::stopperTorque(const KtManipulatorActiveState& active) const {
-  const KtU32 i = this->linkIndex();
+  return stopperTorqueOf(this->linkIndex(), active);
+}
+
+template <class Cls, class Params>
+inline double KtJointMechanics<Cls, Params>::stopperTorqueOf(
+    KtU32 i, const KtManipulatorActiveState& active) const {
   const Reals& positions =
       active.KtManipulatorActiveState::positionState().KtPositionState::jointPositions();
   const Reals& velocities =
@@ -129,7 +133,12 @@ double KtJointMechanics<Cls, Params>::stopperTorque(const KtManipulatorActiveSta
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::viscousFrictionTorque(
     const KtManipulatorActiveState& active) const {
-  const KtU32 i = this->linkIndex();
+  return viscousFrictionTorqueOf(this->linkIndex(), active);
+}
+
+template <class Cls, class Params>
+inline double KtJointMechanics<Cls, Params>::viscousFrictionTorqueOf(
+    KtU32 i, const KtManipulatorActiveState& active) const {
   const Reals& rates =
       active.KtManipulatorActiveState::actuatorState().KtActuatorState::motorVelocities();
   if (!reach(i, rates)) {
@@ -142,7 +151,12 @@ double KtJointMechanics<Cls, Params>::viscousFrictionTorque(
 template <class Cls, class Params>
 double KtJointMechanics<Cls, Params>::dryFrictionTorque(double drive,
                                                         KtManipulatorActiveState& active) const {
-  const KtU32 i = this->linkIndex();
+  return dryFrictionTorqueOf(this->linkIndex(), drive, active);
+}
+
+template <class Cls, class Params>
+inline double KtJointMechanics<Cls, Params>::dryFrictionTorqueOf(
+    KtU32 i, double drive, KtManipulatorActiveState& active) const {
   KtActuatorState& state = active.KtManipulatorActiveState::actuatorState();
   const Reals& positions = state.KtActuatorState::motorPositions();
   const Reals& rates = state.KtActuatorState::motorVelocities();

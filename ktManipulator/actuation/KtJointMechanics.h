@@ -269,6 +269,12 @@ class KT_EXPORT KtJointMechanics : public Params {
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtJointMechanics&) const = default;
+
+ private:
+  // The operations without `Of` for the joint of an index.
+  double stopperTorqueOf(KtU32 i, const KtManipulatorActiveState& active) const;
+  double viscousFrictionTorqueOf(KtU32 i, const KtManipulatorActiveState& active) const;
+  double dryFrictionTorqueOf(KtU32 i, double drive, KtManipulatorActiveState& active) const;
 };
 
 // NOLINTEND(modernize-use-override)

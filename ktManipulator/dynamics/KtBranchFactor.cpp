@@ -17,39 +17,48 @@ bool BranchFactor::isWorthIt(const std::vector<KtU32>& parents) {
   return 4 * entries < n * n;
 }
 
-void BranchFactor::factor(const KtReArray& mass, const std::vector<KtU32>& parents) {
-  const KtU32 n = mass.rows();
-  lower_.resizeArray(n, n);
-  reciprocals_.resize(n);
+void BranchFactor::listCarriers(const std::vector<KtU32>& parents) {
+  const KtU32 n = static_cast<KtU32>(parents.size());
+  parents_ = parents;
   carriers_.clear();
   starts_.resize(n + 1);
   for (KtU32 i = 0; i < n; ++i) {
     starts_[i] = static_cast<KtU32>(carriers_.size());
-    lower_[i][i] = mass[i][i];
-    for (KtU32 j = parents[i]; j < n; j = parents[j]) {
-      carriers_.push_back(j);
-      lower_[i][j] = mass[i][j];
-    }
+    for (KtU32 j = parents[i]; j < n; j = parents[j]) carriers_.push_back(j);
   }
   starts_[n] = static_cast<KtU32>(carriers_.size());
+}
+
+void BranchFactor::factor(const KtReArray& mass, const std::vector<KtU32>& parents) {
+  const KtU32 n = mass.rows();
+  lower_.resizeArray(n, n);
+  scales_.resize(n);
+  if (parents != parents_) listCarriers(parents);
+  for (KtU32 i = 0; i < n; ++i) {
+    const double* from = mass[i];
+    double* to = lower_[i];
+    to[i] = from[i];
+    for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) to[carriers_[k]] = from[carriers_[k]];
+  }
+  // H = L^T D L first, whose pivots need no root, which each would have to wait for.
   const double rounding = n * std::numeric_limits<double>::epsilon();
   for (KtU32 k = n; k-- > 0;) {
     double* row = lower_[k];
     // A pivot that is lost in rounding is raised, as `KtReArray::choleskyDecomposition` does it.
     const double least = KtMath::nonZeroPos(rounding * mass[k][k]);
     const bool raised = row[k] <= least;
-    row[k] = std::sqrt(raised ? least : row[k]);
-    reciprocals_[k] = 1.0 / row[k];
-    const double scale = raised ? 0.0 : reciprocals_[k];
+    scales_[k] = 1.0 / (raised ? least : row[k]);
+    const double reciprocal = raised ? 0.0 : scales_[k];
     const KtU32* first = carriers_.data() + starts_[k];
     const KtU32* last = carriers_.data() + starts_[k + 1];
-    for (const KtU32* i = first; i != last; ++i) row[*i] *= scale;
     for (const KtU32* i = first; i != last; ++i) {
-      const double factor = row[*i];
+      const double factor = row[*i] * reciprocal;
       double* target = lower_[*i];
       for (const KtU32* j = i; j != last; ++j) target[*j] -= factor * row[*j];
+      row[*i] = factor;
     }
   }
+  for (double& scale : scales_) scale = std::sqrt(scale);
 }
 
 // The number of columns is that of the template where it is not 0, so that the loops unroll.
@@ -59,13 +68,13 @@ void BranchFactor::solveInwards(double* x, KtU32 given) const {
   const std::size_t columns = kColumns != 0 ? kColumns : given;
   for (KtU32 i = lower_.rows(); i-- > 0;) {
     double* own = x + i * columns;
-    for (std::size_t c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
     const double* row = lower_[i];
     for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) {
       const double factor = row[carriers_[k]];
       double* __restrict target = x + carriers_[k] * columns;
       for (std::size_t c = 0; c < columns; ++c) target[c] -= factor * own[c];
     }
+    for (std::size_t c = 0; c < columns; ++c) own[c] *= scales_[i];
   }
 }
 
@@ -75,12 +84,12 @@ void BranchFactor::solveOutwards(double* x, KtU32 given) const {
   for (KtU32 i = 0; i < lower_.rows(); ++i) {
     double* __restrict own = x + i * columns;
     const double* row = lower_[i];
+    for (std::size_t c = 0; c < columns; ++c) own[c] *= scales_[i];
     for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) {
       const double factor = row[carriers_[k]];
       const double* known = x + carriers_[k] * columns;
       for (std::size_t c = 0; c < columns; ++c) own[c] -= factor * known[c];
     }
-    for (std::size_t c = 0; c < columns; ++c) own[c] *= reciprocals_[i];
   }
 }
 

@@ -97,14 +97,16 @@ void CompositeColumns::getMassMatrix(KtReArray& mass) const {
   const KtU32 n = count();
   if (n == 0) return;
   const double* f = forces_[0];
+  double* entries = mass[0];
+  const double* motions = motions_[0];
   // Few joints have rows too short to gain from vectors.
   if (!isDepthFirst_ || n < 16) {
-    for (KtU32 j = 0; j < n; ++j) {
+    for (std::size_t j = 0; j < n; ++j) {
       const double f0 = f[j], f1 = f[n + j], f2 = f[2 * n + j];
       const double f3 = f[3 * n + j], f4 = f[4 * n + j], f5 = f[5 * n + j];
-      for (KtU32 i = j; i < n; i = parents_[i]) {
-        const double* s = motions_[i];
-        mass[i][j] = mass[j][i] =
+      for (std::size_t i = j; i < n; i = parents_[i]) {
+        const double* s = motions + 6 * i;
+        entries[i * n + j] = entries[j * n + i] =
             ((s[0] * f0 + s[1] * f1) + (s[2] * f2 + s[3] * f3)) + (s[4] * f4 + s[5] * f5);
       }
     }

@@ -296,18 +296,15 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
                                                        const KtStatedSystemStruct* asker) {
   totalTorqueTool_.setManipulator(&manipulator);
   totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
-  const auto& bias =
-      totalTorqueTool_.torques(external, activeState, asker).jointTorques().elements();
   const auto& given = torque.jointTorques().elements();
-  const KtU32 n = manipulator.jointDof();
-  jointTorques_.setToZeros(n, 1);
-  for (KtU32 i = 0; i < std::min<std::size_t>({n, bias.size(), given.size()}); ++i) {
-    const KtManipulatorLink* link = manipulator.links()[i];
-    if (link == nullptr) continue;
-    const double load = bias[i];
-    jointTorques_[i][0] =
-        link->actuator().mechanicalComponentContainer().outputTorque(given[i], load, activeState) -
-        load;
+  const auto& links = manipulator.links();
+  jointTorques_.setToZeros(manipulator.jointDof(), 1);
+  for (KtU32 i = 0; i < std::min(links.size(), given.size()); ++i) {
+    if (links[i] == nullptr) continue;
+    const double load = totalTorqueTool_.torque(i, external, activeState, asker);
+    jointTorques_[i][0] = links[i]->actuator().mechanicalComponentContainer().outputTorque(
+                              given[i], load, activeState) -
+                          load;
   }
 }
 
