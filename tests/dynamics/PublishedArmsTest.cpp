@@ -1,0 +1,257 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "ktManipulator/ktManipulator.h"
+#include "support/Random.h"
+
+namespace {
+
+using Arm = KtIndividualManipulator;
+using Joints = std::vector<double>;
+using PublishedArms = sampling::Seeded;
+
+constexpr double kPi = std::numbers::pi;
+constexpr double kGravity = 9.81;
+
+Arm armOf(const std::string& file) {
+  KtStatedSystem scene;
+  EXPECT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/" + file, scene));
+  return scene.system().manipulators()[0];
+}
+
+struct Motion {
+  Joints q, rates, accelerations;
+};
+
+// An arm in motion under gravity, its motors in step.
+KtManipulatorActiveState activeOf(const Arm& arm, const Motion& motion, double gravity = kGravity) {
+  const KtU32 n = arm.jointDof();
+  KtPositionState position;
+  KtVelocityState velocity;
+  KtAccelerationState acceleration;
+  acceleration.setGeneralAcceleration({KtVector(0.0, 0.0, gravity), KtVector()});
+  for (KtU32 i = 0; i < n; ++i) {
+    position.jointPositions().pushBack(motion.q[i]);
+    velocity.jointVelocities().pushBack(motion.rates.empty() ? 0.0 : motion.rates[i]);
+    acceleration.jointAccelerations().pushBack(
+        motion.accelerations.empty() ? 0.0 : motion.accelerations[i]);
+  }
+  KtManipulatorActiveState active;
+  active.setPositionState(position);
+  active.setVelocityState(velocity);
+  active.setAccelerationState(acceleration);
+  for (KtU32 i = 0; i < n; ++i)
+    arm.linkByIndex(i)->jointActuator().initializeActuatorStates(active);
+  return active;
+}
+
+void expectTorques(const Arm& arm, const Motion& motion, const Joints& expected, double tolerance,
+                   KtTotalTorqueType type = kTotalTorqueOfLinks, double gravity = kGravity) {
+  KtManipulatorActiveState active = activeOf(arm, motion, gravity);
+  KtTotalTorqueTool tool;
+  tool.setManipulator(&arm);
+  tool.setTotalTorqueType(type);
+  KtManipulatorExternalForce none;
+  none.resize(arm.jointDof());
+  const KtManipulatorTorque& torques = tool.torques(none, active, nullptr);
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    EXPECT_NEAR(torques.jointTorques()[i], expected[i], tolerance) << "joint " << i + 1;
+  }
+}
+
+// B. Armstrong, O. Khatib, J. Burdick, The explicit dynamic model and inertial parameters of the
+// PUMA 560 arm, IEEE Int. Conf. on Robotics and Automation 1986, 510-518: gravity vector and
+// entries of the mass matrix by constants g1.., I1.., which an independent program computed from
+// the paper's tables. They agree with those that the paper prints, but for I1 and I3, which don't
+// follow from its tables.
+TEST_F(PublishedArms, Puma560OfArmstrong) {
+  const Arm arm = armOf("puma560.xml");
+  KtGravitationalTorqueTool gravity;
+  gravity.setManipulator(&arm);
+  gravity.setGravityVector({0.0, 0.0, kGravity});
+  KtMassMatrixTool mass;
+  mass.setManipulator(&arm);
+  for (int trial = 0; trial < 20; ++trial) {
+    Joints q;
+    for (int i = 0; i < 6; ++i) q.push_back(sampling::uniform(-kPi, kPi));
+    KtManipulatorActiveState active = activeOf(arm, {q, {}, {}});
+    const double s2 = std::sin(q[1]), c2 = std::cos(q[1]);
+    const double s23 = std::sin(q[1] + q[2]), c23 = std::cos(q[1] + q[2]);
+    const double s4 = std::sin(q[3]), c4 = std::cos(q[3]);
+    const double s5 = std::sin(q[4]), c5 = std::cos(q[4]);
+
+    const double g4 = 0.24893, g5 = -0.02825;
+    const double g3 = -8.45421 * s23 + g4 * c23 + g5 * (s23 * c5 + c23 * c4 * s5);
+    const double expected[] = {0.0,
+                               -37.23474 * c2 + 1.02416 * s2 + g3,
+                               g3,
+                               -g5 * s23 * s4 * s5,
+                               g5 * (c23 * s5 + s23 * c4 * c5),
+                               0.0};
+    const KtReArray& torques = gravity.gravitationalTorques(active, nullptr);
+    for (KtU32 i = 0; i < 6; ++i) EXPECT_NEAR(torques[i][0], expected[i], 3e-5) << i;
+
+    const double i1 = 1.55326, i3 = 1.60186, i5 = 0.37212, i6 = 0.33375, i7 = 0.29858;
+    const double i10 = -0.02135, i11 = -0.0142, i12 = -0.01096, i15 = 0.00125, i16 = 0.00124;
+    const double i18 = 0.00043, i20 = -0.0002, i21 = -0.0001, i22 = -0.00006;
+    const double m11 =
+        i1 + i3 * c2 * c2 + i7 * s23 * s23 + i10 * s23 * c23 + i11 * s2 * c2 +
+        i20 * (s5 * s5 * (s23 * s23 * (1 + c4 * c4) - 1) - 2 * s23 * c23 * c4 * s5 * c5) +
+        i21 * s23 * s23 * c4 * c4 +
+        2 * (i5 * c2 * s23 + i12 * c2 * c23 + i15 * (s23 * s23 * c5 + s23 * c23 * c4 * s5) +
+             i16 * c2 * (s23 * c5 + c23 * c4 * s5) + i18 * s4 * s5 +
+             i22 * (s23 * c23 * c5 + c23 * c23 * c4 * s5));
+    const KtReArray& m = mass.massMatrix(active, nullptr);
+    EXPECT_NEAR(m[0][0], m11, 1e-4);
+    EXPECT_NEAR(m[2][2], i6 + 2 * i15 * c5, 3e-4) << "but for small terms";
+  }
+}
+
+// P. I. Corke, Robotics Toolbox for MATLAB: parameters of models/mdl_puma560.m, after P. I. Corke,
+// B. Armstrong-Helouvry, A search for consensus among model parameters reported for the PUMA 560
+// robot, IEEE Int. Conf. on Robotics and Automation 1994; results of unit_test/SerialLinkTest.m.
+// The row without friction was computed by an independent program.
+Arm corkesPuma560() {
+  struct Row {
+    double alpha, a, d, mass;
+    KtVector center;
+    double xx, yy, zz, rotor, gear, viscous, coulomb;
+  };
+  const double up = kPi / 2;
+  const Row rows[] = {
+      {up, 0, 0, 0, {0, 0, 0}, 0, 0.35, 0, 200e-6, -62.6111, 1.48e-3, 0.395},
+      {0,
+       0.4318,
+       0,
+       17.4,
+       {-0.3638, 0.006, 0.2275},
+       0.13,
+       0.524,
+       0.539,
+       200e-6,
+       107.815,
+       0.817e-3,
+       0.126},
+      {-up,
+       0.0203,
+       0.15005,
+       4.8,
+       {-0.0203, -0.0141, 0.070},
+       0.066,
+       0.086,
+       0.0125,
+       200e-6,
+       -53.7063,
+       1.38e-3,
+       0.132},
+      {up,
+       0,
+       0.4318,
+       0.82,
+       {0, 0.019, 0},
+       1.8e-3,
+       1.3e-3,
+       1.8e-3,
+       33e-6,
+       76.0364,
+       71.2e-6,
+       11.2e-3},
+      {-up, 0, 0, 0.34, {0, 0, 0}, 0.3e-3, 0.4e-3, 0.3e-3, 33e-6, 71.923, 82.6e-6, 9.26e-3},
+      {0, 0, 0, 0.09, {0, 0, 0.032}, 0.15e-3, 0.15e-3, 0.04e-3, 33e-6, 76.686, 36.7e-6, 3.96e-3}};
+  Arm arm;
+  for (const Row& row : rows) {
+    KtDenavitHartenberg joint;
+    joint.setDhType(KtDenavitHartenberg::kPaul);
+    joint.setDhAlpha(row.alpha);
+    joint.setDhA(row.a);
+    joint.setDhD(row.d);
+    KtRigidBodyMassProperties mass;
+    mass.set(row.mass, KtVector(), {row.xx, row.yy, row.zz, 0, 0, 0}, false);
+    mass.transformBy(row.center);
+    KtMechanicalActuatorComponent mechanics;
+    mechanics.setInertia(row.rotor);
+    mechanics.setGearRatio(row.gear);
+    mechanics.setFrictionCoefficient(row.viscous);
+    mechanics.setStaticCoulombFriction(row.coulomb);
+    mechanics.setLimitingVelocityStickRegion(1e-6);
+    KtJointActuator actuator;
+    actuator.setMechanicalComponent(mechanics);
+    KtManipulatorLink link;
+    link.setLinkKinematics(joint);
+    link.setMassProperties(mass);
+    link.setJointActuator(actuator);
+    arm.addLinkToEndOfChain(link);
+  }
+  return arm;
+}
+
+TEST_F(PublishedArms, Puma560OfCorke) {
+  const Arm arm = corkesPuma560();
+  const Joints nominal{0, kPi / 4, kPi, 0, kPi / 4, 0}, ones(6, 1.0);
+  const Joints other{0, kPi / 4, -kPi, 1, kPi / 4, 0};
+  expectTorques(arm, {nominal, {}, {}}, {0, 31.6399, 6.0351, 0, 0.0283, 0}, 6e-5);
+  expectTorques(arm, {other, {}, {}}, {0, 31.6334, 6.0286, -0.0119, 0.0218, 0}, 6e-5);
+  expectTorques(arm, {nominal, {}, ones}, {3.35311, 36.0025, 7.42596, 0.190043, 0.203441, 0.194133},
+                6e-5);
+  expectTorques(arm, {nominal, ones, ones},
+                {1.962036, 37.785430, 6.673937, 0.191266, 0.205820, 0.194281}, 1e-6);
+  expectTorques(arm, {nominal, ones, ones}, {32.4952, 60.867, 17.7436, 1.45452, 1.29911, 0.713781},
+                6e-4, kTotalTorqueWithFriction);
+
+  KtManipulatorActiveState active = activeOf(arm, {other, {}, {}});
+  KtMassMatrixTool tool;
+  tool.setManipulator(&arm);
+  const KtReArray& mass = tool.massMatrix(active, nullptr);
+  const double rows[6][6] = {
+      {3.6591, -0.4042, 0.1013, -0.0021, -0.0015, 0}, {-0.4042, 4.4128, 0.3504, -0.0008, 0.0017, 0},
+      {0.1013, 0.3504, 0.9377, -0.0008, 0.0008, 0},   {-0.0021, -0.0008, -0.0008, 0.1925, 0, 0},
+      {-0.0015, 0.0017, 0.0008, 0, 0.1713, 0},        {0, 0, 0, 0, 0, 0.1941}};
+  for (KtU32 i = 0; i < 6; ++i) {
+    for (KtU32 j = 0; j < 6; ++j) {
+      const double rotor = i == j ? arm.linkByIndex(i)->jointActuator().effectiveInertia(0.0) : 0.0;
+      EXPECT_NEAR(mass[i][j] + rotor, rows[i][j], 6e-5) << i << ", " << j;
+    }
+  }
+  active = activeOf(arm, {nominal, {}, {}});
+  const auto& flange = arm.linkByIndex(5)->dhFrameInSystem(active.activePositionState());
+  EXPECT_TRUE(flange.translation().approxEq({0.596303, -0.150050, -0.014354}, 1e-6));
+}
+
+// The same unit test: two bars of 1 m and 1 kg, swinging in a vertical plane.
+TEST_F(PublishedArms, TwoLinkArmOfCorke) {
+  Arm arm;
+  for (int i = 0; i < 2; ++i) {
+    KtDenavitHartenberg joint;
+    joint.setDhType(KtDenavitHartenberg::kPaul);
+    joint.setDhA(1.0);
+    KtRigidBodyMassProperties mass = KtRigidBodyMassProperties::pointMass(1.0);
+    mass.transformBy(KtVector(-0.5, 0.0, 0.0));
+    KtManipulatorLink link;
+    link.setLinkKinematics(joint);
+    link.setMassProperties(mass);
+    arm.addLinkToEndOfChain(link);
+  }
+  KtOrientation upright;
+  upright.setFromAngleAxis(kPi / 2, {1.0, 0.0, 0.0});
+  arm.setCoordSysXForm({KtVector(), upright});
+  expectTorques(arm, {{0, 0}, {}, {}}, {2 * kGravity, 0.5 * kGravity}, 1e-12);
+  expectTorques(arm, {{0, kPi / 2}, {}, {}}, {1.5 * kGravity, 0}, 1e-12);
+  expectTorques(arm, {{kPi / 2, 0}, {}, {}}, {0, 0}, 1e-12);
+}
+
+// Drake, multibody/benchmarks/kuka_iiwa_robot: the last joint accelerates, without and with
+// gravity.
+TEST_F(PublishedArms, LbrIiwa14OfDrake) {
+  const Arm arm = armOf("iiwa14.xml");
+  const Motion motion{Joints(7, 0.0), {}, {0, 0, 0, 0, 0, 0, 1000}};
+  const double rotor = arm.linkByIndex(6)->jointActuator().effectiveInertia(0.0);
+  Joints torques{1, 0, 1, 0, 1, 0, 1 + 1000 * rotor};
+  expectTorques(arm, motion, torques, 1e-11, kTotalTorqueOfLinks, 0.0);
+  torques[1] += (0.0003 * 6.35 + 0.0001 * 3.5) * kGravity;
+  torques[3] -= 0.0001 * 3.5 * kGravity;
+  expectTorques(arm, motion, torques, 1e-11);
+}
+
+}  // namespace
