@@ -36,112 +36,91 @@ struct Collector {
     }
     return *this;
   }
-  Collector& operator<<(const KtManipulatorTorque& t) {
-    for (const double x : t.jointTorques().vectorContainer()) *this << x;
-    return *this << t.generalForce();
+  Collector& operator<<(const KtArticulatedBodyDynamics& d) {
+    KtReArray inertia;
+    d.getInertiaArray(inertia);
+    return *this << inertia << d.bias();
   }
 };
 
-// What can be asked of a mechanism in an active state. Most queries take a link, the base too.
+// A link of a mechanism, or its base, that is asked for something in an active state.
+struct Question {
+  const Mechanism& m;
+  const KtManipulatorLink& link;
+  Active& active;
+  Collector& out;
+
+  bool ofBase() const { return link.linkIndex() == ktBaseIndex; }
+};
+using Q = const Question&;
 struct Query {
   const char* name;
-  std::function<void(const Mechanism&, const KtManipulatorLink&, Active&, Collector&)> ask;
+  std::function<void(Q)> ask;
 };
-
-template <class... Arguments>
-using OfLink = const KtGeneralMotion& (KtManipulatorLink::*)(Active&, Arguments...) const;
-Query motionQuery(const char* name, OfLink<> operation) {
-  return {name, [=](const Mechanism&, const KtManipulatorLink& link, Active& a, Collector& out) {
-            out << (link.*operation)(a);
-          }};
-}
-Query motionQuery(const char* name, OfLink<const KtStatedSystemStruct*> operation) {
-  return {name, [=](const Mechanism&, const KtManipulatorLink& link, Active& a, Collector& out) {
-            out << (link.*operation)(a, nullptr);
-          }};
-}
 
 // Queries of links, whose answers are kept.
 std::vector<Query> linkQueries() {
-  using L = KtManipulatorLink;
-  using M = Mechanism;
   return {
-      {"dhFrame", [](const M&, const L& link, Active& a,
-                     Collector& out) { out << link.dhFrameInSystem(a.activePositionState()); }},
+      {"dhFrame", [](Q q) { q.out << q.link.dhFrameInSystem(q.active.activePositionState()); }},
       {"primaryFrame",
-       [](const M&, const L& link, Active& a, Collector& out) {
-         out << link.primaryFrameInSystem(a.activePositionState());
-       }},
-      motionQuery("localVelocity", &L::dhFrameVelocityInLocal),
-      motionQuery("systemVelocity", &L::dhFrameVelocityInSystem),
-      motionQuery("primaryVelocity", &L::primaryFrameVelocityInSystem),
-      motionQuery("comVelocity", &L::comVelocityInLocal),
-      motionQuery("acceleration", &L::dhFrameAccelerationInLocal),
-      motionQuery("comAcceleration", &L::comAccelerationInLocal),
-      motionQuery("momentum", &L::spatialMomentumInLocal),
-      motionQuery("momentumRate", &L::spatialMomentumRateInLocal),
-      motionQuery("compositeMomentum", &L::compositeSpatialMomentumInLocal),
-      motionQuery("compositeMomentumRate", &L::compositeSpatialMomentumRateInLocal),
-      {"force", [](const M& m, const L& link, Active& a,
-                   Collector& out) { out << link.dhFrameForceInLocal(m.external, a, nullptr); }},
-      {"crbi",
-       [](const M&, const L& link, Active& a, Collector& out) {
-         KtReArray array;
-         link.crbi(a, nullptr).getArray(array);
-         out << array;
-       }},
-      {"arbd",
-       [](const M& m, const L& link, Active& a, Collector& out) {
-         const KtArticulatedBodyDynamics& d = link.arbd(m.external, m.torque, a, nullptr);
-         KtReArray array;
-         d.getInertiaArray(array);
-         out << array << d.bias();
-       }},
-      {"arbi",
-       [](const M& m, const L& link, Active& a, Collector& out) {
-         out << link.arbiSupplementalDhFrameAccelerationInLocal(m.external, m.torque, a, nullptr);
-         if (link.linkIndex() == ktBaseIndex) return;
-         out << link.arbiJointAcceleration(m.external, m.torque, a, nullptr);
-       }},
-  };
+       [](Q q) { q.out << q.link.primaryFrameInSystem(q.active.activePositionState()); }},
+      {"localVelocity", [](Q q) { q.out << q.link.dhFrameVelocityInLocal(q.active); }},
+      {"systemVelocity", [](Q q) { q.out << q.link.dhFrameVelocityInSystem(q.active); }},
+      {"primaryVelocity", [](Q q) { q.out << q.link.primaryFrameVelocityInSystem(q.active); }},
+      {"comVelocity", [](Q q) { q.out << q.link.comVelocityInLocal(q.active, nullptr); }},
+      {"acceleration", [](Q q) { q.out << q.link.dhFrameAccelerationInLocal(q.active); }},
+      {"comAcceleration", [](Q q) { q.out << q.link.comAccelerationInLocal(q.active, nullptr); }},
+      {"momentum", [](Q q) { q.out << q.link.spatialMomentumInLocal(q.active, nullptr); }},
+      {"rate", [](Q q) { q.out << q.link.spatialMomentumRateInLocal(q.active, nullptr); }},
+      {"compositeMomentum",
+       [](Q q) { q.out << q.link.compositeSpatialMomentumInLocal(q.active, nullptr); }},
+      {"compositeRate",
+       [](Q q) { q.out << q.link.compositeSpatialMomentumRateInLocal(q.active, nullptr); }},
+      {"force", [](Q q) { q.out << q.link.dhFrameForceInLocal(q.m.external, q.active, nullptr); }},
+      {"crbi", [](Q q) { q.out << KtArticulatedBodyDynamics(q.link.crbi(q.active, nullptr), {}); }},
+      {"arbd", [](Q q) { q.out << q.link.arbd(q.m.external, q.m.torque, q.active, nullptr); }},
+      {"arbi", [](Q q) {
+         q.out << q.link.arbiSupplementalDhFrameAccelerationInLocal(q.m.external, q.m.torque,
+                                                                    q.active, nullptr);
+         if (q.ofBase()) return;
+         q.out << q.link.arbiJointAcceleration(q.m.external, q.m.torque, q.active, nullptr);
+       }}};
 }
 
-// Queries of tools, which are answered anew each time on what links keep. The pointers' objects
-// serve all calls, so that what a tool keeps is under test too.
+// Queries of tools, which answer anew each time from what links keep. One object of each serves all
+// calls.
 std::vector<Query> toolQueries() {
-  using L = KtManipulatorLink;
-  using M = Mechanism;
   const auto mass = std::make_shared<KtMassMatrixTool>();
   const auto total = std::make_shared<KtTotalTorqueTool>();
   const auto gravity = std::make_shared<KtGravitationalTorqueTool>();
-  const auto crbi = std::make_shared<KtCrbiAccelerationTool>();
-  return {
-      {"massMatrix",
-       [=](const M& m, const L&, Active& a, Collector& out) {
-         mass->setManipulator(&m.arm());
-         out << mass->massMatrix(a, nullptr) << mass->extendedMassMatrixInBase(a, nullptr)
-             << mass->extendedMassMatrixInSystem(a, nullptr);
-       }},
-      {"torques",
-       [=](const M& m, const L&, Active& a, Collector& out) {
-         total->setManipulator(&m.arm());
-         out << total->torques(m.external, a, nullptr);
-       }},
-      {"gravity",
-       [=](const M& m, const L& link, Active& a, Collector& out) {
-         gravity->setManipulator(&m.arm());
-         out << gravity->gravitationalTorques(a, nullptr);
-         if (link.linkIndex() == ktBaseIndex) return;
-         out << gravity->gravitationalTorqueGradient(link.linkIndex(), a, nullptr);
-       }},
-      {"crbiAcceleration",
-       [=](const M& m, const L&, Active& a, Collector& out) {
-         KtAccelerationState result;
-         crbi->acceleration(m.stated, m.arm(), m.torque, m.external, result, a, true);
-         for (const double x : result.jointAccelerations().vectorContainer()) out << x;
-         out << result.generalAcceleration();
-       }},
-  };
+  const auto composite = std::make_shared<KtCrbiAccelerationTool>();
+  return {{"massMatrix",
+           [=](Q q) {
+             mass->setManipulator(&q.m.arm());
+             q.out << mass->massMatrix(q.active, nullptr);
+             q.out << mass->extendedMassMatrixInSystem(q.active, nullptr);
+           }},
+          {"torques",
+           [=](Q q) {
+             total->setManipulator(&q.m.arm());
+             const auto& torques = total->torques(q.m.external, q.active, nullptr);
+             for (const double x : torques.jointTorques().vectorContainer()) q.out << x;
+             q.out << torques.generalForce();
+           }},
+          {"gravity",
+           [=](Q q) {
+             gravity->setManipulator(&q.m.arm());
+             q.out << gravity->gravitationalTorques(q.active, nullptr);
+             if (q.ofBase()) return;
+             q.out << gravity->gravitationalTorqueGradient(q.link.linkIndex(), q.active, nullptr);
+           }},
+          {"composite", [=](Q q) {
+             KtAccelerationState result;
+             composite->acceleration(q.m.stated, q.m.arm(), q.m.torque, q.m.external, result,
+                                     q.active, true);
+             for (const double x : result.jointAccelerations().vectorContainer()) q.out << x;
+             q.out << result.generalAcceleration();
+           }}};
 }
 
 const KtManipulatorLink& randomLinkOf(const Mechanism& m) {
@@ -168,7 +147,7 @@ TEST_F(Caches, AnswerAsAFreshStateDoes) {
   std::string steps;
   const KtLogCapture log;
   const auto pick = [](std::size_t count) {
-    return static_cast<std::size_t>(uniform(0.0, 0.999 * static_cast<double>(count)));
+    return static_cast<KtU32>(uniform(0.0, 0.999 * static_cast<double>(count)));
   };
   for (int step = 0; step < 6000; ++step) {
     if (step % 200 == 0) {
@@ -184,54 +163,36 @@ TEST_F(Caches, AnswerAsAFreshStateDoes) {
       active.invalidateAll();
       steps.clear();
     }
-    switch (pick(18)) {
-      case 0:
-        position.jointPositions()[static_cast<KtU32>(pick(m->joints()))].value() *= 0.9;
-        active.setPositionState(position);
-        steps += "position ";
-        break;
-      case 1:
-        position.setCoordSysXForm(randomTransformation());
-        active.setPositionState(position);
-        steps += "base ";
-        break;
-      case 2:
-        velocity.jointVelocities()[static_cast<KtU32>(pick(m->joints()))] = uniform();
-        active.setVelocityState(velocity);
-        steps += "velocity ";
-        break;
-      case 3:
-        acceleration = m->acceleration(true);
-        active.setAccelerationState(acceleration);
-        steps += "acceleration ";
-        break;
-      case 4:
-        active.setPositionState(m->position);
-        active.setPositionState(position);
-        steps += "there and back ";
-        break;
-      case 5: {
-        const Active copy(active);
-        active.invalidateAll();
-        active = copy;
-        steps += "copy ";
-        break;
-      }
-      default: {
-        const Query& query = queries[pick(queries.size())];
-        const KtManipulatorLink& link = randomLinkOf(*m);
-        steps += query.name + (" of " + std::to_string(static_cast<int>(link.linkIndex())) + ", ");
-        Active fresh;
-        fresh.setPositionState(position);
-        fresh.setVelocityState(velocity);
-        fresh.setAccelerationState(acceleration);
-        fresh.setActuatorState(active.actuatorState());
-        Collector expected, actual;
-        query.ask(*m, link, fresh, expected);
-        query.ask(*m, link, active, actual);
-        ASSERT_EQ(actual.bits, expected.bits) << m->joints() << " joints: " << steps;
-      }
+    const KtU32 kind = pick(18);
+    if (kind == 0) position.jointPositions()[pick(m->joints())].value() *= 0.9;
+    if (kind == 1) position.setCoordSysXForm(randomTransformation());
+    if (kind == 2) velocity.jointVelocities()[pick(m->joints())] = uniform();
+    if (kind == 3) acceleration = m->acceleration(true);
+    if (kind == 4) active.setPositionState(m->position);
+    if (kind <= 1 || kind == 4) active.setPositionState(position);
+    if (kind == 2) active.setVelocityState(velocity);
+    if (kind == 3) active.setAccelerationState(acceleration);
+    if (kind == 5) {
+      const Active copy(active);
+      active.invalidateAll();
+      active = copy;
     }
+    if (kind <= 5) {
+      steps += "change " + std::to_string(kind) + ", ";
+      continue;
+    }
+    const Query& query = queries[pick(queries.size())];
+    const KtManipulatorLink& link = randomLinkOf(*m);
+    steps += query.name + (" of " + std::to_string(link.linkIndex()) + ", ");
+    Active fresh;
+    fresh.setPositionState(position);
+    fresh.setVelocityState(velocity);
+    fresh.setAccelerationState(acceleration);
+    fresh.setActuatorState(active.actuatorState());
+    Collector expected, actual;
+    query.ask({*m, link, fresh, expected});
+    query.ask({*m, link, active, actual});
+    ASSERT_EQ(actual.bits, expected.bits) << m->joints() << " joints: " << steps;
   }
   EXPECT_EQ(log.text(), "");
 }
@@ -304,10 +265,10 @@ Mechanism countedMechanism(int twigs, bool fixedBase) {
 Bits sweep(const Query& query, const Mechanism& m, Active& active, bool outboardFirst) {
   CountingJoint::transforms = CountingJoint::motions = 0;
   Collector answers;
-  if (!outboardFirst) query.ask(m, m.arm(), active, answers);
+  if (!outboardFirst) query.ask({m, m.arm(), active, answers});
   const KtU32 n = m.joints();
   for (KtU32 i = 0; i < n; ++i) {
-    query.ask(m, m.link(outboardFirst ? n - 1 - i : i), active, answers);
+    query.ask({m, m.link(outboardFirst ? n - 1 - i : i), active, answers});
   }
   return answers.bits;
 }

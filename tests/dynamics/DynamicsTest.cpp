@@ -74,21 +74,21 @@ void forMechanisms(std::initializer_list<int> sizes, const Extras& extras,
   }
 }
 
-// By the articulated bodies and by the mass matrix.
+// By articulated bodies or by the mass matrix, in a state that is given, or in the tool's own.
 template <class Tool>
-Acceleration forward(const Mechanism& m, Active& active) {
-  Tool tool;
-  Acceleration result;
-  tool.acceleration(m.stated, m.arm(), m.torque, m.external, result, active, true);
-  return result;
-}
-template <class Tool>
-Acceleration forwardWithout(const Mechanism& m) {
+Acceleration forward(const Mechanism& m, bool own) {
+  Active active = m.active();
   Tool tool;
   Acceleration result;
   tool.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, result,
-                    nullptr, true);
+                    own ? nullptr : &active, true);
   return result;
+}
+Acceleration arbi(const Mechanism& m, bool own = false) {
+  return forward<KtArbiAccelerationTool>(m, own);
+}
+Acceleration crbi(const Mechanism& m, bool own = false) {
+  return forward<KtCrbiAccelerationTool>(m, own);
 }
 
 KtManipulatorTorque inverse(const Mechanism& m, Acceleration acceleration, bool gravity,
@@ -126,15 +126,10 @@ double localTorque(const Mechanism& m, KtU32 i) {
 
 TEST_F(Dynamics, ForwardMethodsAgree) {
   const auto check = [](double tolerance, Mechanism& m) {
-    Active active = m.active();
-    Active other = m.active();
-    const Acceleration accelerations = forward<KtArbiAccelerationTool>(m, active);
-    expectNear(listOf(accelerations), listOf(forward<KtCrbiAccelerationTool>(m, other)), tolerance);
-    expectNear(listOf(forwardWithout<KtArbiAccelerationTool>(m)),
-               listOf(forwardWithout<KtCrbiAccelerationTool>(m)), tolerance);
-    if (m.arm().isFixedBase()) {
-      EXPECT_EQ(accelerations.generalAcceleration(), KtGeneralMotion());
+    for (const bool own : {false, true}) {
+      expectNear(listOf(arbi(m, own)), listOf(crbi(m, own)), tolerance);
     }
+    EXPECT_EQ(m.arm().isFixedBase(), arbi(m).generalAcceleration() == KtGeneralMotion());
   };
   forMechanisms({1, 2, 3, 5, 8, 13, 21, 40, 60}, kExact, [&](Mechanism& m) { check(1e-9, m); });
   forMechanisms({2, 6, 12}, {.pivotedSliders = true, .fixedSliders = true, .screws = true},
@@ -144,8 +139,7 @@ TEST_F(Dynamics, ForwardMethodsAgree) {
 // The three types differ by what the actuators lose.
 TEST_F(Dynamics, InverseOfForwardGivesTheTorquesBack) {
   forMechanisms({1, 4, 11, 30, 60}, kExact, [](Mechanism& m) {
-    Active active = m.active();
-    const Acceleration accelerations = forward<KtArbiAccelerationTool>(m, active);
+    const Acceleration accelerations = arbi(m);
     const List drives = drivesOf(m);
     List linear = drives, net = drives;
     for (KtU32 i = 0; i < m.joints(); ++i) {
@@ -252,62 +246,6 @@ TEST_F(Dynamics, NullSpaceTorqueIsTheMassMatrixTimesTheColumns) {
   });
 }
 
-// Frames alone tell the potential energy.
-TEST_F(Dynamics, GravityTorquesAreSlopesOfThePotentialEnergy) {
-  const KtVector up = randomVector() * 10.0;
-  const auto energyAt = [&up](const Mechanism& m, const KtPositionState& position) {
-    Active active;
-    active.setPositionState(position);
-    double energy = 0.0;
-    for (KtU32 i = 0; i < m.joints(); ++i) {
-      const auto& frame = m.link(i).primaryFrameInSystem(active.activePositionState());
-      const auto& mass = m.link(i).massProperties();
-      energy +=
-          up.dot(frame.translation() * mass.mass() + frame.orientation() * mass.firstMoment());
-    }
-    return energy;
-  };
-  const auto moved = [](const Mechanism& m, KtU32 i, double step) {
-    KtPositionState position = m.position;
-    position.jointPositions()[i].value() += step;
-    return position;
-  };
-  constexpr double kStep = 1e-5;
-  for (const Extras& extras : {kDhOnly, Extras{.screws = true}}) {
-    const bool onlyDh = !extras.pivotedSliders;
-    forMechanisms({1, 5, 14}, extras, [&](Mechanism& m) {
-      KtGravitationalTorqueTool tool;
-      EXPECT_EQ(tool.gravityVector(), KtVector(0.0, 0.0, 9.8));
-      tool.setGravityVector(up);
-      tool.setManipulator(&m.arm());
-      const auto torquesAt = [&](const KtPositionState& position) {
-        tool.setPositionState(position);
-        return columnOf(tool.gravitationalTorques(nullptr, nullptr), 0);
-      };
-      const List torques = torquesAt(m.position);
-      List slopes;
-      for (KtU32 i = 0; i < m.joints(); ++i) {
-        slopes.push_back((energyAt(m, moved(m, i, kStep)) - energyAt(m, moved(m, i, -kStep))) /
-                         (2 * kStep));
-      }
-      expectNear(torques, slopes, onlyDh ? 1e-8 : 1e-6);
-      EXPECT_EQ(tool.gravitationalTorque(0, nullptr, nullptr), torques[0]);
-      // The unit motion of a slider changes with its position, which the gradient leaves out.
-      for (KtU32 j = 0; onlyDh && j < m.joints(); ++j) {
-        const List after = torquesAt(moved(m, j, kStep));
-        const List before = torquesAt(moved(m, j, -kStep));
-        tool.setPositionState(m.position);
-        List actual, expected;
-        for (KtU32 i = 0; i < m.joints(); ++i) {
-          actual.push_back(tool.gravitationalTorqueGradient(i, nullptr, nullptr)[0][j]);
-          expected.push_back((after[i] - before[i]) / (2 * kStep));
-        }
-        expectNear(actual, expected, 1e-8);
-      }
-    });
-  }
-}
-
 // Of all bodies, by their own motions.
 double bodyEnergy(const Mechanism& m, const KtPositionState& position,
                   const KtVelocityState& velocity) {
@@ -325,10 +263,53 @@ double bodyEnergy(const Mechanism& m, const KtPositionState& position,
                   frame.translation() * mass.mass() + frame.orientation() * mass.firstMoment());
   };
   addBody(m.arm());
-  for (KtU32 i = 0; i < m.joints(); ++i) {
-    addBody(m.link(i));
-  }
+  for (KtU32 i = 0; i < m.joints(); ++i) addBody(m.link(i));
   return energy;
+}
+
+TEST_F(Dynamics, GravityTorquesAreSlopesOfThePotentialEnergy) {
+  const auto moved = [](const Mechanism& m, KtU32 i, double step) {
+    KtPositionState position = m.position;
+    position.jointPositions()[i].value() += step;
+    return position;
+  };
+  constexpr double kStep = 1e-5;
+  for (const Extras& extras : {kDhOnly, Extras{.screws = true}}) {
+    const bool onlyDh = !extras.pivotedSliders;
+    forMechanisms({1, 5, 14}, extras, [&](Mechanism& m) {
+      KtGravitationalTorqueTool tool;
+      EXPECT_EQ(tool.gravityVector(), KtVector(0.0, 0.0, 9.8));
+      tool.setGravityVector(m.stated.environment().upGravityVector());
+      tool.setManipulator(&m.arm());
+      const auto torquesAt = [&](const KtPositionState& position) {
+        tool.setPositionState(position);
+        return columnOf(tool.gravitationalTorques(nullptr, nullptr), 0);
+      };
+      const List torques = torquesAt(m.position);
+      KtVelocityState rest;
+      rest.jointVelocities().resize(m.joints());
+      List slopes;
+      for (KtU32 i = 0; i < m.joints(); ++i) {
+        slopes.push_back(
+            (bodyEnergy(m, moved(m, i, kStep), rest) - bodyEnergy(m, moved(m, i, -kStep), rest)) /
+            (2 * kStep));
+      }
+      expectNear(torques, slopes, onlyDh ? 1e-8 : 1e-6);
+      EXPECT_EQ(tool.gravitationalTorque(0, nullptr, nullptr), torques[0]);
+      // The unit motion of a slider changes with its position, which the gradient leaves out.
+      for (KtU32 j = 0; onlyDh && j < m.joints(); ++j) {
+        const List after = torquesAt(moved(m, j, kStep));
+        const List before = torquesAt(moved(m, j, -kStep));
+        tool.setPositionState(m.position);
+        List actual, expected;
+        for (KtU32 i = 0; i < m.joints(); ++i) {
+          actual.push_back(tool.gravitationalTorqueGradient(i, nullptr, nullptr)[0][j]);
+          expected.push_back((after[i] - before[i]) / (2 * kStep));
+        }
+        expectNear(actual, expected, 1e-8);
+      }
+    });
+  }
 }
 
 // Of the rotors, and of the springs.
@@ -349,7 +330,7 @@ double jointEnergy(const Mechanism& m, const KtPositionState& position,
 TEST_F(Dynamics, EnergyGrowsAtTheAppliedPower) {
   forMechanisms({1, 3, 8, 20}, {}, [](Mechanism& m) {
     Active active = m.active();
-    const Acceleration a = forward<KtArbiAccelerationTool>(m, active);
+    const Acceleration a = arbi(m);
     const KtCoordinateSystemTransformation frame =
         m.arm().dhFrameInSystem(active.activePositionState());
     const auto energyAt = [&](double t) {
@@ -457,8 +438,7 @@ TEST_F(Dynamics, HybridProblemIsConsistentWithBothOthers) {
       EXPECT_TRUE(!fixed || found.generalAcceleration() == KtGeneralMotion());
       // The base's stands in its own axes here, and in those of the system there.
       found.generalAcceleration().transformBy(axes);
-      Active other = m.active();
-      expectNear(listOf(forward<KtArbiAccelerationTool>(driven, other)), listOf(found), 1e-9);
+      expectNear(listOf(arbi(driven)), listOf(found), 1e-9);
       expectNear(listOf(inverse(m, found, true, kTotalTorqueWithFriction).jointTorques()),
                  drivesOf(driven), 1e-9);
     }
@@ -500,65 +480,48 @@ TEST_F(Dynamics, WithoutRecomputingTheMatricesOfTheLastCallStand) {
 }
 
 // Rows whose derivatives don't vanish.
-class RandomConstraint : public KtXmlPersistent<RandomConstraint, KtBaseStateEqualityConstraint> {
+class TurningConstraint
+    : public KtXmlPersistent<TurningConstraint, KtLinearStateEqualityConstraint> {
  public:
-  KtU32 doc() const override { return rows.rows(); }
-  bool constrainPosition(const Arm&, KtPositionState&) const override { return true; }
-  bool constrainVelocity(const Arm&, const KtPositionState&, KtVelocityState&) const override {
-    return true;
-  }
-  bool constrainAcceleration(const Arm&, const KtPositionState&, const KtVelocityState&,
-                             Acceleration&) const override {
-    return true;
-  }
-  const KtReArray& jacobian(const Arm&, const KtPositionState&) const override { return rows; }
   const KtReArray& jacobianDerivative(const Arm&, const KtPositionState&,
                                       const KtVelocityState&) const override {
     return rates;
   }
-  bool operator==(const RandomConstraint&) const = default;
-  static const KtToken& classToken() {
-    static const KtToken token("randomConstraint");
-    return token;
-  }
+  bool operator==(const TurningConstraint&) const = default;
 
-  KtReArray rows, rates;
+  KtReArray rates;
 };
 
-// One linear constraint and one whose row turns. Motions stand in the order of the unknowns, base
-// first, with the base's acceleration in its own axes.
+// One row of each kind. Motions stand in the order of the unknowns, base first, with the base's
+// acceleration in its own axes.
 TEST_F(Dynamics, ConstraintsHoldAndDoNoWork) {
   forMechanisms({4, 12}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
     const KtU32 first = m.arm().isFixedBase() ? 0 : 6;
     const KtU32 unknowns = n + first;
     using Linear = KtLinearStateEqualityConstraint;
-    Linear::Rows jointWeights(1, Linear::Row(n)), baseWeights(1, Linear::Row(6));
-    RandomConstraint turning;
-    turning.rows.resizeArray(1, unknowns);
-    turning.rates.resizeArray(1, unknowns);
     KtReArray a(2, unknowns);
-    for (KtU32 j = 0; j < unknowns; ++j) {
-      a[0][j] = uniform();
-      (j < first ? baseWeights[0][j] : jointWeights[0][j - first]) = a[0][j];
-      a[1][j] = turning.rows[0][j] = uniform();
-      turning.rates[0][j] = uniform();
-    }
     Linear linear;
-    linear.setJointWeights(jointWeights);
-    linear.setBaseWeights(baseWeights);
-    linear.setWeightedSums({1, 0.0});
+    TurningConstraint turning;
+    turning.rates.resizeArray(1, unknowns);
+    for (KtU32 r = 0; r < 2; ++r) {
+      Linear::Rows joints(1, Linear::Row(n)), base(1, Linear::Row(6));
+      for (KtU32 j = 0; j < unknowns; ++j) {
+        (j < first ? base[0][j] : joints[0][j - first]) = a[r][j] = uniform();
+        turning.rates[0][j] = uniform();
+      }
+      Linear& constraint = r == 0 ? linear : turning;
+      constraint.setJointWeights(joints);
+      constraint.setBaseWeights(base);
+      constraint.setWeightedSums({1, 0.0});
+    }
     KtStateEqualityConstraintVector constraints;
     constraints.pushBack(linear);
     constraints.pushBack(turning);
     Arm arm = m.arm();
     arm.setStateEqualityConstraints(constraints);
-    Mechanism constrained(arm);
-    constrained.position = m.position;
-    constrained.velocity = m.velocity;
-    constrained.torque = m.torque;
-    constrained.external = m.external;
-    constrained.stated.setEnvironment(m.stated.environment());
+    Mechanism constrained = m;
+    constrained.replaceArm(arm);
 
     const KtOrientation toBase = baseAxes(m).inverse();
     const auto inUnknowns = [&](const KtGeneralMotion& base, const auto& joints) {
@@ -568,8 +531,7 @@ TEST_F(Dynamics, ConstraintsHoldAndDoNoWork) {
       return list;
     };
     const auto solve = [&](const Mechanism& mechanism) {
-      Active active = mechanism.active();
-      const Acceleration result = forward<KtCrbiAccelerationTool>(mechanism, active);
+      const Acceleration result = crbi(mechanism);
       return inUnknowns(toBase * result.generalAcceleration(), result.jointAccelerations());
     };
     const List held = solve(constrained);
@@ -627,8 +589,7 @@ TEST_F(Dynamics, ABaseLeftToItselfBearsNoForce) {
           torques.jointTorques()[i] / m.link(i).jointActuator().gearRatio();
     }
     m.torque.setGeneralForce({});
-    Active free = m.active();
-    Acceleration found = forward<KtArbiAccelerationTool>(m, free);
+    Acceleration found = arbi(m);
     found.generalAcceleration().setLinear(found.generalAcceleration().linear() +
                                           m.stated.environment().upGravityVector());
     expectNear(listOf(found), listOf(active.accelerationState()), 1e-9);
@@ -641,8 +602,8 @@ TEST_F(Dynamics, AFreeBodyFallsAgainstTheUpVector) {
   m.velocity = KtVelocityState();
   m.torque = KtManipulatorTorque();
   const KtGeneralMotion fall(-m.stated.environment().upGravityVector(), KtVector());
-  expectNear(listOf(forwardWithout<KtArbiAccelerationTool>(m)), listOf(Joints(), fall), 1e-12);
-  expectNear(listOf(forwardWithout<KtCrbiAccelerationTool>(m)), listOf(Joints(), fall), 1e-12);
+  expectNear(listOf(arbi(m, true)), listOf(Joints(), fall), 1e-12);
+  expectNear(listOf(crbi(m, true)), listOf(Joints(), fall), 1e-12);
 }
 
 // A joint that moves nothing gets 0, and the others move as if it were not there.
@@ -652,29 +613,21 @@ TEST_F(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
     KtManipulatorLink leaf = trees::randomLink("leaf");
     leaf.setMassProperties(KtRigidBodyMassProperties());
     arm.addLinkToEndOfChain(leaf);
-    Mechanism more(arm);
+    Mechanism more = m;
+    more.replaceArm(arm);
     const auto at = static_cast<std::ptrdiff_t>(arm.linkByIdentifier("leaf")->linkIndex());
-    const auto insert = [&](const auto& from, double value) {
-      auto to = from;
-      to.vectorContainer().insert(to.vectorContainer().begin() + at, value);
-      return to;
+    const auto insert = [&](auto& list, auto value) {
+      list.vectorContainer().insert(list.vectorContainer().begin() + at, value);
     };
-    more.stated.setEnvironment(m.stated.environment());
-    more.position.setCoordSysXForm(m.position.coordSysXForm());
-    more.position.setJointPositions(insert(m.position.jointPositions(), 0.3));
-    more.velocity.setGeneralVelocity(m.velocity.generalVelocity());
-    more.velocity.setJointVelocities(insert(m.velocity.jointVelocities(), 0.4));
-    more.torque.setGeneralForce(m.torque.generalForce());
-    more.torque.setJointTorques(insert(m.torque.jointTorques(), 0.5));
+    insert(more.position.jointPositions(), 0.3);
+    insert(more.velocity.jointVelocities(), 0.4);
+    insert(more.torque.jointTorques(), 0.5);
     auto forces = m.external.linkForces();
-    forces.vectorContainer().insert(forces.vectorContainer().begin() + at, KtGeneralForce());
+    insert(forces, KtGeneralForce());
     more.external.setLinkForces(forces);
-    more.external.setBaseForce(m.external.baseForce());
-    Active active = m.active();
-    Active moreActive = more.active();
-    Acceleration expected = forward<KtArbiAccelerationTool>(m, active);
-    expected.setJointAccelerations(insert(expected.jointAccelerations(), 0.0));
-    expectNear(listOf(forward<KtArbiAccelerationTool>(more, moreActive)), listOf(expected), 1e-9);
+    Acceleration expected = arbi(m);
+    insert(expected.jointAccelerations(), 0.0);
+    expectNear(listOf(arbi(more)), listOf(expected), 1e-9);
   });
 }
 
@@ -683,10 +636,8 @@ TEST_F(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
 TEST_F(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
   forMechanisms({6}, kExact, [](Mechanism& m) {
     Mechanism filled = m;
-    Active active = m.active();
-    KtTotalTorqueTool tool;
-    tool.setManipulator(&m.arm());
-    const KtManipulatorTorque holding = tool.torques(m.external, active, nullptr);
+    const KtManipulatorTorque holding =
+        inverse(m, Acceleration::zeroCompatibleState(m.velocity), true, kTotalTorqueWithFriction);
     for (const KtU32 count : {2U, 9U}) {
       SCOPED_TRACE(count);
       m.torque.jointTorques().resize(count);
@@ -694,15 +645,12 @@ TEST_F(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
       for (KtU32 i = 0; i < m.joints(); ++i) {
         filled.torque.jointTorques()[i] = i < count ? m.torque.jointTorques()[i].value() : 0.0;
       }
-      Active a = m.active(), b = m.active(), c = m.active(), d = m.active();
-      EXPECT_EQ(listOf(forward<KtArbiAccelerationTool>(m, a)),
-                listOf(forward<KtArbiAccelerationTool>(filled, b)));
+      EXPECT_EQ(listOf(arbi(m)), listOf(arbi(filled)));
       for (KtU32 i = count; i < m.joints(); ++i) {
         filled.torque.jointTorques()[i] =
             holding.jointTorques()[i] / m.link(i).jointActuator().gearRatio();
       }
-      expectNear(listOf(forward<KtCrbiAccelerationTool>(m, c)),
-                 listOf(forward<KtCrbiAccelerationTool>(filled, d)), 1e-9);
+      expectNear(listOf(crbi(m)), listOf(crbi(filled)), 1e-9);
     }
   });
 }
@@ -725,11 +673,10 @@ TEST_F(Dynamics, MissingLinksAndManipulatorsGiveZeros) {
   KtGravitationalTorqueTool gravity;
   KtTotalTorqueTool total;
   Active active = m.active();
-  KtReArray none;
   const KtLogCapture log;
   // Before a manipulator is set, after it is taken away, and for an index out of range.
-  for (const Arm* arm :
-       {static_cast<const Arm*>(nullptr), &m.arm(), static_cast<const Arm*>(nullptr)}) {
+  const Arm* const noArm = nullptr;
+  for (const Arm* arm : {noArm, &m.arm(), noArm}) {
     for (auto* tool :
          std::initializer_list<KtManipulatorTool*>{&masses, &coupling, &gravity, &total}) {
       tool->setManipulator(arm);
@@ -745,7 +692,7 @@ TEST_F(Dynamics, MissingLinksAndManipulatorsGiveZeros) {
     EXPECT_EQ(masses.massMatrix(active, nullptr).rows(), 0U);
     EXPECT_EQ(masses.extendedMassMatrixInBase(active, nullptr).rows(), 0U);
     EXPECT_EQ(masses.extendedMassMatrixInSystem(nullptr, nullptr).rows(), 0U);
-    masses.nullSpaceTorque(nullptr, none);
+    masses.nullSpaceTorque(nullptr, KtReArray());
     EXPECT_EQ(coupling.matrixD(nullptr, nullptr).rows(), 0U);
     EXPECT_EQ(gravity.gravitationalTorques(active, nullptr).rows(), 0U);
     EXPECT_EQ(total.torques(m.external, active, nullptr), KtManipulatorTorque());
@@ -783,53 +730,34 @@ TEST_F(Dynamics, StepsAskForNoMemory) {
     KtManipulatorTorque torque = m.torque;
     const Acceleration accelerations = m.acceleration();
     const std::vector<bool> selection{true, false, false, true};
-    const std::function<void(const Mechanism&)> steps[] = {
-        [&](const Mechanism& at) {
-          for (KtU32 i = 0; i < at.joints(); ++i) {
-            m.link(i).primaryFrameInSystem(active.activePositionState());
-            m.link(i).dhFrameVelocityInSystem(active);
-          }
-        },
-        [&](const Mechanism& at) {
-          articulated.acceleration(m.stated, m.arm(), at.position, at.velocity, at.torque,
-                                   at.external, result, nullptr, true);
-        },
-        [&](const Mechanism& at) {
-          composite.acceleration(m.stated, m.arm(), at.position, at.velocity, at.torque,
-                                 at.external, result, nullptr, true);
-        },
-        [&](const Mechanism& at) {
-          composite.hybridTorqueAcceleration(m.stated, m.arm(), at.position, at.velocity,
-                                             at.external, selection, torque, hybrid, nullptr, true);
-        },
-        [&](const Mechanism&) {
-          masses.setManipulator(&m.arm());
-          masses.massMatrix(active, nullptr);
-          masses.extendedMassMatrixInSystem(active, nullptr);
-        },
-        [&](const Mechanism& at) {
-          total.setManipulator(&m.arm());
-          total.torques(at.external, active, nullptr);
-          total.torquesNoBaseForce(at.external, active, nullptr);
-        },
-        [&](const Mechanism&) {
-          gravity.setManipulator(&m.arm());
-          gravity.gravitationalTorques(active, nullptr);
-          gravity.gravitationalTorqueGradient(3, active, nullptr);
-        }};
-    for (std::size_t k = 0; k < std::size(steps); ++k) {
-      const auto step = [&](const Mechanism& at) {
-        active.setPositionState(at.position);
-        active.setVelocityState(at.velocity);
-        active.setAccelerationState(accelerations);
-        steps[k](at);
-      };
-      step(m);
-      step(other);
-      const Allocations allocations;
-      for (int i = 0; i < 3; ++i) step(m), step(other);
-      EXPECT_EQ(allocations.count(), 0U) << "step " << k;
-    }
+    const auto step = [&](const Mechanism& at) {
+      active.setPositionState(at.position);
+      active.setVelocityState(at.velocity);
+      active.setAccelerationState(accelerations);
+      for (KtU32 i = 0; i < m.joints(); ++i) {
+        m.link(i).primaryFrameInSystem(active.activePositionState());
+        m.link(i).dhFrameVelocityInSystem(active);
+      }
+      articulated.acceleration(m.stated, m.arm(), at.position, at.velocity, at.torque, at.external,
+                               result, nullptr, true);
+      composite.acceleration(m.stated, m.arm(), at.position, at.velocity, at.torque, at.external,
+                             result, nullptr, true);
+      composite.hybridTorqueAcceleration(m.stated, m.arm(), at.position, at.velocity, at.external,
+                                         selection, torque, hybrid, nullptr, true);
+      masses.setManipulator(&m.arm());
+      masses.massMatrix(active, nullptr);
+      masses.extendedMassMatrixInSystem(active, nullptr);
+      gravity.setManipulator(&m.arm());
+      gravity.gravitationalTorques(active, nullptr);
+      gravity.gravitationalTorqueGradient(3, active, nullptr);
+      total.setManipulator(&m.arm());
+      total.torquesNoBaseForce(at.external, active, nullptr);
+    };
+    step(m);
+    step(other);
+    const Allocations allocations;
+    for (int i = 0; i < 3; ++i) step(m), step(other);
+    EXPECT_EQ(allocations.count(), 0U);
   });
 }
 

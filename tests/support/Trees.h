@@ -176,6 +176,13 @@ class Mechanism {
     }
   }
 
+  /// Puts a changed copy of the arm in its place, in the same state.
+  void replaceArm(const KtIndividualManipulator& arm) {
+    const KtSystemEnvironment environment = stated.environment();
+    stated = KtStatedSystem();
+    stated.addManipulator(arm);
+    stated.setEnvironment(environment);
+  }
   const KtIndividualManipulator& arm() const { return stated.system().manipulators()[0]; }
   KtU32 joints() const { return arm().jointDof(); }
   const KtManipulatorLink& link(KtU32 i) const { return *arm().linkByIndex(i); }
