@@ -606,6 +606,29 @@ TEST_F(Dynamics, AFreeBodyFallsAgainstTheUpVector) {
   expectNear(listOf(crbi(m, true)), listOf(Joints(), fall), 1e-12);
 }
 
+// A manipulator on a link of another is a mass that the link carries.
+TEST_F(Dynamics, AttachedManipulatorsAreLoads) {
+  forMechanisms({5}, kExact, [](Mechanism& m) {
+    const std::string label = m.link(3).label();
+    const Arm load = trees::randomMechanismArm(0, true);
+    const KtCoordinateSystemTransformation offset = randomTransformation();
+    KtRigidBodyMassProperties mass = load.massProperties();
+    mass.transformBy(offset);
+    Arm arm = m.arm();
+    arm.linkByIdentifier(label)->addMassProperties("load", mass);
+    Mechanism loaded = m;
+    loaded.replaceArm(arm);
+    KtManipulatorAttachmentMap attachments;
+    attachments.attachManipulator(1, 0, label, offset);
+    Mechanism attached = m;
+    attached.stated.addManipulator(load);
+    attached.stated.setManipulatorAttachmentMap(attachments);
+    expectNear(listOf(arbi(attached)), listOf(arbi(loaded)), 1e-9);
+    expectNear(listOf(crbi(attached)), listOf(arbi(loaded)), 1e-9);
+    EXPECT_NE(listOf(arbi(m)), listOf(arbi(loaded)));
+  });
+}
+
 // A joint that moves nothing gets 0, and the others move as if it were not there.
 TEST_F(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
   forMechanisms({3, 9}, kExact, [](Mechanism& m) {

@@ -114,67 +114,40 @@ TEST_F(PublishedArms, Puma560OfArmstrong) {
 // robot, IEEE Int. Conf. on Robotics and Automation 1994; results of unit_test/SerialLinkTest.m.
 // The row without friction was computed by an independent program.
 Arm corkesPuma560() {
-  struct Row {
-    double alpha, a, d, mass;
-    KtVector center;
-    double xx, yy, zz, rotor, gear, viscous, coulomb;
-  };
   const double up = kPi / 2;
-  const Row rows[] = {
-      {up, 0, 0, 0, {0, 0, 0}, 0, 0.35, 0, 200e-6, -62.6111, 1.48e-3, 0.395},
-      {0,
-       0.4318,
-       0,
-       17.4,
-       {-0.3638, 0.006, 0.2275},
-       0.13,
-       0.524,
-       0.539,
-       200e-6,
-       107.815,
-       0.817e-3,
-       0.126},
-      {-up,
-       0.0203,
-       0.15005,
-       4.8,
-       {-0.0203, -0.0141, 0.070},
-       0.066,
-       0.086,
-       0.0125,
-       200e-6,
-       -53.7063,
-       1.38e-3,
-       0.132},
-      {up,
-       0,
-       0.4318,
-       0.82,
-       {0, 0.019, 0},
-       1.8e-3,
-       1.3e-3,
-       1.8e-3,
-       33e-6,
-       76.0364,
-       71.2e-6,
-       11.2e-3},
-      {-up, 0, 0, 0.34, {0, 0, 0}, 0.3e-3, 0.4e-3, 0.3e-3, 33e-6, 71.923, 82.6e-6, 9.26e-3},
-      {0, 0, 0, 0.09, {0, 0, 0.032}, 0.15e-3, 0.15e-3, 0.04e-3, 33e-6, 76.686, 36.7e-6, 3.96e-3}};
+  const double alpha[] = {up, 0, -up, up, -up, 0};
+  const double a[] = {0, 0.4318, 0.0203, 0, 0, 0};
+  const double d[] = {0, 0, 0.15005, 0.4318, 0, 0};
+  const double masses[] = {0, 17.4, 4.8, 0.82, 0.34, 0.09};
+  const KtVector centers[] = {
+      {0, 0, 0},    {-0.3638, 0.006, 0.2275}, {-0.0203, -0.0141, 0.070}, {0, 0.019, 0}, {0, 0, 0},
+      {0, 0, 0.032}};
+  const KtVector inertias[] = {{0, 0.35, 0},
+                               {0.13, 0.524, 0.539},
+                               {0.066, 0.086, 0.0125},
+                               {1.8e-3, 1.3e-3, 1.8e-3},
+                               {0.3e-3, 0.4e-3, 0.3e-3},
+                               {0.15e-3, 0.15e-3, 0.04e-3}};
+  const double rotors[] = {200e-6, 200e-6, 200e-6, 33e-6, 33e-6, 33e-6};
+  const double gears[] = {-62.6111, 107.815, -53.7063, 76.0364, 71.923, 76.686};
+  const double viscous[] = {1.48e-3, 0.817e-3, 1.38e-3, 71.2e-6, 82.6e-6, 36.7e-6};
+  const double coulomb[] = {0.395, 0.126, 0.132, 11.2e-3, 9.26e-3, 3.96e-3};
   Arm arm;
-  for (const Row& row : rows) {
+  for (std::size_t i = 0; i < 6; ++i) {
     KtDenavitHartenberg joint;
     joint.setDhType(KtDenavitHartenberg::kPaul);
-    joint.setDhAlpha(row.alpha);
-    joint.setDhA(row.a);
-    joint.setDhD(row.d);
+    joint.setDhAlpha(alpha[i]);
+    joint.setDhA(a[i]);
+    joint.setDhD(d[i]);
     KtRigidBodyMassProperties mass;
-    mass.set(row.mass, KtVector(), {row.xx, row.yy, row.zz, 0, 0, 0}, false);
-    mass.transformBy(row.center);
+    const KtVector& j = inertias[i];
+    mass.set(masses[i], KtVector(), {j.x, j.y, j.z, 0, 0, 0}, false);
+    mass.transformBy(centers[i]);
     KtMechanicalActuatorComponent mechanics;
-    mechanics.setInertia(row.rotor);
-    mechanics.setGearRatio(row.gear);
-    mechanics.setFrictionCoefficient(row.viscous);
-    mechanics.setStaticCoulombFriction(row.coulomb);
+    mechanics.setInertia(rotors[i]);
+    mechanics.setGearRatio(gears[i]);
+    mechanics.setFrictionCoefficient(viscous[i]);
+    mechanics.setStaticCoulombFriction(coulomb[i]);
     mechanics.setLimitingVelocityStickRegion(1e-6);
     KtJointActuator actuator;
     actuator.setMechanicalComponent(mechanics);
