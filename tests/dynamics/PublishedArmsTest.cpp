@@ -105,7 +105,7 @@ TEST_F(PublishedArms, Puma560OfArmstrong) {
              i22 * (s23 * c23 * c5 + c23 * c23 * c4 * s5));
     const KtReArray& m = mass.massMatrix(active, nullptr);
     EXPECT_NEAR(m[0][0], m11, 1e-4);
-    EXPECT_NEAR(m[2][2], i6 + 2 * i15 * c5, 3e-4) << "but for small terms";
+    EXPECT_NEAR(m[2][2], i6 + 2 * i15 * c5, 5e-4) << "but for small terms";
   }
 }
 
