@@ -606,6 +606,36 @@ TEST_F(Dynamics, AFreeBodyFallsAgainstTheUpVector) {
   expectNear(listOf(crbi(m, true)), listOf(Joints(), fall), 1e-12);
 }
 
+// A tool that has answered before answers like a new one, on its own state: under other loads, in
+// another state, and for another arm under the same gravity.
+template <class Tool>
+void expectNothingLeftBehind() {
+  Tool kept;
+  KtSystemEnvironment environment;
+  environment.setUpGravityVector(randomVector());
+  forMechanisms({5, 5, 9, 0, 5}, kExact, [&](Mechanism& m) {
+    for (int change = 0; change < 4; ++change) {
+      SCOPED_TRACE(change);
+      const Mechanism other(m.arm());
+      if (change == 1) m.torque = other.torque;
+      if (change == 2) m.external = other.external;
+      if (change == 3) m.velocity = other.velocity;
+      m.stated.setEnvironment(environment);
+      Acceleration result, expected;
+      kept.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, result,
+                        nullptr, true);
+      Tool().acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, expected,
+                          nullptr, true);
+      EXPECT_EQ(listOf(result), listOf(expected));
+    }
+  });
+}
+
+TEST_F(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
+  expectNothingLeftBehind<KtArbiAccelerationTool>();
+  expectNothingLeftBehind<KtCrbiAccelerationTool>();
+}
+
 // A manipulator on a link of another is a mass that the link carries.
 TEST_F(Dynamics, AttachedManipulatorsAreLoads) {
   forMechanisms({5}, kExact, [](Mechanism& m) {
