@@ -708,13 +708,14 @@ TEST_F(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
   });
 }
 
-// Derived mechanisms may leave links out.
+// Derived mechanisms may leave links out of the table.
 class ArmWithAHole : public Arm {
  public:
-  using Arm::Arm;
-  explicit ArmWithAHole(const Arm& arm) : Arm(arm) {}
-  const KtManipulatorLink* linkByIndex(KtU32 index) const override {
-    return index == 1 ? nullptr : Arm::linkByIndex(index);
+  explicit ArmWithAHole(const Arm& arm) : Arm(arm) { Arm::mapManipulator(); }
+  bool mapManipulator(LinkTable& links, LabelTable& labels) override {
+    const bool good = Arm::mapManipulator(links, labels);
+    links[1] = nullptr;
+    return good;
   }
 };
 
