@@ -711,7 +711,8 @@ TEST_F(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
 // Derived mechanisms may leave links out of the table.
 class ArmWithAHole : public Arm {
  public:
-  explicit ArmWithAHole(const Arm& arm) : Arm(arm) { Arm::mapManipulator(); }
+  explicit ArmWithAHole(const Arm& arm) : Arm(arm) { mapManipulator(); }
+  using Arm::mapManipulator;
   bool mapManipulator(LinkTable& links, LabelTable& labels) override {
     const bool good = Arm::mapManipulator(links, labels);
     links[1] = nullptr;
