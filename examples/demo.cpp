@@ -1,41 +1,71 @@
-// Builds the mass properties of a robot's forearm from its parts, writes them to a file, reads them
-// back, and shows that nothing was lost on the way.
+// Reads a PUMA 560, asks where its links are and which torques hold it, lets it go, and writes the
+// scene with the state in which it is a moment later.
 
 #include <cstdio>
-#include <iostream>
+#include <string>
 
 #include "ktManipulator/ktManipulator.h"
 
+namespace {
+
+// The arm falls from rest for a while, in small steps.
+double fall(const KtStatedSystem& scene, KtPositionState& position, KtVelocityState& velocity,
+            double duration) {
+  const KtIndividualManipulator& arm = scene.system().manipulators()[0];
+  KtManipulatorExternalForce none;
+  none.resize(arm.jointDof());
+  KtManipulatorTorque limp;
+  limp.jointTorques().resize(arm.jointDof());
+  KtArbiAccelerationTool tool;
+  KtAccelerationState acceleration;
+  constexpr double kStep = 1e-4;
+  double time = 0.0;
+  for (; time < duration; time += kStep) {
+    tool.acceleration(scene, arm, position, velocity, limp, none, acceleration, nullptr, true);
+    arm.propagateVelocityState(acceleration, kStep, velocity);
+    arm.propagateState(velocity, kStep, position);
+  }
+  return time;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  const std::string fileName = argc > 1 ? argv[1] : "forearm.xml";
+  const std::string model = argc > 1 ? argv[1] : "examples/models/puma560.xml";
+  const std::string result = argc > 2 ? argv[2] : "fallen.xml";
+  KtStatedSystem scene;
+  if (!KtXmlReader::readFile(model, scene) || scene.system().manipulators().size() == 0) return 1;
+  const KtIndividualManipulator& arm = scene.system().manipulators()[0];
+  std::printf("%s: %s, %u joints\n", model.c_str(), arm.label().c_str(), arm.jointDof());
 
-  // A rod along z, and a ball at its end; lengths in m, masses in kg.
-  auto forearm = KtRigidBodyMassProperties::uniformSolidAxisAlignedCylinder(2.7, 0.04, 0.3);
-  forearm.transformBy(KtVector(0.0, 0.0, 0.15));
-  auto ball = KtRigidBodyMassProperties::uniformSolidSphere(0.5, 0.025);
-  ball.transformBy(KtVector(0.0, 0.0, 0.36));
-  forearm += ball;
-
-  KtVector center;
-  forearm.getCenterOfMass(center);
-  std::printf("forearm: %.3f kg, centre of mass (%.4f, %.4f, %.4f) m\n",
-              static_cast<double>(forearm.mass()), center.x, center.y, center.z);
-
-  // The force that makes it turn at 1 rad/s^2 about x, and the acceleration that this force gives.
-  const KtGeneralMotion acceleration({0.0, 0.0, 0.0}, {1.0, 0.0, 0.0});
-  const KtGeneralForce force = forearm.calculateForce(acceleration);
-  std::printf("force for 1 rad/s^2 about x: %.4f N along y, %.4f N m about x\n", force.force().y,
-              force.moment().x);
-  if (!forearm.calculateAcceleration(force).approxEq(acceleration, 1e-12)) {
-    std::puts("the acceleration does not come back");
-    return 1;
+  KtPositionState position = scene.state().positionStates()[0];
+  KtVelocityState velocity = scene.state().velocityStates()[0];
+  KtManipulatorActiveState active;
+  active.setPositionState(position);
+  active.setVelocityState(velocity);
+  KtGravitationalTorqueTool weights;
+  weights.setManipulator(&arm);
+  weights.setGravityVector(scene.environment().upGravityVector());
+  const KtReArray& torques = weights.gravitationalTorques(active, nullptr);
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    const KtManipulatorLink& link = *arm.linkByIndex(i);
+    const KtVector& place = link.dhFrameInSystem(active.activePositionState()).translation();
+    std::printf("  %-10s at (%6.3f, %6.3f, %6.3f) m, held by %8.3f\n", link.label().c_str(),
+                place.x, place.y, place.z, torques[i][0]);
   }
 
-  if (!KtXmlWriter::writeFile(fileName, forearm)) return 1;
-  KtRigidBodyMassProperties readBack;
-  if (!KtXmlReader::readFile(fileName, readBack)) return 1;
-  std::printf("wrote %s and read it back: %s\n", fileName.c_str(),
-              readBack == forearm ? "the same to the last bit" : "DIFFERENT");
-  std::cout << KtXmlWriter::writeString(readBack);
-  return readBack == forearm ? 0 : 1;
+  const double before = arm.getCenterOfMassInSystem(active).z;
+  const double time = fall(scene, position, velocity, 0.2);
+  active.setPositionState(position);
+  active.setVelocityState(velocity);
+  const double after = arm.getCenterOfMassInSystem(active).z;
+  std::printf("let go, its centre of mass sinks by %.4f m in %.1f s, to a motion of %.3f J\n",
+              before - after, time, arm.computeKineticEnergy(active, nullptr, nullptr));
+  if (!(after < before)) return 1;
+
+  scene.setIndividualPositionState(0, position);
+  scene.setIndividualVelocityState(0, velocity);
+  if (!KtXmlWriter::writeFile(result, scene)) return 1;
+  std::printf("wrote %s\n", result.c_str());
+  return 0;
 }

@@ -40,7 +40,9 @@ class KT_EXPORT KtArbiAccelerationTool {
   ///                       and gravity are taken from there as they are, and nothing is prepared.
   ///                       With null the tool's own state is used. In it, the acceleration state
   ///                       that an earlier call put there stays, with its gravity, as long as it
-  ///                       has enough joints, and there are joints.
+  ///                       has enough joints, and there are joints. Its actuators' motors are at
+  ///                       rest: for the friction of moving motors, give an active state whose
+  ///                       actuators are initialised.
   /// @param recompute      plays no part
   virtual void acceleration(const KtStatedSystem& system,
                             const KtIndividualManipulator& manipulator,

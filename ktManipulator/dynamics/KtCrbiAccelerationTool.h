@@ -45,7 +45,9 @@ class KT_EXPORT KtCrbiAccelerationTool {
   ///                       and gravity are taken from there as they are, and nothing is prepared.
   ///                       With null the tool's own state is used. In it, the acceleration state
   ///                       that an earlier call put there stays, unless it has too few joints, or
-  ///                       no gravity where the system has.
+  ///                       no gravity where the system has. Its actuators' motors are at rest:
+  ///                       for the friction of moving motors, give an active state whose actuators
+  ///                       are initialised.
   /// @param recompute      whether matrices and factors are computed anew
   virtual void acceleration(const KtStatedSystem& system,
                             const KtIndividualManipulator& manipulator,

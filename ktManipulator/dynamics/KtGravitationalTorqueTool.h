@@ -31,8 +31,8 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
   /// The same on the state pointed to or the tool's own.
   virtual const KtReArray& gravitationalTorques(KtManipulatorActiveState* activeState,
                                                 const KtStatedSystemStruct* asker);
-  /// The derivatives of a joint's torque by all joint positions, as a row; exact, by one recursion
-  /// inboard and one outboard.
+  /// The derivatives of a joint's torque by all joint positions, as a row, by one recursion inboard
+  /// and one outboard; exact where the unit motions of joints don't depend on their positions.
   ///
   /// @param index        link index; without a manipulator or such a link the result stays as it
   ///                     was

@@ -84,6 +84,10 @@ void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& parent,
                                         const KtStatedSystemStruct* asker) const {
   const double q = activeState.positionCache().jointPosition(linkIndex_);
   const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
+  if (linkKinematicsContainer_.topElement() == nullptr) {
+    parent += own;  // a link without a joint is fixed to its parent, frame on frame
+    return;
+  }
   linkKinematicsContainer_.addChildArbdToParent(parent, own, q, jointActuator_.effectiveInertia(q),
                                                 jointTorque(torque, linkIndex_));
 }

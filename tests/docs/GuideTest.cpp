@@ -57,7 +57,8 @@ TEST(Guides, ShowProgramsThatAreExamples) {
   for (const auto& entry : std::filesystem::directory_iterator(KT_SOURCE_FOLDER "/examples")) {
     if (entry.path().extension() == ".cpp") examples += withoutIndentation(textOf(entry.path()));
   }
-  for (const char* name : {"describing-a-model.md", "states-and-systems.md"}) {
+  for (const char* name :
+       {"describing-a-model.md", "states-and-systems.md", "motion-and-forces.md"}) {
     const auto blocks = Guide(name).blocks("cpp");
     EXPECT_GE(blocks.size(), 4U) << name;
     for (const std::string& block : blocks) {

@@ -684,6 +684,23 @@ TEST_F(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
   });
 }
 
+// A link without a joint is part of its parent, for both methods.
+TEST_F(Dynamics, ALinkWithoutAJointIsFixedToItsParent) {
+  forMechanisms({8}, kExact, [](Mechanism& m) {
+    Arm arm = m.arm();
+    KtManipulatorLink* welded = const_cast<KtManipulatorLink*>(arm.linkByIndex(3));
+    welded->setLinkKinematicsContainer(KtLinkKinematicsContainer());
+    welded->setJointActuator(KtJointActuator());
+    welded->updateDHMassProperties();
+    m.replaceArm(arm);
+    m.velocity.jointVelocities()[3] = m.torque.jointTorques()[3] = 0.0;
+    Acceleration other = crbi(m);
+    EXPECT_EQ(arbi(m).jointAccelerations()[3], 0.0);
+    other.jointAccelerations()[3] = 0.0;  // which its mass matrix doesn't determine
+    expectNear(listOf(arbi(m)), listOf(other), 1e-8);
+  });
+}
+
 // Beyond the last torque the articulated bodies take a command of 0, and the mass matrix the
 // torques that hold the joint as it moves.
 TEST_F(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
