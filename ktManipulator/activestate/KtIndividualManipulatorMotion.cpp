@@ -74,29 +74,37 @@ void moveToZeroMoment(const KtPlane& plane, const KtVector& force, const KtVecto
   if (across != 0.0) point = plane.normalVector().cross(moment) / across + plane.basePoint();
 }
 
+// The forces of inertia on all links, and their moment about a point, in the system.
+void getInertialLoad(const KtIndividualManipulator& manipulator, const KtVector& point,
+                     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker,
+                     KtVector& force, KtVector& moment) {
+  KtGeneralMotion rate = manipulator.compositeSpatialMomentumRateInLocal(activeState, asker);
+  rate.transformBy(manipulator.dhFrameInSystem(activeState.positionCache()));
+  manipulator.computeMomentFromLinearAcceleration(point, activeState, moment, asker);
+  force = -rate.linear();
+  moment = -(moment + rate.angular());
+}
+
 }  // namespace
 
 void KtIndividualManipulator::computeZeroMomentPoint(const KtPlane& plane,
                                                      KtManipulatorActiveState& activeState,
                                                      KtVector& point,
                                                      const KtStatedSystemStruct* asker) const {
-  KtGeneralMotion rate = compositeSpatialMomentumRateInLocal(activeState, asker);
-  rate.transformBy(dhFrameInSystem(activeState.positionCache()));
+  KtVector force;
   KtVector moment;
-  computeMomentFromLinearAcceleration(plane.basePoint(), activeState, moment, asker);
-  moveToZeroMoment(plane, -rate.linear(), -(moment + rate.angular()), point);
+  getInertialLoad(*this, plane.basePoint(), activeState, asker, force, moment);
+  moveToZeroMoment(plane, force, moment, point);
 }
 
 void KtIndividualManipulator::computeZeroMomentPoint(const KtVector& gravity, const KtPlane& plane,
                                                      KtManipulatorActiveState& activeState,
                                                      KtVector& point,
                                                      const KtStatedSystemStruct* asker) const {
-  KtGeneralMotion rate = compositeSpatialMomentumRateInLocal(activeState, asker);
-  rate.transformBy(dhFrameInSystem(activeState.positionCache()));
+  KtVector force;
   KtVector moment;
-  computeMomentFromLinearAcceleration(plane.basePoint(), activeState, moment, asker);
-  const double mass = crbi(activeState, asker).mass();
+  getInertialLoad(*this, plane.basePoint(), activeState, asker, force, moment);
+  const KtVector weight = gravity * static_cast<double>(crbi(activeState, asker).mass());
   const KtVector arm = getCenterOfMassInSystem(activeState) - plane.basePoint();
-  moveToZeroMoment(plane, gravity * mass - rate.linear(),
-                   arm.cross(gravity) * mass - moment - rate.angular(), point);
+  moveToZeroMoment(plane, force + weight, moment + arm.cross(weight), point);
 }

@@ -17,6 +17,24 @@ void reportIndex(const char* text, KtU32 index) {
                               static_cast<int>(index));
 }
 
+// Adds what the joint's acceleration does to that of the DH frame.
+void addJointMotion(const KtManipulatorLink& link, KtManipulatorActiveState& activeState,
+                    double rate, KtVector& linear, KtVector& angular) {
+  if (const auto* motion = link.frameMotion(); motion != nullptr) {
+    if (motion->turnsAboutZ) {
+      angular.z += rate;
+    } else {
+      linear += motion->linear * rate;
+      angular += motion->angular * rate;
+    }
+    return;
+  }
+  const KtGeneralMotion& relative = link.linkKinematicsContainer().calculateAcceleration(
+      activeState.positionCache().jointPosition(link.mappedIndex()), 0.0, rate);
+  linear += relative.linear();
+  angular += relative.angular();
+}
+
 double jointTorque(const KtManipulatorTorque& torque, KtU32 index) {
   const auto& torques = torque.jointTorques().elements();
   return index < torques.size() ? torques[index].value() : 0.0;
@@ -104,22 +122,12 @@ const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInL
   KtLinkArticulationState& entry = articulation.entry(i);
   if (!entry.supplementalDhAccelerationValid()) {
     const double rate = arbiJointAcceleration(external, torque, activeState, asker);
+    // A plain joint has done that on the way.
+    if (entry.supplementalDhAccelerationValid()) return entry.supplementalDhAcceleration();
     KtVector linear;
     KtVector angular;
     getInboardSupplement(external, torque, activeState, asker, linear, angular);
-    if (const auto* motion = frameMotion(); motion != nullptr) {
-      if (motion->turnsAboutZ) {
-        angular.z += rate;
-      } else {
-        linear += motion->linear * rate;
-        angular += motion->angular * rate;
-      }
-    } else {
-      const KtGeneralMotion& relative = linkKinematicsContainer_.calculateAcceleration(
-          activeState.positionCache().jointPosition(i), 0.0, rate);
-      linear += relative.linear();
-      angular += relative.angular();
-    }
+    addJointMotion(*this, activeState, rate, linear, angular);
     entry.setSupplementalDhAcceleration(linear, angular);
   }
   return entry.supplementalDhAcceleration();
@@ -164,6 +172,8 @@ double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce
     double rate = 0.0;
     if (const auto* motion = frameMotion(); motion != nullptr) {
       rate = own.jointAcceleration(motion->linear, motion->angular, inertia, tau, linear, angular);
+      addJointMotion(*this, activeState, rate, linear, angular);
+      entry.setSupplementalDhAcceleration(linear, angular);
     } else {
       const double load = linkKinematicsContainer_.torqueRequiredToExert(
           q, own.calculateForce(KtGeneralMotion(linear, angular)));
