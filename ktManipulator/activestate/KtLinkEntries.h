@@ -10,23 +10,29 @@ namespace Kt::detail {
 
 /// The cached values of one kind: an entry for each link by its index, and one for the base.
 ///
-/// Nobody walks over entries to make them invalid that were not handed out for writing since that
-/// was done last. A reference that is written through must not be older than that.
+/// Entries that were not handed out for writing since they were made invalid last are not walked
+/// over to make them so again. A reference to an entry must not be written through later than that;
+/// whoever has one to the list or to the base may do so at any time.
 template <class Entry>
 class LinkEntries {
  public:
   /// The entries of the links.
   const KtXmlVectorType<Entry>& links() const noexcept { return links_; }
-  /// The same, to be changed.
+  /// The same, to be changed. From then on all entries are walked over each time.
   KtXmlVectorType<Entry>& links() noexcept {
-    allInvalid_ = false;
+    handOutForGood();
     return links_;
+  }
+  /// Sets what `links()` answers.
+  void setLinks(const KtXmlVectorType<Entry>& links) {
+    allInvalid_ = false;
+    links_ = links;
   }
   /// The entry of the base.
   const Entry& base() const noexcept { return base_; }
-  /// The same, to be changed.
+  /// The same, to be changed. From then on all entries are walked over each time.
   Entry& base() noexcept {
-    allInvalid_ = false;
+    handOutForGood();
     return base_;
   }
   /// The entry of a link, or of the base for `ktBaseIndex`; unguarded.
@@ -38,7 +44,11 @@ class LinkEntries {
     allInvalid_ = false;
     return index == ktBaseIndex ? base_ : links_[index];
   }
-  /// Notes that entries may become valid by other ways.
+  /// The list as a component of the owner, for `registerComponents`.
+  KtXmlObject* linksComponent() noexcept { return &links_; }
+  /// The entry of the base as a component of the owner.
+  KtXmlObject* baseComponent() noexcept { return &base_; }
+  /// Notes that a component is about to be read.
   void handOut() noexcept { allInvalid_ = false; }
   /// How many entries there are beside that of the base.
   KtU32 count() const noexcept { return static_cast<KtU32>(links_.elements().size()); }
@@ -49,16 +59,33 @@ class LinkEntries {
     if (allInvalid_) return;
     for (Entry& entry : links_.elements()) entry.invalidateAll();
     base_.invalidateAll();
-    allInvalid_ = true;
+    allInvalid_ = !held_.value;
   }
 
   /// Exact equality of what files hold.
   bool operator==(const LinkEntries&) const = default;
 
  private:
+  // Set once somebody may hold a reference into this object. Nobody has one into a copy; those into
+  // the target of an assignment stay.
+  struct Held {
+    bool value = false;
+
+    Held() noexcept = default;
+    Held(const Held&) noexcept {}
+    Held& operator=(const Held&) noexcept { return *this; }
+    bool operator==(const Held&) const noexcept { return true; }
+  };
+
+  void handOutForGood() noexcept {
+    allInvalid_ = false;
+    held_.value = true;
+  }
+
   KtXmlVectorType<Entry> links_;
   Entry base_;
   KtCacheFlag allInvalid_;
+  Held held_;
 };
 
 }  // namespace Kt::detail

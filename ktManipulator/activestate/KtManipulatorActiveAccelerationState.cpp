@@ -8,11 +8,11 @@ bool KtManipulatorActiveAccelerationState::read(KtXmlReader& reader) {
 void KtManipulatorActiveAccelerationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtAccelerationStateToken, &accelerationState_);
-  registerComponent(KtManip::KtLinkAccelerationStatesToken, &entries_.links());
-  registerComponent(KtManip::KtBaseAccelerationStateToken, &entries_.base());
+  registerComponent(KtManip::KtLinkAccelerationStatesToken, entries_.linksComponent());
+  registerComponent(KtManip::KtBaseAccelerationStateToken, entries_.baseComponent());
   // The name that the lists of the other sub-states suggest; read, never written.
   specialDescriptorMap().add(KtToken(KtManip::ns.text() + "linkAccelerationStates"),
-                             &entries_.links(), true);
+                             entries_.linksComponent(), true);
 }
 
 void KtManipulatorActiveAccelerationState::setAccelerationState(const KtAccelerationState& state) {

@@ -77,14 +77,14 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
     entry(index).setCompositeMomentumRateInLocal(motion);
   }
   /// Sets what `linkAccelerationStates()` answers.
-  virtual void setLinkAccelerationStates(const LinkStates& states) { entries_.links() = states; }
+  virtual void setLinkAccelerationStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkAccelerationState& baseAccelerationState() const { return entries_.base(); }
   /// The same, to be changed.
   virtual KtLinkAccelerationState& baseAccelerationState() { return entries_.base(); }
   /// Sets what `baseAccelerationState()` answers.
   virtual void setBaseAccelerationState(const KtLinkAccelerationState& state) {
-    entries_.base() = state;
+    entries_[ktBaseIndex] = state;
   }
   /// Makes all entries invalid.
   virtual void invalidateAll();
@@ -95,7 +95,8 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base.
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
+  /// that calls it, not later.
   KtLinkAccelerationState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
   const KtLinkAccelerationState& entry(KtU32 index) const noexcept { return entries_[index]; }

@@ -7,8 +7,8 @@ bool KtManipulatorActiveArticulationState::read(KtXmlReader& reader) {
 
 void KtManipulatorActiveArticulationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
-  registerComponent(KtManip::KtLinkArticulationStatesToken, &entries_.links());
-  registerComponent(KtManip::KtBaseArticulationStateToken, &entries_.base());
+  registerComponent(KtManip::KtLinkArticulationStatesToken, entries_.linksComponent());
+  registerComponent(KtManip::KtBaseArticulationStateToken, entries_.baseComponent());
 }
 
 void KtManipulatorActiveArticulationState::invalidateAll() {

@@ -21,12 +21,12 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   /// The entries of the links.
   virtual const LinkStates& linkArticulationStates() const { return entries_.links(); }
   /// Sets what `linkArticulationStates()` answers.
-  virtual void setLinkArticulationStates(const LinkStates& states) { entries_.links() = states; }
+  virtual void setLinkArticulationStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkArticulationState& baseArticulationState() const { return entries_.base(); }
   /// Sets what `baseArticulationState()` answers.
   virtual void setBaseArticulationState(const KtLinkArticulationState& state) {
-    entries_.base() = state;
+    entries_[ktBaseIndex] = state;
   }
   /// `KtLinkArticulationState::arbd` of a link.
   virtual const KtArticulatedBodyDynamics& arbd(KtU32 index) const { return entry(index).arbd(); }
@@ -36,7 +36,7 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   }
   /// Sets that of the base and marks it as valid.
   virtual void setBaseArbd(const KtArticulatedBodyDynamics& dynamics) {
-    entries_.base().setArbd(dynamics);
+    entries_[ktBaseIndex].setArbd(dynamics);
   }
   /// `KtLinkArticulationState::supplementalDhAcceleration` of a link.
   virtual const KtGeneralMotion& supplementalDhAcceleration(KtU32 index) const {
@@ -52,7 +52,7 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   }
   /// Sets it and marks it as valid.
   virtual void setBaseSupplementalDhAcceleration(const KtGeneralMotion& acceleration) {
-    entries_.base().setSupplementalDhAcceleration(acceleration);
+    entries_[ktBaseIndex].setSupplementalDhAcceleration(acceleration);
   }
   /// `KtLinkArticulationState::supplementalJointAcceleration` of a link.
   virtual double supplementalJointAcceleration(KtU32 index) const {
@@ -69,7 +69,7 @@ class KT_EXPORT KtManipulatorActiveArticulationState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base.
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, not later.
   KtLinkArticulationState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
   const KtLinkArticulationState& entry(KtU32 index) const noexcept { return entries_[index]; }

@@ -11,8 +11,8 @@ bool KtManipulatorActiveForceState::read(KtXmlReader& reader) {
 
 void KtManipulatorActiveForceState::registerComponents() {
   KtXmlCompoundType::registerComponents();
-  registerComponent(KtManip::KtLinkForceStatesToken, &entries_.links());
-  registerComponent(KtManip::KtBaseForceStateToken, &entries_.base());
+  registerComponent(KtManip::KtLinkForceStatesToken, entries_.linksComponent());
+  registerComponent(KtManip::KtBaseForceStateToken, entries_.baseComponent());
 }
 
 void KtManipulatorActiveForceState::resize(KtU32 count) {

@@ -34,11 +34,11 @@ class KT_EXPORT KtManipulatorActiveForceState
     entry(index).setDhFrameForceInLocal(force);
   }
   /// Sets what `linkForceStates()` answers.
-  virtual void setLinkForceStates(const LinkStates& states) { entries_.links() = states; }
+  virtual void setLinkForceStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkForceState& baseForceState() const { return entries_.base(); }
   /// Sets what `baseForceState()` answers.
-  virtual void setBaseForceState(const KtLinkForceState& state) { entries_.base() = state; }
+  virtual void setBaseForceState(const KtLinkForceState& state) { entries_[ktBaseIndex] = state; }
   /// The external force on a link, to be shown as an arrow. An index beyond the end is reported and
   /// gives `m_theZeroForceDescription`.
   virtual const KtExternalForceDescription& externalForceDescription(const KtU32& index) const;
@@ -51,7 +51,7 @@ class KT_EXPORT KtManipulatorActiveForceState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base.
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, not later.
   KtLinkForceState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
   const KtLinkForceState& entry(KtU32 index) const noexcept { return entries_[index]; }

@@ -7,8 +7,8 @@ bool KtManipulatorActiveMassState::read(KtXmlReader& reader) {
 
 void KtManipulatorActiveMassState::registerComponents() {
   KtXmlCompoundType::registerComponents();
-  registerComponent(KtManip::KtLinkMassStatesToken, &entries_.links());
-  registerComponent(KtManip::KtBaseMassStateToken, &entries_.base());
+  registerComponent(KtManip::KtLinkMassStatesToken, entries_.linksComponent());
+  registerComponent(KtManip::KtBaseMassStateToken, entries_.baseComponent());
 }
 
 void KtManipulatorActiveMassState::invalidateAll() {

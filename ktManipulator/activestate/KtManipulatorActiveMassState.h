@@ -22,11 +22,11 @@ class KT_EXPORT KtManipulatorActiveMassState
   /// The entries of the links.
   virtual const LinkStates& linkMassStates() const { return entries_.links(); }
   /// Sets what `linkMassStates()` answers.
-  virtual void setLinkMassStates(const LinkStates& states) { entries_.links() = states; }
+  virtual void setLinkMassStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkMassState& baseMassState() const { return entries_.base(); }
   /// Sets what `baseMassState()` answers.
-  virtual void setBaseMassState(const KtLinkMassState& state) { entries_.base() = state; }
+  virtual void setBaseMassState(const KtLinkMassState& state) { entries_[ktBaseIndex] = state; }
   /// `KtLinkMassState::crbi` of a link.
   virtual const KtRigidBodyMassProperties& crbi(KtU32 index) const { return entry(index).crbi(); }
   /// Sets it and marks it as valid.
@@ -40,7 +40,7 @@ class KT_EXPORT KtManipulatorActiveMassState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base.
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, not later.
   KtLinkMassState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
   const KtLinkMassState& entry(KtU32 index) const noexcept { return entries_[index]; }

@@ -10,8 +10,8 @@ bool KtManipulatorActivePositionState::read(KtXmlReader& reader) {
 void KtManipulatorActivePositionState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtPositionStateToken, &positionState_);
-  registerComponent(KtManip::KtLinkPositionStatesToken, &entries_.links());
-  registerComponent(KtManip::KtBasePositionStateToken, &entries_.base());
+  registerComponent(KtManip::KtLinkPositionStatesToken, entries_.linksComponent());
+  registerComponent(KtManip::KtBasePositionStateToken, entries_.baseComponent());
 }
 
 void KtManipulatorActivePositionState::setPositionState(const KtPositionState& state) {

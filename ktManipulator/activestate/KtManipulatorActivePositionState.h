@@ -38,22 +38,25 @@ class KT_EXPORT KtManipulatorActivePositionState
     state.setDhTransformValid(true);
   }
   /// Sets what `linkPositionStates()` answers.
-  virtual void setLinkPositionStates(const LinkStates& states) { entries_.links() = states; }
+  virtual void setLinkPositionStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkPositionState& basePositionState() const { return entries_.base(); }
   /// Sets both frames of the base in the system and marks them as valid.
   virtual void setBaseLinkPositionState(const KtCoordinateSystemTransformation& dhFrame,
                                         const KtCoordinateSystemTransformation& primaryFrame) {
-    setFrames(entries_.base(), dhFrame, primaryFrame);
+    setFrames(entries_[ktBaseIndex], dhFrame, primaryFrame);
   }
   /// Sets what `basePositionState()` answers.
-  virtual void setBasePositionState(const KtLinkPositionState& state) { entries_.base() = state; }
+  virtual void setBasePositionState(const KtLinkPositionState& state) {
+    entries_[ktBaseIndex] = state;
+  }
   /// Makes all entries invalid.
   virtual void invalidateAll();
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base.
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
+  /// that calls it, not later.
   KtLinkPositionState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
   const KtLinkPositionState& entry(KtU32 index) const noexcept { return entries_[index]; }

@@ -8,8 +8,8 @@ bool KtManipulatorActiveVelocityState::read(KtXmlReader& reader) {
 void KtManipulatorActiveVelocityState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtVelocityStateToken, &velocityState_);
-  registerComponent(KtManip::KtLinkVelocityStatesToken, &entries_.links());
-  registerComponent(KtManip::KtBaseVelocityStateToken, &entries_.base());
+  registerComponent(KtManip::KtLinkVelocityStatesToken, entries_.linksComponent());
+  registerComponent(KtManip::KtBaseVelocityStateToken, entries_.baseComponent());
 }
 
 void KtManipulatorActiveVelocityState::setVelocityState(const KtVelocityState& state) {

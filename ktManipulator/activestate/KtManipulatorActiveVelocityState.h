@@ -77,13 +77,15 @@ class KT_EXPORT KtManipulatorActiveVelocityState
     entry(index).setCompositeMomentumInLocal(motion);
   }
   /// Sets what `linkVelocityStates()` answers.
-  virtual void setLinkVelocityStates(const LinkStates& states) { entries_.links() = states; }
+  virtual void setLinkVelocityStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkVelocityState& baseVelocityState() const { return entries_.base(); }
   /// The same, to be changed.
   virtual KtLinkVelocityState& baseVelocityState() { return entries_.base(); }
   /// Sets what `baseVelocityState()` answers.
-  virtual void setBaseVelocityState(const KtLinkVelocityState& state) { entries_.base() = state; }
+  virtual void setBaseVelocityState(const KtLinkVelocityState& state) {
+    entries_[ktBaseIndex] = state;
+  }
   /// Makes all entries invalid.
   virtual void invalidateAll();
   /// Gives the list of entries a size if it has another one; new entries are invalid.
@@ -91,7 +93,8 @@ class KT_EXPORT KtManipulatorActiveVelocityState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base.
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
+  /// that calls it, not later.
   KtLinkVelocityState& entry(KtU32 index) noexcept { return entries_[index]; }
   /// The same.
   const KtLinkVelocityState& entry(KtU32 index) const noexcept { return entries_[index]; }

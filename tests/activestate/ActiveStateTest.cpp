@@ -241,6 +241,21 @@ TEST(ActiveState, CleanPartsAreNotWalkedOver) {
   EXPECT_FALSE(f.linkForceStates()[1].localDhValid());
 }
 
+// Whoever keeps the list or the base of the velocities, which never count as clean, may fill them
+// at any time.
+TEST(ActiveState, AListThatIsKeptIsAlwaysWalkedOver) {
+  Active active = filledState();
+  auto& links = active.activeVelocityState().linkVelocityStates();
+  auto& base = active.activeVelocityState().baseVelocityState();
+  for (const double rate : {2.0, 3.0, 4.0, 5.0}) {
+    active.setVelocityState(velocities(3, rate));
+    EXPECT_FALSE(links[1].localDhValid() || base.localComValid());
+    links[1].setDhFrameVelocityInLocal({});
+    base.setComVelocityInLocal({});
+    if (rate == 3.0) active.setActiveVelocityState(Active(active).activeVelocityState());
+  }
+}
+
 // Valid entries can come from a file too.
 TEST(ActiveState, AReadStateIsNotClean) {
   const std::string text = KtXmlWriter::writeString(filledState());

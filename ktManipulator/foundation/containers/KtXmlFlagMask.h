@@ -59,5 +59,6 @@ class KtXmlFlagMask {
 
  private:
   KtU32 bits_ = 0;
-  KtOnDemand<std::array<Kt::detail::XmlMaskBit, kPersisted>> components_;
+  // Mutable, as a constant owner that is written registers too.
+  mutable KtOnDemand<std::array<Kt::detail::XmlMaskBit, kPersisted>> components_;
 };
