@@ -2,6 +2,12 @@
 
 template class KtXmlVectorType<KtLinkAccelerationState>;
 
+bool KtLinkAccelerationState::read(KtXmlReader& reader) {
+  const bool good = KtXmlPersistent::read(reader);
+  motions_.invalidateUnpersisted();
+  return good;
+}
+
 void KtLinkAccelerationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtDhFrameAccelerationInLocalToken,

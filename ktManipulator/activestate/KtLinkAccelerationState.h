@@ -17,6 +17,9 @@
 class KT_EXPORT KtLinkAccelerationState
     : public KtXmlPersistent<KtLinkAccelerationState, KtXmlCompoundType> {
  public:
+  /// Reads the state, valid flags included; motions that files don't have get invalid. See
+  /// `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// Absolute acceleration of the DH frame's origin, and of the link's rotation, in DH axes.

@@ -2,6 +2,12 @@
 
 template class KtXmlVectorType<KtLinkForceState>;
 
+bool KtLinkForceState::read(KtXmlReader& reader) {
+  const bool good = KtXmlPersistent::read(reader);
+  externalForceDescription_.setValid(false);
+  return good;
+}
+
 void KtLinkForceState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtDhFrameForceInLocalToken, &dhFrameForceInLocal_);

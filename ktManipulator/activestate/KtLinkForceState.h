@@ -15,6 +15,8 @@
 /// Equality is that of what files hold; the description of the external force is not in them.
 class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXmlCompoundType> {
  public:
+  /// Reads the force and its valid flag; the description gets invalid. See `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The force that the inboard side exerts on the link and all links outboard of it, N, and its

@@ -29,6 +29,8 @@ class LinkMotions {
   }
   /// Sets what `valid` answers.
   void setValid(unsigned i, bool valid) noexcept { valid_.set(i, valid); }
+  /// Makes those motions invalid that files don't have.
+  void invalidateUnpersisted() noexcept { valid_.clearUnpersisted(); }
   /// Makes all motions invalid.
   void invalidateAll() noexcept { valid_.clear(); }
 

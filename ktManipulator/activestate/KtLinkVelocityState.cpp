@@ -2,6 +2,12 @@
 
 template class KtXmlVectorType<KtLinkVelocityState>;
 
+bool KtLinkVelocityState::read(KtXmlReader& reader) {
+  const bool good = KtXmlPersistent::read(reader);
+  motions_.invalidateUnpersisted();
+  return good;
+}
+
 void KtLinkVelocityState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtDhFrameVelocityInLocalToken,

@@ -15,6 +15,9 @@
 class KT_EXPORT KtLinkVelocityState
     : public KtXmlPersistent<KtLinkVelocityState, KtXmlCompoundType> {
  public:
+  /// Reads the state, valid flags included; motions that files don't have get invalid. See
+  /// `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// Absolute velocity of the DH frame's origin, and of the link's rotation, in DH axes.

@@ -267,6 +267,15 @@ TEST(ActiveState, AReadStateIsNotClean) {
   EXPECT_EQ(validParts(active), "P-M---");
 }
 
+// What a file doesn't have is not what it was before either.
+TEST(ActiveState, AReadStateHasNothingLeftOfTheOneBefore) {
+  Active empty = filledState();
+  empty.invalidateAll();
+  Active active = filledState();
+  ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(empty), active));
+  EXPECT_EQ(validParts(active), "------");
+}
+
 TEST(ActiveState, SettersAskForNoMemory) {
   Active active = filledState();
   const KtPositionState p[] = {positions(3, 0.25), positions(3, 0.75)};

@@ -43,6 +43,8 @@ class KtXmlFlagMask {
   }
   /// Clears all flags.
   void clear() noexcept { bits_ = 0; }
+  /// Clears the flags that can't be elements.
+  void clearUnpersisted() noexcept { bits_ &= kPersistedBits; }
   /// Whether no flag is set.
   bool none() const noexcept { return bits_ == 0; }
   /// The flag as a component of the owner, for `registerComponents`.
@@ -54,10 +56,12 @@ class KtXmlFlagMask {
 
   /// Exact equality of the flags that can be elements.
   bool operator==(const KtXmlFlagMask& other) const noexcept {
-    return ((bits_ ^ other.bits_) & ((1U << kPersisted) - 1U)) == 0;
+    return ((bits_ ^ other.bits_) & kPersistedBits) == 0;
   }
 
  private:
+  static constexpr KtU32 kPersistedBits = (1U << kPersisted) - 1U;
+
   KtU32 bits_ = 0;
   // Mutable, as a constant owner that is written registers too.
   mutable KtOnDemand<std::array<Kt::detail::XmlMaskBit, kPersisted>> components_;
