@@ -20,6 +20,11 @@
 /// | `setVelocityState`   | no       | yes      | no   | yes          | yes   | yes          |
 /// | `setAccelerationState` | no     | no       | no   | yes          | yes   | yes          |
 ///
+/// The setters of whole parts (`setActivePositionState` and so on) and what is set through a part
+/// that was handed out make nothing else invalid. What was computed doesn't tell for which
+/// mechanism, external forces, torques, or attached manipulators: whoever changes one of these
+/// calls `invalidateAll`.
+///
 /// So that a large acceleration or force state that nobody asked for is not walked over at each
 /// step, each of the two has a flag that says that it is clean: not handed out for writing since it
 /// was made invalid. A reference that is written through must not be older than the last setter.

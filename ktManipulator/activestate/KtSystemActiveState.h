@@ -15,7 +15,9 @@
 /// It belongs to the caller and is passed into queries, so that one mechanism can serve several of
 /// them; it takes its sizes from the first state that it is given. Setters compute nothing: they
 /// make invalid what depends on what they set, and only if that differs from before. Boxes,
-/// distances, collisions and contact forces of the system depend on positions alone.
+/// distances and collisions of the system depend on positions alone. Its contact forces are kept
+/// until positions change, too: where they depend on velocities, `setGeneralForceValid` tells that
+/// they don't hold any more.
 ///
 /// It belongs to one thread at a time, and so does a mechanism that is asked, whichever active
 /// state it is asked with.

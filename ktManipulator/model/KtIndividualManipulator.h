@@ -255,11 +255,19 @@ class KT_EXPORT KtIndividualManipulator
   /// @param data           the properties of that surface
   /// @param keepUnbounded  whether a shape without a bounding volume stays; otherwise it goes
   virtual void simplifyLinkShapesWithBoundingVolumes(const KtDataMap& data, bool keepUnbounded);
-  /// The point of a plane about which the inertial forces have no moment along the plane, without
-  /// gravity. Where they have no force across the plane the output stays as it was.
+  /// The zero-moment point: the point of a plane about which the inertial forces have no moment
+  /// along the plane, without gravity.
+  ///
+  /// The base's frame takes the rate of the composite momentum to the system as it does a motion:
+  /// it adds p x H to the force, with p the base's place and H the rate of the links' own angular
+  /// momenta. So the answer is that of mechanics where the base stands at the system's origin or H
+  /// is zero.
+  ///
+  /// @param plane  in the system
+  /// @param point  receives it, in the system; stays as it was where no force crosses the plane
   virtual void computeZeroMomentPoint(const KtPlane& plane, KtManipulatorActiveState& activeState,
                                       KtVector& point, const KtStatedSystemStruct* asker) const;
-  /// The same with gravity.
+  /// The same with gravity, m/s^2, in system axes.
   virtual void computeZeroMomentPoint(const KtVector& gravity, const KtPlane& plane,
                                       KtManipulatorActiveState& activeState, KtVector& point,
                                       const KtStatedSystemStruct* asker) const;

@@ -60,6 +60,12 @@ extern template class KtXmlMapType<KtXmlBasicType<std::string>, KtCoordinateSyst
 /// reference description says; the manipulator resolves the reference when it maps its links.
 /// Mass, kinematics, actuator, spring, damper, points and frames are never shared.
 ///
+/// Queries of frames, motions, forces and inertias keep their answers in the active state, and
+/// answer references into it, which hold until that state is set anew or has another number of
+/// links. A link that lies outside of the state's lists is reported, and answered by one of the
+/// shared values below. An answer that is kept is given again for other external forces, torques
+/// or askers: whoever changes these makes the active state invalid first.
+///
 /// Labels are unique within a manipulator by convention; where two links have the same, the label
 /// leads to the later one in pre-order and the index to either.
 ///
@@ -421,7 +427,11 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// The rate of `compositeSpatialMomentumInLocal`.
   virtual const KtGeneralMotion& compositeSpatialMomentumRateInLocal(
       KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const;
-  /// The moment of the inertial forces of this subtree about a point of the system, system axes.
+  /// The moment of the inertial forces of this subtree, mass times acceleration of each link's
+  /// centre of mass, about a point of the system, in system axes. Rates of the links' own angular
+  /// momenta are not in it.
+  ///
+  /// @param moment  receives it; not the same object as the point
   virtual void computeMomentFromLinearAcceleration(const KtVector& point,
                                                    KtManipulatorActiveState& activeState,
                                                    KtVector& moment,
