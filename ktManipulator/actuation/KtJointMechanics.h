@@ -260,11 +260,12 @@ class KT_EXPORT KtJointMechanics : public Params {
   /// joint; inside of it the torque is 0.
   virtual double nonRigidOutputTorque(KtManipulatorActiveState& active) const;
 
-  /// Whether `outputTorque` depends on its load: only stick-slip friction does.
+  /// Whether `outputTorque` depends on its load: only stick-slip friction does. Where it has no
+  /// torque to give, it still tells a load from none at a gear ratio of 0, by which it divides.
   bool loadMatters() const noexcept {
     return this->isRigid_ &&
            (this->staticCoulombFriction_ != 0.0 || this->staticCoulombSpringCoefficient_ != 0.0 ||
-            this->staticCoulombDamperCoefficient_ != 0.0);
+            this->staticCoulombDamperCoefficient_ != 0.0 || this->gearRatio_ == 0.0);
   }
 
   /// Exact equality; the link takes no part.

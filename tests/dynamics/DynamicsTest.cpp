@@ -698,6 +698,20 @@ TEST_F(Dynamics, ALinkWithoutAJointIsFixedToItsParent) {
     EXPECT_EQ(arbi(m).jointAccelerations()[3], 0.0);
     other.jointAccelerations()[3] = 0.0;  // which its mass matrix doesn't determine
     expectNear(listOf(arbi(m)), listOf(other), 1e-8);
+// A joint that its motor doesn't reach is left to itself.
+TEST_F(Dynamics, AGearRatioOfZeroPassesNoTorque) {
+  forMechanisms({4}, kExact, [](Mechanism& m) {
+    Arm arm = m.arm();
+    Mechanism idle = m;
+    arm.linkByIdentifier(m.link(2).label())->setJointActuator(KtJointActuator());
+    idle.replaceArm(arm);
+    idle.torque.jointTorques()[2] = 0.0;
+    KtJointActuator loose;
+    loose.setGearRatio(0.0);
+    arm.linkByIdentifier(m.link(2).label())->setJointActuator(loose);
+    m.replaceArm(arm);
+    expectNear(listOf(arbi(m)), listOf(arbi(idle)), 1e-9);
+    expectNear(listOf(crbi(m)), listOf(arbi(idle)), 1e-9);
   });
 }
 
