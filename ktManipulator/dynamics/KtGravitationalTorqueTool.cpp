@@ -18,7 +18,7 @@ const KtCoordinateSystemTransformation& transform(const KtManipulatorLink& link,
 }  // namespace
 
 void KtGravitationalTorqueTool::setManipulator(const KtIndividualManipulator* manipulator) {
-  manipulator_ = manipulator;
+  KtManipulatorTool::setManipulator(manipulator);
   resize();
 }
 
@@ -76,8 +76,7 @@ void KtGravitationalTorqueTool::calculateInboardPartialDerivatives(
     KtGeneralForce force, const KtManipulatorLink* link, KtManipulatorActiveState& activeState) {
   for (; link != nullptr && link->linkIndex() != ktBaseIndex; link = link->parentLink()) {
     const KtGeneralMotion unit = unitMotion(*link, activeState);
-    gradient_[0][link->linkIndex()] =
-        unit.angular().cross(force.force()).dot(gravityAt(*link, activeState));
+    setDerivative(*link, unit.angular().cross(force.force()), activeState);
     force.transformBy(transform(*link, activeState));
   }
 }
@@ -88,12 +87,18 @@ void KtGravitationalTorqueTool::calculateOutboardPartialDerivatives(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) {
   const KtGeneralForce force =
       link.crbi(activeState, asker).calculateForce(unitMotion(link, activeState));
-  gradient_[0][link.linkIndex()] =
-      unit.angular().cross(force.force()).dot(gravityAt(link, activeState));
+  setDerivative(link, unit.angular().cross(force.force()), activeState);
   for (const KtManipulatorLink& child : link.childLinks().elements()) {
     calculateOutboardPartialDerivatives(transform(child, activeState).inverse() * unit, child,
                                         activeState, asker);
   }
+}
+
+// A child that was added after the links were mapped has no place in the result.
+void KtGravitationalTorqueTool::setDerivative(const KtManipulatorLink& link, const KtVector& turned,
+                                              KtManipulatorActiveState& activeState) {
+  const KtU32 i = link.linkIndex();
+  if (i < gradient_.columns()) gradient_[0][i] = turned.dot(gravityAt(link, activeState));
 }
 
 void KtGravitationalTorqueTool::resize() {

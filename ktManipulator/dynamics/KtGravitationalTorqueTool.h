@@ -58,6 +58,10 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
                                            const KtManipulatorLink& link,
                                            KtManipulatorActiveState& activeState,
                                            const KtStatedSystemStruct* asker);
+  // Sets the derivative by a link's position: the product of a force that its motion turns, in the
+  // link's DH axes, and gravity.
+  void setDerivative(const KtManipulatorLink& link, const KtVector& turned,
+                     KtManipulatorActiveState& activeState);
 
   KtVector gravityVector_{0.0, 0.0, 9.8};
   KtReArray torques_;

@@ -800,6 +800,16 @@ TEST_F(Dynamics, MissingLinksAndManipulatorsGiveZeros) {
   EXPECT_EQ(h[1][1], 0.0);
   EXPECT_EQ(h[0][0], whole[0][0]);
   EXPECT_EQ(h[2][2], whole[2][2]);
+
+  // A child that was never mapped has no column.
+  gravity.setManipulator(&m.arm());
+  const KtReArray slopes = gravity.gravitationalTorqueGradient(2, active, nullptr);
+  Arm grown = m.arm();
+  grown.linkByIdentifier(m.link(2).label())->addChild(KtManipulatorLink());
+  gravity.setManipulator(&grown);
+  Active more = m.active();
+  expectNear(columnOf(gravity.gravitationalTorqueGradient(2, more, nullptr).transpose(), 0),
+             columnOf(slopes.transpose(), 0), 1e-6);
 }
 
 // After the first at a size, a step asks for no memory.
