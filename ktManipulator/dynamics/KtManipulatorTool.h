@@ -18,9 +18,12 @@ class KT_EXPORT KtManipulatorTool {
 
   /// The manipulator that is asked about; null by default. Not owned.
   virtual const KtIndividualManipulator* manipulator() const { return manipulator_; }
-  /// Sets what `manipulator()` answers, and gives the results their sizes. The manipulator has to
-  /// live as long as the tool is asked.
-  virtual void setManipulator(const KtIndividualManipulator* manipulator) = 0;
+  /// Sets what `manipulator()` answers, gives the results their sizes, and makes invalid what the
+  /// tool's own state has cached. The manipulator has to live as long as the tool is asked.
+  virtual void setManipulator(const KtIndividualManipulator* manipulator) {
+    manipulator_ = manipulator;
+    own_.invalidateAll();
+  }
   /// Sets the positions of the tool's own state.
   virtual void setPositionState(const KtPositionState& state) { own_.setPositionState(state); }
 

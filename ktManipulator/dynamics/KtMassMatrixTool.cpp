@@ -5,7 +5,7 @@
 #include "ktManipulator/model/KtIndividualManipulator.h"
 
 void KtMassMatrixTool::setManipulator(const KtIndividualManipulator* manipulator) {
-  manipulator_ = manipulator;
+  KtManipulatorTool::setManipulator(manipulator);
   resize();
 }
 

@@ -4,7 +4,7 @@
 #include "ktManipulator/model/KtIndividualManipulator.h"
 
 void KtMatrixDTool::setManipulator(const KtIndividualManipulator* manipulator) {
-  manipulator_ = manipulator;
+  KtManipulatorTool::setManipulator(manipulator);
   resize();
 }
 

@@ -17,7 +17,7 @@ double power(const KtManipulatorLink& link, double q, const KtGeneralForce& forc
 }  // namespace
 
 void KtTotalTorqueTool::setManipulator(const KtIndividualManipulator* manipulator) {
-  manipulator_ = manipulator;
+  KtManipulatorTool::setManipulator(manipulator);
   resize();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <utility>
 
 #include "ktManipulator/ktManipulator.h"
 #include "support/Allocations.h"
@@ -634,6 +635,23 @@ void expectNothingLeftBehind() {
 TEST_F(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
   expectNothingLeftBehind<KtArbiAccelerationTool>();
   expectNothingLeftBehind<KtCrbiAccelerationTool>();
+}
+
+// So does one that computes matrices or torques.
+TEST_F(Dynamics, ToolsForgetTheManipulatorBefore) {
+  const Mechanism m(trees::randomMechanismArm(4, true));
+  Arm heavier = m.arm();
+  heavier.linkByIdentifier(m.link(3).label())
+      ->setMassProperties(trees::randomLink("heavier").massProperties());
+  KtMassMatrixTool kept;
+  kept.setPositionState(m.position);
+  for (const Arm* arm : {&m.arm(), &std::as_const(heavier)}) {
+    KtMassMatrixTool fresh;
+    fresh.setPositionState(m.position);
+    fresh.setManipulator(arm);
+    kept.setManipulator(arm);
+    EXPECT_EQ(kept.massMatrix(nullptr, nullptr), fresh.massMatrix(nullptr, nullptr));
+  }
 }
 
 // A manipulator on a link of another is a mass that the link carries.
