@@ -229,7 +229,7 @@ void KtArticulatedBodyInertia::addRotatedAndMoved(const double* linear, const do
 }
 
 // By the factor G of I = G G^T. A pivot that is lost in rounding is raised, as `KtReArray` does
-// it, so that the answer stays finite. The work arrays are on the stack: this object is copied
+// it, so that the factor stays finite. The work arrays are on the stack: this object is copied
 // where nothing may be allocated.
 KtGeneralMotion KtArticulatedBodyInertia::calculateAcceleration(const KtGeneralForce& force) const {
   constexpr int kSize = 6;

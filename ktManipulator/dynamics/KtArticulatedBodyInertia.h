@@ -65,7 +65,7 @@ class KT_EXPORT KtArticulatedBodyInertia
   /// The same, fast for an acceleration of which most components are zero.
   virtual KtGeneralForce calculateForceSparse(const KtGeneralMotion& acceleration) const;
   /// The acceleration under a force: the inverse of `calculateForce`. A singular inertia gives a
-  /// large but finite answer.
+  /// large answer, which may overflow, where nothing resists the force.
   virtual KtGeneralMotion calculateAcceleration(const KtGeneralForce& force) const;
   /// The block L, as a symmetric matrix.
   virtual const KtSecondMoment& linearMatrix() const { return linear_; }

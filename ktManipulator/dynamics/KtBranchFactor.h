@@ -10,8 +10,8 @@
 namespace Kt::detail {
 
 /// The factor G of a mass matrix H = G G^T: G^T = D^(1/2) L, L lower triangular with ones on its
-/// diagonal and D diagonal. Row i of L has entries only in the columns of
-/// joints that carry joint i, as H itself: nothing fills in, and nothing is spent on branches.
+/// diagonal and D diagonal. Row i of L has entries only in the columns of joints that carry joint
+/// i, as H itself: nothing fills in, and nothing is spent on branches.
 ///
 /// @see R. Featherstone, Efficient factorization of the joint-space inertia matrix for branched
 ///      kinematic trees, International Journal of Robotics Research 24 (2005), 487-500

@@ -36,7 +36,8 @@ class KT_EXPORT KtCrbiAccelerationTool {
   /// @param manipulator    one of that system
   /// @param position       positions
   /// @param velocity       velocities
-  /// @param torque         torques that the joints' actuators get, and the load on a free base
+  /// @param torque         torques that the joints' actuators get, and the load on a free base. A
+  ///                       joint beyond the last gets what the motion takes there by itself.
   /// @param external       forces on the links from outside, in the axes of their DH frames
   /// @param acceleration   the result: one joint acceleration for each joint, and, for a free base,
   ///                       its acceleration in the axes of the system; that of a fixed base is left
@@ -75,10 +76,10 @@ class KT_EXPORT KtCrbiAccelerationTool {
   /// @param external       see `acceleration`
   /// @param selection      true where the torque is known and the acceleration sought, false where
   ///                       it is the other way round; true beyond its end
-  /// @param torque         in: the known torques. Out: what was sought is added, as the command
-  /// that
-  ///                       through the gear gives that joint torque. A joint of gear ratio 0 keeps
-  ///                       its value. It gets one joint torque for each joint.
+  /// @param torque         in: the known torques, which are 0 beyond the last. Out: what was sought
+  ///                       is added, as the command that through the gear gives that joint torque.
+  ///                       A joint of gear ratio 0 keeps its value. It gets one joint torque for
+  ///                       each joint.
   /// @param acceleration   in: the known accelerations. Out: those sought. It gets one for each
   ///                       joint. Unlike with `acceleration`, those of a free base stand in the
   ///                       axes of its DH frame, in and out; that of a fixed base becomes zero

@@ -69,6 +69,10 @@ extern template class KtXmlMapType<KtXmlBasicType<std::string>, KtCoordinateSyst
 /// Labels are unique within a manipulator by convention; where two links have the same, the label
 /// leads to the later one in pre-order and the index to either.
 ///
+/// An active state that has no entry for the link is reported, and the answer is a dummy. What a
+/// state holds of inertias, forces and articulated dynamics was computed for the forces, torques
+/// and asker of the first query: a caller who has others calls `invalidateAll` on the state before.
+///
 /// Constant operations fill scratch members and caches of the active state: a link belongs to one
 /// thread at a time. Links that hold children move in memory when their parent's list of children
 /// grows: pointers to links hold until then.
