@@ -180,8 +180,10 @@ class Library : public Subject {
     append(numbers, {x.y, y.y, z.y});
     append(numbers, {x.z, y.z, z.z});
     append(numbers, frame.translation());
-    const KtGeneralMotion& motion =
-        active_.activeVelocityState().linkVelocityStates()[i].dhFrameVelocityInSystem();
+    const KtGeneralMotion& motion = std::as_const(active_)
+                                        .activeVelocityState()
+                                        .linkVelocityStates()[i]
+                                        .dhFrameVelocityInSystem();
     append(numbers, motion.linear());
     append(numbers, motion.angular());
   }

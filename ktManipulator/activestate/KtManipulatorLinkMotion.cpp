@@ -294,7 +294,7 @@ const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
   const KtVector& w = dhFrameVelocityInLocal(activeState).angular();
   const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
   const KtRigidBodyMassProperties& body =
-      asker == nullptr ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
+      ownMassSuffices(asker) ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
   const KtGeneralForce& given = external[i];
   KtVector force;
   KtVector moment;

@@ -53,7 +53,7 @@ const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveStat
   KtLinkMassState& entry = masses.entry(i);
   if (!entry.crbiValid()) {
     KtRigidBodyMassProperties sum =
-        asker == nullptr ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
+        ownMassSuffices(asker) ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
     auto& positions = activeState.positionCache();
     for (const KtManipulatorLink& child : childLinks().elements()) {
       const KtRigidBodyMassProperties& part = child.KtManipulatorLink::crbi(activeState, asker);
@@ -80,7 +80,7 @@ const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(const KtManipulatorExte
     const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
     const KtGeneralMotion& velocity = dhFrameVelocityInLocal(activeState);
     const KtRigidBodyMassProperties& body =
-        asker == nullptr ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
+        ownMassSuffices(asker) ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
     const KtGeneralForce& given = external[i];
     KtVector force;
     KtVector moment;

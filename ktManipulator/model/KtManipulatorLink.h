@@ -566,6 +566,11 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                LimitConstraint& limit, double constant,
                                                double coefficient) const;
   bool attachments(const KtStatedSystemStruct* asker) const;
+  // Whether the own mass answers `massPropertiesInDHFrame`. A class derived from the base may have
+  // another opinion; links stand by value in lists.
+  bool ownMassSuffices(const KtStatedSystemStruct* asker) const noexcept {
+    return asker == nullptr && linkIndex_ != ktBaseIndex;
+  }
   const KtGeneralMotion& knownVelocity(KtManipulatorActiveState& activeState) const;
   const KtGeneralMotion& knownAcceleration(KtManipulatorActiveState& activeState) const;
   void getInboardSupplement(const KtManipulatorExternalForce& external,

@@ -716,6 +716,9 @@ TEST_F(Dynamics, ALinkWithoutAJointIsFixedToItsParent) {
     EXPECT_EQ(arbi(m).jointAccelerations()[3], 0.0);
     other.jointAccelerations()[3] = 0.0;  // which its mass matrix doesn't determine
     expectNear(listOf(arbi(m)), listOf(other), 1e-8);
+  });
+}
+
 // A joint that its motor doesn't reach is left to itself.
 TEST_F(Dynamics, AGearRatioOfZeroPassesNoTorque) {
   forMechanisms({4}, kExact, [](Mechanism& m) {
