@@ -82,8 +82,13 @@ double KtJointMechanics<Cls, Params>::outputTorque(double command, double load,
   const double torque = this->driveTorque(command);
   // Without virtual calls where no derived class can have another opinion.
   const bool exact = typeid(*this) == typeid(Cls);
-  const double linear = exact ? stopperTorqueOf(i, active) + viscousFrictionTorqueOf(i, active)
-                              : linearTorque(active);
+  double linear = 0.0;
+  if (exact) {
+    linear = stopperTorqueOf(i, active);
+    linear += viscousFrictionTorqueOf(i, active);
+  } else {
+    linear = linearTorque(active);
+  }
   double drive = torque - load;
   if constexpr (Cls::kFrictionSeesLinearTorque) drive -= linear;
   const double dry =

@@ -170,7 +170,9 @@ void KtCrbiAccelerationTool::addConstraintForces(const KtIndividualManipulator& 
   const KtReArray& a = constraints.jacobian(manipulator, position);
   const KtReArray& aDot = constraints.jacobianDerivative(manipulator, position, velocity);
   const KtU32 unknowns = rightSide_.rows();
-  if (a.rows() != count || a.columns() != unknowns || aDot.columns() != unknowns) return;
+  if (a.rows() != count || a.columns() != unknowns || aDot.rows() != count ||
+      aDot.columns() != unknowns)
+    return;
   const KtU32 first = manipulator.isFixedBase() ? 0 : 6;
   unconstrained_ = rightSide_;
   solve(unconstrained_);
@@ -203,7 +205,8 @@ void KtCrbiAccelerationTool::hybridTorqueAcceleration(
   torque.jointTorques().resizeToAtLeast(n);
   acceleration.resize(n);
   calculateJointTorqueArray(manipulator, torque, external, activeState, asker);
-  bool changed = selection_.size() != unknowns;
+  bool changed = selection_.size() != unknowns || partitionedJoints_ != n;
+  partitionedJoints_ = n;
   selection_.resize(unknowns);
   KtU32 selected = 0;
   for (KtU32 i = 0; i < unknowns; ++i) {

@@ -167,6 +167,7 @@ class KT_EXPORT KtCrbiAccelerationTool {
   KtReArray constraintForces_;
   // Of the hybrid problem: 1 are the unknowns of known torque, 2 those of known acceleration.
   std::vector<bool> selection_;
+  KtU32 partitionedJoints_ = 0;
   KtReArray h11_, h12_, h21_, h22_;
   KtReArray hybridFactor_;
   KtReArray b1_, a2_, x1_, t2_, product_;

@@ -78,6 +78,10 @@ const KtReArray& KtMassMatrixTool::extend(KtManipulatorActiveState& activeState,
 const KtReArray& KtMassMatrixTool::nullSpaceTorque(KtManipulatorActiveState& activeState,
                                                    const KtReArray& nullSpace) {
   const KtU32 n = manipulator_ != nullptr ? manipulator_->jointDof() : 0;
+  if (&nullSpace == &nullSpaceTorque_) {  // the result of an earlier call
+    const KtReArray copy(nullSpace);
+    return nullSpaceTorque(activeState, copy);
+  }
   const KtReArray* columns = &nullSpace;
   if (nullSpace.columns() == 0 && degreesOfConstraint_ == 0) {
     identity_.setToIdentity(isFixedBase_ ? n : n + 6, isFixedBase_ ? n : n + 6);
