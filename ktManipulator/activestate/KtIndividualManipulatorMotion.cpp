@@ -4,12 +4,17 @@
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtManipulatorExternalForce.h"
 
+using Kt::detail::RotationMatrix;
+
 const KtCoordinateSystemTransformation& KtIndividualManipulator::dhFrameInSystem(
     KtManipulatorActivePositionState& positionState) const {
   KtLinkPositionState& entry = positionState.entry(ktBaseIndex);
   if (!entry.locationInSystemValid()) {
     entry.setDhFrame(coordSysXForm_ * positionState.positionState().coordSysXForm());
-    entry.setPrimaryFrame(entry.dhFrame() * primaryFrame());
+    const KtCoordinateSystemTransformation& primary = primaryFrame();
+    entry.setPrimaryFrame(primary.mode() == KtCoordinateSystemTransformation::kIdentity
+                              ? entry.dhFrame()
+                              : entry.dhFrame() * primary);
     entry.setLocationInSystemValid(true);
   }
   return entry.dhFrame();
@@ -29,8 +34,10 @@ const KtGeneralMotion& KtIndividualManipulator::dhFrameVelocityInLocal(
     KtManipulatorActiveState& activeState) const {
   KtLinkVelocityState& entry = activeState.velocityCache().entry(ktBaseIndex);
   if (!entry.localDhValid()) {
-    const KtOrientation r = dhFrameInSystem(activeState.positionCache()).orientation();
-    entry.setDhFrameVelocityInLocal(r.inverse() * activeState.velocityState().generalVelocity());
+    const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
+    const KtGeneralMotion& given = activeState.velocityState().generalVelocity();
+    entry.setDhFrameVelocityInLocal(r.inverseTimes(given.linear()),
+                                    r.inverseTimes(given.angular()));
   }
   return entry.dhFrameVelocityInLocal();
 }
@@ -44,9 +51,10 @@ const KtGeneralMotion& KtIndividualManipulator::dhFrameAccelerationInLocal(
     KtManipulatorActiveState& activeState) const {
   KtLinkAccelerationState& entry = activeState.accelerationCache().entry(ktBaseIndex);
   if (!entry.localDhValid()) {
-    const KtOrientation r = dhFrameInSystem(activeState.positionCache()).orientation();
-    entry.setDhFrameAccelerationInLocal(r.inverse() *
-                                        activeState.accelerationState().generalAcceleration());
+    const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
+    const KtGeneralMotion& given = activeState.accelerationState().generalAcceleration();
+    entry.setDhFrameAccelerationInLocal(r.inverseTimes(given.linear()),
+                                        r.inverseTimes(given.angular()));
   }
   return entry.dhFrameAccelerationInLocal();
 }

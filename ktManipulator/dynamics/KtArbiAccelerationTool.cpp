@@ -50,8 +50,9 @@ void KtArbiAccelerationTool::acceleration(
   const auto& links = manipulator.links();
   netTorque_.setGeneralForce(torque.generalForce());
   netTorque_.jointTorques().assign(n, 0.0);
-  totalTorqueTool_.setManipulator(&manipulator);
+  if (totalTorqueTool_.manipulator() != &manipulator) totalTorqueTool_.setManipulator(&manipulator);
   totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
+  auto& net = netTorque_.jointTorques().elements();
   for (KtU32 i = 0; i < n; ++i) {
     const KtManipulatorLink* link = links[i];
     if (link == nullptr) continue;
@@ -61,15 +62,15 @@ void KtArbiAccelerationTool::acceleration(
     // Inverse dynamics only where its result is used.
     const double load =
         loadMatters(component) ? totalTorqueTool_.torque(i, external, activeState, asker) : 0.0;
-    netTorque_.jointTorques()[i] =
+    net[i] =
         component.outputTorque(command, load, activeState) - link->totalLocalTorque(activeState);
   }
   acceleration.resize(n);
+  auto& joints = acceleration.jointAccelerations().elements();
   for (KtU32 i = 0; i < n; ++i) {
     const KtManipulatorLink* link = links[i];
     if (link == nullptr) continue;
-    acceleration.jointAccelerations()[i] =
-        link->arbiJointAcceleration(external, netTorque_, activeState, asker);
+    joints[i] = link->arbiJointAcceleration(external, netTorque_, activeState, asker);
   }
   KtGeneralMotion base =
       manipulator.arbiBaseAccelerationInLocal(external, netTorque_, activeState, asker);

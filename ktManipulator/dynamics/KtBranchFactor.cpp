@@ -29,23 +29,18 @@ void BranchFactor::listCarriers(const std::vector<KtU32>& parents) {
   starts_[n] = static_cast<KtU32>(carriers_.size());
 }
 
-void BranchFactor::factor(const KtReArray& mass, const std::vector<KtU32>& parents) {
-  const KtU32 n = mass.rows();
-  lower_.resizeArray(n, n);
+void BranchFactor::factor(KtReArray& mass, const std::vector<KtU32>& parents) {
+  lower_.swap(mass);
+  const KtU32 n = lower_.rows();
   scales_.resize(n);
   if (parents != parents_) listCarriers(parents);
-  for (KtU32 i = 0; i < n; ++i) {
-    const double* from = mass[i];
-    double* to = lower_[i];
-    to[i] = from[i];
-    for (KtU32 k = starts_[i]; k < starts_[i + 1]; ++k) to[carriers_[k]] = from[carriers_[k]];
-  }
-  // H = L^T D L first, whose pivots need no root, which each would have to wait for.
+  // A pivot that is lost in rounding is raised, as `KtReArray::choleskyDecomposition` does it.
   const double rounding = n * std::numeric_limits<double>::epsilon();
+  for (KtU32 k = 0; k < n; ++k) scales_[k] = KtMath::nonZeroPos(rounding * lower_[k][k]);
+  // H = L^T D L first, whose pivots need no root, which each would have to wait for.
   for (KtU32 k = n; k-- > 0;) {
     double* row = lower_[k];
-    // A pivot that is lost in rounding is raised, as `KtReArray::choleskyDecomposition` does it.
-    const double least = KtMath::nonZeroPos(rounding * mass[k][k]);
+    const double least = scales_[k];
     const bool raised = row[k] <= least;
     scales_[k] = 1.0 / (raised ? least : row[k]);
     const double reciprocal = raised ? 0.0 : scales_[k];

@@ -19,10 +19,11 @@ class BranchFactor {
  public:
   /// Factors a mass matrix.
   ///
-  /// @param mass     symmetric; only its lower triangle is read
+  /// @param mass     symmetric; only its lower triangle is read. Its memory is taken over, for that
+  ///                 of the last factor
   /// @param parents  for each joint the one that carries it, which has a lower index; any number
   ///                 from the count of joints on for none
-  void factor(const KtReArray& mass, const std::vector<KtU32>& parents);
+  void factor(KtReArray& mass, const std::vector<KtU32>& parents);
   /// Whether this factor is cheaper than a dense one: for few joints, or where less than half of
   /// the lower triangle is non-zero.
   static bool isWorthIt(const std::vector<KtU32>& parents);

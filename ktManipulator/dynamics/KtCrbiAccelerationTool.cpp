@@ -76,7 +76,9 @@ void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
     acceleration.setGeneralAcceleration(base);
   }
   acceleration.resize(n);
-  for (KtU32 i = 0; i < n; ++i) acceleration.jointAccelerations()[i] = solution_[first + i][0];
+  auto& joints = acceleration.jointAccelerations().elements();
+  const double* found = solution_[first];
+  for (KtU32 i = 0; i < n; ++i) joints[i] = found[i];
 }
 
 // The joints are eliminated first, which keeps the zeros of branches. With (I, D^T; D, H) the mass
@@ -297,7 +299,7 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
                                                        const KtManipulatorExternalForce& external,
                                                        KtManipulatorActiveState& activeState,
                                                        const KtStatedSystemStruct* asker) {
-  totalTorqueTool_.setManipulator(&manipulator);
+  if (totalTorqueTool_.manipulator() != &manipulator) totalTorqueTool_.setManipulator(&manipulator);
   totalTorqueTool_.setTotalTorqueType(kTotalTorqueOfLinks);
   const auto& given = torque.jointTorques().elements();
   const auto& links = manipulator.links();
@@ -314,7 +316,7 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
 bool KtCrbiAccelerationTool::calculateMassMatrix(const KtIndividualManipulator& manipulator,
                                                  KtManipulatorActiveState& activeState,
                                                  const KtStatedSystemStruct* asker) {
-  massMatrixTool_.setManipulator(&manipulator);
+  if (massMatrixTool_.manipulator() != &manipulator) massMatrixTool_.setManipulator(&manipulator);
   massMatrix_ = massMatrixTool_.massMatrix(activeState, asker);
   addActuatorInertias(manipulator, activeState);
   return true;
@@ -323,7 +325,7 @@ bool KtCrbiAccelerationTool::calculateMassMatrix(const KtIndividualManipulator& 
 bool KtCrbiAccelerationTool::calculateExtendedMassMatrixInBase(
     const KtIndividualManipulator& manipulator, KtManipulatorActiveState& activeState,
     const KtStatedSystemStruct* asker) {
-  massMatrixTool_.setManipulator(&manipulator);
+  if (massMatrixTool_.manipulator() != &manipulator) massMatrixTool_.setManipulator(&manipulator);
   massMatrix_ = massMatrixTool_.extendedMassMatrixInBase(activeState, asker);
   addActuatorInertias(manipulator, activeState);
   return true;

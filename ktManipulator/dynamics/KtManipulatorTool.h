@@ -22,7 +22,8 @@ class KT_EXPORT KtManipulatorTool {
   /// tool's own state has cached. The manipulator has to live as long as the tool is asked.
   virtual void setManipulator(const KtIndividualManipulator* manipulator) {
     manipulator_ = manipulator;
-    own_.invalidateAll();
+    if (ownWasAsked_) own_.invalidateAll();
+    ownWasAsked_ = false;
   }
   /// Sets the positions of the tool's own state.
   virtual void setPositionState(const KtPositionState& state) { own_.setPositionState(state); }
@@ -34,9 +35,14 @@ class KT_EXPORT KtManipulatorTool {
 
   /// The state pointed to, or the tool's own for a null pointer.
   KtManipulatorActiveState& stateOrOwn(KtManipulatorActiveState* state) {
-    return state != nullptr ? *state : own_;
+    if (state != nullptr) return *state;
+    ownWasAsked_ = true;
+    return own_;
   }
 
   const KtIndividualManipulator* manipulator_ = nullptr;  ///< Not owned.
   KtManipulatorActiveState own_;                          ///< For a null pointer.
+
+ private:
+  bool ownWasAsked_ = false;
 };
