@@ -89,7 +89,9 @@ void KtStatedSystem::aboutToModifySystem() {
 }
 
 void KtStatedSystem::forgetReportedSystem() {
-  if (reportActiveState_.get() != nullptr) reportActiveState_.get()->resetForSystemChange();
+  for (const auto* kept : {&reportActiveState_, &lazyActiveState_}) {
+    if (kept->get() != nullptr) kept->get()->resetForSystemChange();
+  }
 }
 
 void KtStatedSystem::reregisterSystem() {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtOnDemand.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
@@ -313,6 +314,25 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   static const KtToken& classToken() { return KtManip::KtStatedSystemToken; }
 
  private:
+  // What a step works with.
+  struct PropagationScratch {
+    KtXmlVectorType<KtPositionState> savedPositions;  // of before the step
+    ResultVector results;                             // of collision checks
+    ResultVector defaultResults;                      // where the caller wants none
+    KtManipulatorActiveState parentState;             // of attachments
+    KtString linkLabel;
+  };
+
+  KtSystemActiveState& givenOrLazy(KtSystemActiveState* activeState) const;
+  void carryAttachments(KtManipulatorSystemState& state) const;
+  void takeBackAll(KtManipulatorSystemState& state, ResultVector& results,
+                   KtSystemActiveState& activeState, const KtReal& reservedFactor,
+                   const KtU32& boundingVolumeLevel, const KtReal& collisionTolerance) const;
+  void takeBackCollided(KtManipulatorSystemState& state, ResultVector& results,
+                        KtSystemActiveState& activeState, const KtReal& reservedFactor,
+                        const KtU32& boundingVolumeLevel, const KtReal& collisionTolerance) const;
+  void askStoppingCriteria(double time, KtManipulatorSystemState& state, ResultVector& results,
+                           KtSystemActiveState& activeState) const;
   void followSystem();
   void forgetReportedSystem();
   void changeAlpha(const char* property, const KtShapeStateCacheKey& key, double alpha);
@@ -326,6 +346,9 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   double transparencyAlpha_ = 0.0;
   // For `generateCollisionReport`
   mutable KtOnDemand<KtSystemActiveState> reportActiveState_;
+  // For propagation
+  mutable KtOnDemand<PropagationScratch> propagation_;
+  mutable KtOnDemand<KtSystemActiveState> lazyActiveState_;
   mutable bool isSystemModified_ = false;
   mutable bool isSelectionDataChanged_ = false;
   mutable bool isTransparentDisplay_ = false;
