@@ -1,0 +1,73 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "Commands.h"
+#include "ImportUrdf.h"
+#include "ktManipulator/foundation/xml/KtXmlWriter.h"
+
+namespace {
+
+struct Arguments {
+  std::string robot;
+  std::string output;
+  bool strict = false;
+  ImportOptions options;
+};
+
+void tell(const std::string& file, const char* before, const std::vector<ImportFinding>& findings) {
+  for (const ImportFinding& finding : findings) {
+    const std::string line = finding.line > 0 ? ":" + std::to_string(finding.line) : "";
+    std::fprintf(stderr, "%s%s: %s%s\n", file.c_str(), line.c_str(), before, finding.text.c_str());
+  }
+}
+
+int run(const Arguments& arguments) {
+  std::ifstream stream(arguments.robot, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  if (!stream) {
+    std::fprintf(stderr, "%s: can't be read\n", arguments.robot.c_str());
+    return 1;
+  }
+  const ImportResult result = importUrdf(text, arguments.options);
+  tell(arguments.robot, "not taken over: ", result.notTaken);
+  tell(arguments.robot, "", result.errors);
+  if (!result.good) return 1;
+  if (arguments.strict && !result.notTaken.empty()) {
+    std::fprintf(stderr, "%s: %zu not taken over, which --strict forbids; nothing is written\n",
+                 arguments.robot.c_str(), result.notTaken.size());
+    return 1;
+  }
+  if (!KtXmlWriter::writeFile(arguments.output, result.system)) {
+    std::fprintf(stderr, "%s: can't be written\n", arguments.output.c_str());
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+void addImport(CLI::App& app, int& status) {
+  CLI::App* command = app.add_subcommand("import", "Makes a stated system of a robot's URDF file");
+  auto arguments = std::make_shared<Arguments>();
+  command->add_option("robot", arguments->robot, "the URDF file")->required();
+  command->add_option("-o,--output", arguments->output, "the file of the system")->required();
+  command->add_flag("--floating-base", arguments->options.floatingBase,
+                    "the root link moves freely");
+  command->add_option("--name", arguments->options.name,
+                      "label of the manipulator, which is that of its base (default: the root "
+                      "link's name)");
+  command->add_flag("--strict", arguments->strict,
+                    "write nothing, and fail, if anything is not taken over");
+  command->footer(
+      "A link of the system bears the name of the robot's link, its primary frame is that link's\n"
+      "frame, and its joint is the one that moves it: joints are named by the links they move.\n"
+      "Links on fixed joints become part of the link they hang on, their frames named frames of\n"
+      "it. A planar joint becomes two slides, \"<joint> x\" and \"<joint> y\", and a hinge. A\n"
+      "floating joint below a root without a body makes a free base. Joints that mimic others\n"
+      "become equality constraints.\n"
+      "Whatever is not taken over is listed on standard error, a line each.");
+  command->callback([arguments, &status] { status = run(*arguments); });
+}

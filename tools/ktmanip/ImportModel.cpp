@@ -1,0 +1,360 @@
+#include "ImportModel.h"
+
+#include <urdf_model/joint.h>
+#include <urdf_model/link.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "ktManipulator/constraints/KtLinearStateEqualityConstraint.h"
+#include "ktManipulator/foundation/shape/KtBoxShape.h"
+#include "ktManipulator/foundation/shape/KtCylinderShape.h"
+#include "ktManipulator/foundation/shape/KtShapeUnion.h"
+#include "ktManipulator/foundation/shape/KtSphereShape.h"
+#include "ktManipulator/kinematics/KtDenavitHartenberg.h"
+
+namespace {
+
+// Below this rate of a joint, rad/s or m/s, its dry friction holds it; a URDF file doesn't say.
+constexpr double kStickingRate = 1e-3;
+
+KtVector vectorOf(const urdf::Vector3& v) {
+  return {v.x, v.y, v.z};
+}
+
+KtCoordinateSystemTransformation frameOf(const urdf::Pose& pose) {
+  const urdf::Rotation& r = pose.rotation;
+  return {vectorOf(pose.position), KtOrientation(r.w, r.x, r.y, r.z)};
+}
+
+// A rotation that takes z to a direction: the one by the least angle, or, where that is more than a
+// right one, half a turn about x before one from -z.
+KtOrientation turnFromZ(const KtVector& direction) {
+  KtVector a = direction.unitVector();
+  const bool below = a.z < 0.0;
+  if (below) a = -a;
+  // About z x a, by the angle whose half has the cosine sqrt((1 + a.z) / 2).
+  KtOrientation turn(1.0 + a.z, -a.y, a.x, 0.0);
+  turn.normalize();
+  // Whatever takes z to a takes -z to -a.
+  return below ? turn * KtOrientation(0.0, 1.0, 0.0, 0.0) : turn;
+}
+
+// The inverse, without the negative zeros that nobody wants to read in a file.
+KtCoordinateSystemTransformation turnedBack(const KtOrientation& r) {
+  return KtOrientation(r[0], 0.0 - r[1], 0.0 - r[2], 0.0 - r[3]);
+}
+
+KtRigidBodyMassProperties massOf(const urdf::Inertial& inertial) {
+  KtRigidBodyMassProperties mass;
+  // As given: what isn't a body's inertia is for `inspect` to tell, not to be changed here.
+  mass.set(KtNonNegReal(inertial.mass), KtVector(),
+           KtSecondMoment(inertial.ixx, inertial.iyy, inertial.izz, inertial.ixy, inertial.ixz,
+                          inertial.iyz),
+           false);
+  mass.transformBy(frameOf(inertial.origin));
+  return mass;
+}
+
+std::unique_ptr<KtShape> shapeOf(const urdf::Geometry& geometry,
+                                 const KtCoordinateSystemTransformation& frame) {
+  switch (geometry.type) {
+    case urdf::Geometry::BOX:
+      return std::make_unique<KtBoxShape>(vectorOf(static_cast<const urdf::Box&>(geometry).dim),
+                                          frame);
+    case urdf::Geometry::SPHERE:
+      return std::make_unique<KtSphereShape>(frame.translation(),
+                                             static_cast<const urdf::Sphere&>(geometry).radius);
+    case urdf::Geometry::CYLINDER: {
+      const auto& cylinder = static_cast<const urdf::Cylinder&>(geometry);
+      return std::make_unique<KtCylinderShape>(cylinder.radius, cylinder.length, frame);
+    }
+    default:
+      return nullptr;  // the document has no others
+  }
+}
+
+class Importer {
+ public:
+  Importer(const urdf::ModelInterface& model, const ImportDocument& document,
+           const ImportOptions& options, std::vector<ImportFinding>& notTaken)
+      : model_(model), document_(document), options_(options), notTaken_(notTaken) {}
+
+  KtStatedSystem import();
+
+ private:
+  // One body of a mechanism: a link with all that is fixed to it.
+  struct Body {
+    KtManipulatorLink* link = nullptr;
+    std::vector<std::unique_ptr<KtShape>> shapes;
+  };
+
+  std::vector<urdf::JointSharedPtr> jointsOf(const urdf::Link& link) const;
+  const urdf::Link& childOf(const urdf::Joint& joint) const;
+  void fill(KtManipulatorLink& link, const urdf::Link& source);
+  void fillFrom(Body& body, const urdf::Link& source,
+                const KtCoordinateSystemTransformation& frame);
+  void addShapes(Body& body, const urdf::Link& source,
+                 const KtCoordinateSystemTransformation& frame);
+  void addMoving(KtManipulatorLink& parent, const urdf::Joint& joint,
+                 const KtCoordinateSystemTransformation& frame);
+  void addPlanar(KtManipulatorLink& parent, const urdf::Joint& joint,
+                 const KtCoordinateSystemTransformation& inboard);
+  void setActuator(KtManipulatorLink& link, const urdf::Joint& joint) const;
+  const urdf::Link& findBase(KtIndividualManipulator& base,
+                             KtCoordinateSystemTransformation& place);
+  void addMimics(KtIndividualManipulator& base) const;
+  KtPositionState startOf(const KtIndividualManipulator& base) const;
+  void leaveOut(int line, const std::string& text) { notTaken_.push_back({line, text}); }
+
+  const urdf::ModelInterface& model_;
+  const ImportDocument& document_;
+  const ImportOptions& options_;
+  std::vector<ImportFinding>& notTaken_;
+};
+
+std::vector<urdf::JointSharedPtr> Importer::jointsOf(const urdf::Link& link) const {
+  // The model sorts by name; people expect the order of their file.
+  std::vector<urdf::JointSharedPtr> joints = link.child_joints;
+  std::stable_sort(joints.begin(), joints.end(), [&](const auto& a, const auto& b) {
+    return document_.jointLine(a->name) < document_.jointLine(b->name);
+  });
+  return joints;
+}
+
+const urdf::Link& Importer::childOf(const urdf::Joint& joint) const {
+  return *model_.getLink(joint.child_link_name);
+}
+
+void Importer::fill(KtManipulatorLink& link, const urdf::Link& source) {
+  link.setLabel(source.name);
+  link.setMassProperties(source.inertial ? massOf(*source.inertial) : KtRigidBodyMassProperties());
+  Body body;
+  body.link = &link;
+  fillFrom(body, source, KtCoordinateSystemTransformation());
+  if (body.shapes.size() == 1) {
+    link.setShape(*body.shapes.front());
+  } else if (!body.shapes.empty()) {
+    KtShapeUnion shapes;
+    shapes.setIdentifier(source.name);
+    for (const auto& shape : body.shapes) shapes.addMember(*shape);
+    link.setShape(shapes);
+  }
+}
+
+// Adds what a link and the links fixed to it have beside the own mass of the first.
+void Importer::fillFrom(Body& body, const urdf::Link& source,
+                        const KtCoordinateSystemTransformation& frame) {
+  addShapes(body, source, frame);
+  for (const urdf::JointSharedPtr& joint : jointsOf(source)) {
+    const KtCoordinateSystemTransformation next =
+        frame * frameOf(joint->parent_to_joint_origin_transform);
+    if (joint->type == urdf::Joint::FLOATING) {
+      leaveOut(document_.jointLine(joint->name),
+               "the freedom of the floating <joint> \"" + joint->name +
+                   "\", which is taken as a fixed one: only a base moves freely");
+    } else if (joint->type != urdf::Joint::FIXED) {
+      addMoving(*body.link, *joint, next);
+      continue;
+    }
+    const urdf::Link& child = childOf(*joint);
+    if (child.inertial) {
+      KtRigidBodyMassProperties mass = massOf(*child.inertial);
+      mass.transformBy(next);
+      body.link->addMassProperties(child.name, mass);
+    }
+    if (dynamic_cast<KtIndividualManipulator*>(body.link) == nullptr) {
+      body.link->addNamedFrame(child.name, next);
+    } else {
+      leaveOut(document_.linkLine(child.name), "the frame of <link> \"" + child.name +
+                                                   "\", which is fixed to the base: a base has no "
+                                                   "named frames in a file");
+    }
+    fillFrom(body, child, next);
+  }
+}
+
+void Importer::addShapes(Body& body, const urdf::Link& source,
+                         const KtCoordinateSystemTransformation& frame) {
+  const std::size_t count = source.collision_array.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const urdf::Collision& collision = *source.collision_array[i];
+    std::unique_ptr<KtShape> shape =
+        shapeOf(*collision.geometry, frame * frameOf(collision.origin));
+    if (shape == nullptr) continue;
+    const std::string number = count == 1 ? "" : " " + std::to_string(i + 1);
+    shape->setIdentifier(collision.name.empty() ? source.name + number : collision.name);
+    body.shapes.push_back(std::move(shape));
+  }
+}
+
+KtDenavitHartenberg jointModel(KtDenavitHartenberg::JointType type,
+                               const KtCoordinateSystemTransformation& precursor,
+                               const KtCoordinateSystemTransformation& primaryFrame) {
+  KtDenavitHartenberg model;
+  model.setJointType(type);
+  model.setDhType(KtDenavitHartenberg::kGeneral);
+  model.setPrecursor(precursor);
+  model.setPrimaryFrame(primaryFrame);
+  return model;
+}
+
+// Adds the link that a joint moves. `frame` is the joint's, in the parent's primary frame.
+void Importer::addMoving(KtManipulatorLink& parent, const urdf::Joint& joint,
+                         const KtCoordinateSystemTransformation& frame) {
+  const KtCoordinateSystemTransformation inboard = parent.primaryFrame() * frame;
+  if (joint.type == urdf::Joint::PLANAR) {
+    addPlanar(parent, joint, inboard);
+    return;
+  }
+  // The DH frame turns the joint's axis onto z, and the primary frame turns it back.
+  const KtOrientation turn(turnFromZ(vectorOf(joint.axis)));
+  KtManipulatorLink link;
+  link.setLinkKinematics(jointModel(joint.type == urdf::Joint::PRISMATIC
+                                        ? KtDenavitHartenberg::kPrismatic
+                                        : KtDenavitHartenberg::kRotational,
+                                    inboard * turn, turnedBack(turn)));
+  setActuator(link, joint);
+  fill(link, childOf(joint));
+  parent.addChild(link);
+}
+
+void Importer::addPlanar(KtManipulatorLink& parent, const urdf::Joint& joint,
+                         const KtCoordinateSystemTransformation& inboard) {
+  const KtOrientation turn(turnFromZ(vectorOf(joint.axis)));
+  // Slides along x and then y of the plane's frame; each moves along z of its own.
+  const KtOrientation toX(turnFromZ({1.0, 0.0, 0.0}));
+  const KtOrientation toY(turnFromZ({0.0, 1.0, 0.0}));
+  KtManipulatorLink along, across, link;
+  link.setLinkKinematics(
+      jointModel(KtDenavitHartenberg::kRotational, turnedBack(toY), turnedBack(turn)));
+  fill(link, childOf(joint));
+  across.setLabel(joint.name + " y");
+  across.setLinkKinematics(
+      jointModel(KtDenavitHartenberg::kPrismatic, turnedBack(toX) * toY, turnedBack(toY)));
+  across.setMassProperties(KtRigidBodyMassProperties());
+  across.addChild(link);
+  along.setLabel(joint.name + " x");
+  along.setLinkKinematics(
+      jointModel(KtDenavitHartenberg::kPrismatic, inboard * turn * toX, turnedBack(toX)));
+  along.setMassProperties(KtRigidBodyMassProperties());
+  along.addChild(across);
+  parent.addChild(along);
+}
+
+void Importer::setActuator(KtManipulatorLink& link, const urdf::Joint& joint) const {
+  KtMechanicalActuatorComponent mechanics;
+  KtJointActuator actuator;
+  if (joint.limits) {
+    if (joint.type != urdf::Joint::CONTINUOUS) {
+      mechanics.setLowerLimit(joint.limits->lower);
+      mechanics.setUpperLimit(joint.limits->upper);
+    }
+    if (joint.limits->velocity > 0.0) mechanics.setMaxOutputRate(joint.limits->velocity);
+    actuator.setMinTorque(-joint.limits->effort);
+    actuator.setMaxTorque(joint.limits->effort);
+  }
+  if (joint.dynamics) {
+    mechanics.setFrictionCoefficient(joint.dynamics->damping);
+    mechanics.setStaticCoulombFriction(joint.dynamics->friction);
+    if (joint.dynamics->friction > 0.0) mechanics.setLimitingVelocityStickRegion(kStickingRate);
+  }
+  actuator.setMechanicalComponent(mechanics);
+  link.setJointActuator(actuator);
+}
+
+// The link that the base is. A floating joint between a root that is nothing but a place and the
+// rest of the robot makes a free base of the rest.
+const urdf::Link& Importer::findBase(KtIndividualManipulator& base,
+                                     KtCoordinateSystemTransformation& place) {
+  const urdf::Link& root = *model_.getRoot();
+  base.setIsFixedBase(!options_.floatingBase);
+  if (root.inertial || !root.collision_array.empty() || root.child_joints.size() != 1 ||
+      root.child_joints.front()->type != urdf::Joint::FLOATING) {
+    return root;
+  }
+  const urdf::Joint& joint = *root.child_joints.front();
+  leaveOut(document_.linkLine(root.name), "<link> \"" + root.name +
+                                              "\", from which the base moves freely: the system's "
+                                              "frame stands for it");
+  base.setIsFixedBase(false);
+  place = frameOf(joint.parent_to_joint_origin_transform);
+  return childOf(joint);
+}
+
+void Importer::addMimics(KtIndividualManipulator& base) const {
+  const KtU32 joints = base.jointDof();
+  KtStateEqualityConstraintVector constraints;
+  for (KtU32 i = 0; i < joints; ++i) {
+    const urdf::LinkConstSharedPtr link = model_.getLink(base.linkByIndex(i)->label());
+    if (link == nullptr || link->parent_joint->mimic == nullptr) continue;
+    const urdf::JointMimic& mimic = *link->parent_joint->mimic;
+    const urdf::JointConstSharedPtr leader = model_.getJoint(mimic.joint_name);
+    KtLinearStateEqualityConstraint::Row weights(joints);
+    weights[i] = 1.0;
+    weights[base.linkIndexByIdentifier(leader->child_link_name)] = -mimic.multiplier;
+    KtLinearStateEqualityConstraint constraint;
+    constraint.setJointWeights(KtLinearStateEqualityConstraint::Rows(1, weights));
+    constraint.setWeightedSums(KtLinearStateEqualityConstraint::Row(1, mimic.offset));
+    constraints.pushBack(constraint);
+  }
+  base.setStateEqualityConstraints(constraints);
+}
+
+KtPositionState Importer::startOf(const KtIndividualManipulator& base) const {
+  const KtU32 joints = base.jointDof();
+  std::vector<double> q(joints, 0.0);
+  for (KtU32 i = 0; i < joints; ++i) {
+    const KtJointActuator& actuator = base.linkByIndex(i)->jointActuator();
+    q[i] = std::fmax(actuator.lowerLimit(), std::fmin(actuator.upperLimit(), 0.0));
+  }
+  // A follower may follow a follower: each round settles those that stand one further.
+  for (KtU32 round = 0; round < joints; ++round) {
+    bool settled = true;
+    for (KtU32 i = 0; i < joints; ++i) {
+      const urdf::LinkConstSharedPtr link = model_.getLink(base.linkByIndex(i)->label());
+      if (link == nullptr || link->parent_joint->mimic == nullptr) continue;
+      const urdf::JointMimic& mimic = *link->parent_joint->mimic;
+      const std::string& leader = model_.getJoint(mimic.joint_name)->child_link_name;
+      const double value = mimic.multiplier * q[base.linkIndexByIdentifier(leader)] + mimic.offset;
+      settled = settled && q[i] == value;
+      q[i] = value;
+    }
+    if (settled) break;
+  }
+  KtPositionState position;
+  position.jointPositions().resize(joints);
+  for (KtU32 i = 0; i < joints; ++i) position.jointPositions()[i] = q[i];
+  return position;
+}
+
+KtStatedSystem Importer::import() {
+  KtIndividualManipulator base;
+  KtCoordinateSystemTransformation place;
+  const urdf::Link& source = findBase(base, place);
+  fill(base, source);
+  base.mapManipulator();
+  addMimics(base);
+  KtPositionState position = startOf(base);
+  position.setCoordSysXForm(place);
+  if (!options_.name.empty()) base.setLabel(options_.name);
+  base.mapManipulator();
+  base.buildSelfCollisionLinkMap();
+  base.fitAbsoluteBoundingSphere();
+
+  KtStatedSystem result;
+  result.setFromManipulator(base);
+  KtSystemEnvironment environment;
+  environment.setUpGravityVector({0.0, 0.0, 9.81});
+  result.setEnvironment(environment);
+  result.setIndividualPositionState(0, position);
+  return result;
+}
+
+}  // namespace
+
+KtStatedSystem importModel(const urdf::ModelInterface& model, const ImportDocument& document,
+                           const ImportOptions& options, std::vector<ImportFinding>& notTaken) {
+  return Importer(model, document, options, notTaken).import();
+}

@@ -1,0 +1,36 @@
+#include "Numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <system_error>
+
+namespace {
+
+bool readNumber(std::string_view word, double& value) {
+  if (!word.empty() && word.front() == '+') word.remove_prefix(1);
+  const char* end = word.data() + word.size();
+  const auto [stop, code] = std::from_chars(word.data(), end, value);
+  return code == std::errc() && stop == end && std::isfinite(value);
+}
+
+}  // namespace
+
+bool readNumbers(std::string_view text, std::string_view separators, std::vector<double>& values,
+                 std::string& wrong) {
+  values.clear();
+  const bool eachSeparates = separators.find(',') != std::string_view::npos;
+  if (eachSeparates && text.empty()) return true;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find_first_of(separators, at), text.size());
+    const std::string_view word = text.substr(at, end - at);
+    at = end + 1;
+    if (word.empty() && !eachSeparates) continue;
+    double value = 0.0;
+    if (!readNumber(word, value)) {
+      wrong = word;
+      return false;
+    }
+    values.push_back(value);
+  }
+  return true;
+}

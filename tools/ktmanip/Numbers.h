@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Reads numbers from a text, whatever the locale. All have to be finite.
+///
+/// @param separators  characters between numbers; with a comma among them, each separates, else a
+///                    run of them does
+/// @param values      receives the numbers
+/// @param wrong       receives the first word that is no number
+/// @return            whether all words are numbers
+bool readNumbers(std::string_view text, std::string_view separators, std::vector<double>& values,
+                 std::string& wrong);

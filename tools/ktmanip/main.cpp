@@ -1,0 +1,30 @@
+// ktmanip: robots on the command line.
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <cstdio>
+#include <exception>
+
+#include "Commands.h"
+
+int main(int argc, char** argv) {
+  try {
+    CLI::App app{"Imports, inspects and evaluates mechanisms of rigid links."};
+    app.set_version_flag("--version", KTMANIP_VERSION);
+    app.require_subcommand(1);
+    int status = 0;
+    addImport(app, status);
+    addInspect(app, status);
+    addEvaluate(app, status);
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+      return app.exit(e);
+    }
+    return status;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "ktmanip: %s\n", e.what());
+    return 1;
+  }
+}
