@@ -1,0 +1,100 @@
+// The tool as a user calls it: statuses, messages and files.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "Support.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+struct Outcome {
+  int status = -1;
+  std::string text;  // of both streams
+};
+
+Outcome run(const std::string& arguments) {
+  Outcome outcome;
+  FILE* pipe = popen((KTMANIP " " + arguments + " 2>&1").c_str(), "r");
+  if (pipe == nullptr) return outcome;
+  char buffer[4096];
+  while (const std::size_t n = fread(buffer, 1, sizeof buffer, pipe))
+    outcome.text.append(buffer, n);
+  outcome.status = WEXITSTATUS(pclose(pipe));
+  return outcome;
+}
+
+std::string fileOf(const char* name, const char* text) {
+  const std::string file = std::string(KT_TEST_OUTPUT) + '/' + name;
+  std::ofstream(file) << text;
+  return file;
+}
+
+TEST(Command, ImportsInspectsAndEvaluates) {
+  const std::string urdf =
+      fileOf("slide.urdf",
+             "<robot name='r'>\n<link name='rail'/>\n<link name='cart'><inertial><mass value='4'/>"
+             "<inertia ixx='1' iyy='1' izz='1' ixy='0' ixz='0' iyz='0'/></inertial></link>\n"
+             "<joint name='j' type='prismatic'><parent link='rail'/><child link='cart'/>"
+             "<axis xyz='0 0 1'/><limit lower='-1' upper='1' effort='9' velocity='2'/></joint>\n"
+             "<gazebo/></robot>");
+  const std::string xml = std::string(KT_TEST_OUTPUT) + "/slide.xml";
+  const std::string names = urdf + " -o " + xml;
+  std::remove(xml.c_str());
+
+  const Outcome strict = run("import --strict " + names);
+  EXPECT_NE(strict.status, 0);
+  EXPECT_FALSE(std::ifstream(xml).good());
+  const Outcome import = run("import " + names);
+  EXPECT_EQ(import.status, 0);
+  EXPECT_EQ(import.text, urdf + ":5: not taken over: <gazebo>\n");
+
+  const Outcome inspect = run("inspect --json " + xml);
+  EXPECT_EQ(inspect.status, 0);
+  const Json cart = Json::parse(inspect.text)["manipulators"][0]["links"][1];
+  EXPECT_EQ(cart["joint"]["maxTorque"], 9.0);
+  EXPECT_THAT(run("inspect " + xml).text, HasSubstr("rail: fixed base, 1 joints"));
+
+  const Outcome evaluate = run("evaluate --json --gravity 0 0 -2 --q=-0.25 " + xml);
+  EXPECT_EQ(evaluate.status, 0);
+  const Json m = Json::parse(evaluate.text)["manipulators"][0];
+  EXPECT_EQ(m["gravityTorques"], Json::array({-8.0}));
+  EXPECT_EQ(m["q"], Json::array({-0.25}));
+  EXPECT_EQ(run("evaluate " + xml).status, 0);
+}
+
+TEST(Command, FailsWithAReason) {
+  const std::string good = KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml";
+  const std::string bad = fileOf("bad.urdf", "<robot name='r'>\n<link/></robot>");
+  const struct {
+    std::string arguments, reason;
+  } cases[] = {
+      {"", "subcommand"},
+      {"transmogrify", "subcommand"},
+      {"import " + bad, "--output"},
+      {"import " + bad + " -o /dev/null", bad + ":2: <link> has no name"},
+      {"import no-file.urdf -o /dev/null", "no-file.urdf: can't be read"},
+      {"inspect no-file.xml", "no-file.xml"},
+      {"inspect " + bad, bad + ":1"},
+      {"evaluate " + good + " --q=1", "--q has 1 values, but two-link arm has 2 joints"},
+      {"evaluate " + good + " --tau=1,two", "--tau: \"two\" is not a number"},
+      {"evaluate " + good + " --tau=1,", "--tau: \"\" is not a number"},
+      {"evaluate " + good + " --manipulator 1", "counted from 0"},
+      {"evaluate " + good + " --gravity 0 9.81", "--gravity"},
+  };
+  for (const auto& c : cases) {
+    const Outcome outcome = run(c.arguments);
+    EXPECT_NE(outcome.status, 0) << c.arguments;
+    EXPECT_THAT(outcome.text, HasSubstr(c.reason)) << c.arguments;
+  }
+  for (const char* help : {"--help", "import --help", "inspect --help", "evaluate --help"}) {
+    EXPECT_EQ(run(help).status, 0) << help;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,136 @@
+// What `ktmanip evaluate` answers, against closed forms and the laws that its answers obey.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Evaluate.h"
+#include "ImportUrdf.h"
+#include "ktManipulator/ktManipulator.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+// A bob of 2 kg, 0.5 m below a hinge about y that stands 1 m above the origin, with a rotor.
+KtStatedSystem pendulum() {
+  KtStatedSystem system =
+      importUrdf(
+          "<robot name='r'><link name='post'/><link name='rod'><inertial><origin xyz='0 0 -0.5'/>"
+          "<mass value='2'/><inertia ixx='0.1' iyy='0.2' izz='0.15' ixy='0' ixz='0' iyz='0'/>"
+          "</inertial></link><joint name='j' type='continuous'><parent link='post'/>"
+          "<child link='rod'/><origin xyz='0 0 1'/><axis xyz='0 1 0'/>"
+          "<dynamics damping='5' friction='3'/></joint></robot>",
+          {})
+          .system;
+  KtIndividualManipulator arm = system.system().manipulators()[0];
+  KtManipulatorLink& rod = *arm.linkByIdentifier("rod");
+  KtJointActuator actuator = rod.jointActuator();
+  actuator.setInertia(0.001);
+  actuator.setGearRatio(10.0);
+  rod.setJointActuator(actuator);
+  KtStatedSystem result;
+  result.setFromManipulator(arm);
+  result.setEnvironment(system.environment());
+  return result;
+}
+
+TEST(Evaluate, APendulumObeysItsClosedForms) {
+  const KtStatedSystem system = pendulum();
+  const double q = 0.3, qd = 1.7, qdd = 0.9, tau = 2.5, g = 9.81;
+  EvaluateOptions options;
+  options.q = {{q}};
+  options.qd = {{qd}};
+  options.qdd = {{qdd}};
+  options.tau = {{tau}};
+  Json result;
+  std::string error;
+  ASSERT_TRUE(evaluate(system, options, result, error)) << error;
+  const Json& m = result["manipulators"][0];
+  const double inertia = 0.2 + 2.0 * 0.25 + 0.1;  // body, Steiner, rotor behind the gear
+  const double weight = 2.0 * g * 0.5 * std::sin(q);
+  const auto near = [](const Json& json, double value) {
+    EXPECT_NEAR(json.get<double>(), value, 1e-13);
+  };
+  near(m["massMatrix"][0][0], inertia);
+  near(m["gravityTorques"][0], weight);
+  near(m["inverseDynamics"]["jointTorques"][0], inertia * qdd + weight);
+  near(m["forwardDynamics"]["jointAccelerations"][0], (tau - weight) / inertia);
+  near(m["kineticEnergy"], 0.5 * inertia * qd * qd);
+  near(m["potentialEnergy"], 2.0 * g * (1.0 - 0.5 * std::cos(q)));
+  near(m["centerOfMass"][0], -0.5 * std::sin(q));
+  // The base carries the weight and what moves the bob: m a, and its moment about the origin.
+  const double c = std::cos(q), s = std::sin(q);
+  const double ax = 0.5 * (qd * qd * s - qdd * c), az = 0.5 * (qd * qd * c + qdd * s);
+  const Json& force = m["inverseDynamics"]["baseForce"];
+  near(force[0], 2.0 * ax);
+  near(force[2], 2.0 * (az + g));
+  near(force[4], 0.2 * qdd + (1.0 - 0.5 * c) * 2.0 * ax + 0.5 * s * 2.0 * (az + g));
+  const Json& rod = m["links"][1];
+  EXPECT_EQ(m["links"][0]["label"], "post");
+  EXPECT_EQ(m["joints"], Json::array({"rod"}));
+  near(rod["velocity"]["angular"][1], qd);
+  near(rod["primaryFrame"]["translation"][2], 1.0);
+  near(rod["primaryFrame"]["rotation"][0], std::cos(0.5 * q));
+  near(rod["primaryFrame"]["rotation"][2], std::sin(0.5 * q));
+}
+
+TEST(Evaluate, FreeBodiesFall) {
+  const ImportResult imported = importUrdf(
+      "<robot name='r'><link name='b'><inertial><origin xyz='1 0 0'/><mass value='3'/><inertia "
+      "ixx='1' iyy='1' izz='1' ixy='0' ixz='0' iyz='0'/></inertial></link></robot>",
+      {true, ""});
+  EvaluateOptions options;
+  options.upGravity = KtVector(0, 2, 0);
+  Json result;
+  std::string error;
+  ASSERT_TRUE(evaluate(imported.system, options, result, error)) << error;
+  const Json& m = result["manipulators"][0];
+  const double fall[] = {0, -2, 0, 0, 0, 0}, hold[] = {0, 6, 0, 0, 0, 6};
+  for (std::size_t i = 0; i < 6; ++i) {
+    EXPECT_NEAR(m["forwardDynamics"]["baseAcceleration"][i].get<double>(), fall[i], 1e-14);
+    EXPECT_NEAR(m["inverseDynamics"]["baseForce"][i].get<double>(), hold[i], 1e-14);
+  }
+}
+
+// The dynamics that are told undo each other, on an arm with rotors, gears and friction, and the
+// numbers survive their text.
+TEST(Evaluate, ForwardUndoesInverse) {
+  KtStatedSystem system;
+  ASSERT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/puma560.xml", system));
+  EvaluateOptions options;
+  options.q = {{0.1, -0.2, 0.3, -0.4, 0.5, -0.6}};
+  options.qd = {{1, 2, -3, 4, -5, 6}};
+  options.qdd = {{3, -1, 4, -1, 5, -9}};
+  Json first, second;
+  std::string error;
+  ASSERT_TRUE(evaluate(system, options, first, error)) << error;
+  const Json text = Json::parse(first.dump());
+  EXPECT_EQ(text, first);
+  options.tau =
+      text["manipulators"][0]["inverseDynamics"]["jointTorques"].get<std::vector<double>>();
+  ASSERT_TRUE(evaluate(system, options, second, error)) << error;
+  const Json& found = second["manipulators"][0]["forwardDynamics"]["jointAccelerations"];
+  for (std::size_t i = 0; i < 6; ++i) {
+    EXPECT_NEAR(found[i].get<double>(), (*options.qdd)[i], 1e-9);
+  }
+}
+
+TEST(Evaluate, RefusesListsThatDoNotFit) {
+  const KtStatedSystem system = pendulum();
+  Json result;
+  std::string error;
+  EvaluateOptions options;
+  options.tau = {{1.0, 2.0}};
+  EXPECT_FALSE(evaluate(system, options, result, error));
+  EXPECT_THAT(error, HasSubstr("--tau has 2 values, but post has 1 joints"));
+  options = {};
+  options.manipulator = 1;
+  EXPECT_FALSE(evaluate(system, options, result, error));
+  options = {};
+  options.qd = {{1e200}};
+  EXPECT_FALSE(evaluate(system, options, result, error));
+  EXPECT_THAT(error, HasSubstr("is not finite"));
+}
+
+}  // namespace
