@@ -6,13 +6,18 @@
 #include <string_view>
 
 #include "Numbers.h"
+#include "ktManipulator/foundation/xml/KtXmlReader.h"
 
 using tinyxml2::XMLElement;
 using tinyxml2::XMLNode;
 
 namespace {
 
-enum Content { kText, kReal, kNotNegative, kThreeReals, kThreeNotNegative };
+enum Content { kAnything, kText, kReal, kNotNegative, kThreeReals, kThreeNotNegative };
+
+// So many joints one behind the other are read back from a file: each nests two elements deeper.
+constexpr std::size_t kLongestRow = 1400;
+static_assert(2 * kLongestRow < KtXmlReader::kDefaultDepthLimit);
 
 bool isOneOf(const std::string& word, std::initializer_list<const char*> words) {
   return std::any_of(words.begin(), words.end(), [&](const char* w) { return word == w; });
@@ -43,6 +48,7 @@ std::string nameOf(const XMLElement& element) {
 
 // What is wrong with an attribute's value; empty if nothing is.
 std::string complaint(const std::string& text, Content content) {
+  if (content == kAnything) return "";
   if (content == kText) return text.empty() ? "is empty" : "";
   std::vector<double> values;
   std::string wrong;
@@ -62,7 +68,7 @@ std::string complaint(const std::string& text, Content content) {
 
 struct ImportDocument::AttributeRule {
   const char* name;
-  Content content = kText;
+  Content content = kAnything;
   bool required = false;
 };
 
@@ -110,7 +116,7 @@ const ImportDocument::ElementRule& ImportDocument::robotRule() {
       {origin,
        {"parent", {{"link", kText, true}}, {}, true},
        {"child", {{"link", kText, true}}, {}, true},
-       {"axis", {{"xyz", kThreeReals, true}}, {}},
+       {"axis", {{"xyz", kThreeReals}}, {}},
        {"limit",
         {{"lower", kReal}, {"upper", kReal}, {"effort", kReal, true}, {"velocity", kReal, true}},
         {}},
@@ -118,7 +124,7 @@ const ImportDocument::ElementRule& ImportDocument::robotRule() {
        {"mimic", {{"joint", kText, true}, {"multiplier", kReal}, {"offset", kReal}}, {}}},
       false,
       true};
-  static const ElementRule robot{"robot", {{"name", kText, true}, {"version"}}, {link, joint}};
+  static const ElementRule robot{"robot", {{"name", kAnything, true}, {"version"}}, {link, joint}};
   return robot;
 }
 
@@ -229,8 +235,7 @@ void ImportDocument::checkAttributes(XMLElement& element, const ElementRule& rul
       notTaken_.push_back(
           {a->GetLineNum(), std::string("attribute ") + a->Name() + " of " + where});
       unknown.emplace_back(a->Name());
-    } else if (const std::string what = complaint(a->Value(), found->content);
-               !what.empty() && (found->required || found->content != kText)) {
+    } else if (const std::string what = complaint(a->Value(), found->content); !what.empty()) {
       errors_.push_back({a->GetLineNum(), std::string(a->Name()) + " of " + where + ' ' + what});
     }
   }
@@ -374,6 +379,11 @@ void ImportDocument::checkTree() {
       at = childAttribute(*up->second, "parent", "link");
       if (++steps <= links_.size()) continue;
       error(*link, "link " + quoted(name) + " hangs on a loop of joints");
+      return;
+    }
+    if (steps > kLongestRow) {
+      error(*link, "link " + quoted(name) + " hangs on a row of more than " +
+                       std::to_string(kLongestRow) + " joints");
       return;
     }
   }

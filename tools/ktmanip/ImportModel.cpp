@@ -75,6 +75,31 @@ std::unique_ptr<KtShape> shapeOf(const urdf::Geometry& geometry,
   }
 }
 
+void addShapes(const urdf::Link& source, const KtCoordinateSystemTransformation& frame,
+               std::vector<std::unique_ptr<KtShape>>& shapes) {
+  const std::size_t count = source.collision_array.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    const urdf::Collision& collision = *source.collision_array[i];
+    std::unique_ptr<KtShape> shape =
+        shapeOf(*collision.geometry, frame * frameOf(collision.origin));
+    if (shape == nullptr) continue;
+    const std::string number = count == 1 ? "" : " " + std::to_string(i + 1);
+    shape->setIdentifier(collision.name.empty() ? source.name + number : collision.name);
+    shapes.push_back(std::move(shape));
+  }
+}
+
+KtDenavitHartenberg jointModel(KtDenavitHartenberg::JointType type,
+                               const KtCoordinateSystemTransformation& precursor,
+                               const KtCoordinateSystemTransformation& primaryFrame) {
+  KtDenavitHartenberg model;
+  model.setJointType(type);
+  model.setDhType(KtDenavitHartenberg::kGeneral);
+  model.setPrecursor(precursor);
+  model.setPrimaryFrame(primaryFrame);
+  return model;
+}
+
 class Importer {
  public:
   Importer(const urdf::ModelInterface& model, const ImportDocument& document,
@@ -84,23 +109,27 @@ class Importer {
   KtStatedSystem import();
 
  private:
-  // One body of a mechanism: a link with all that is fixed to it.
-  struct Body {
-    KtManipulatorLink* link = nullptr;
-    std::vector<std::unique_ptr<KtShape>> shapes;
+  // A link to be, with what it hangs on.
+  struct Pending {
+    std::unique_ptr<KtManipulatorLink> link;
+    const urdf::Link* source;  // null for those that only help a planar joint
+    std::size_t parent;
   };
+  // Stands for the base.
+  static constexpr std::size_t kBase = static_cast<std::size_t>(-1);
 
   std::vector<urdf::JointSharedPtr> jointsOf(const urdf::Link& link) const;
   const urdf::Link& childOf(const urdf::Joint& joint) const;
-  void fill(KtManipulatorLink& link, const urdf::Link& source);
-  void fillFrom(Body& body, const urdf::Link& source,
-                const KtCoordinateSystemTransformation& frame);
-  void addShapes(Body& body, const urdf::Link& source,
+  void fill(KtManipulatorLink& link, std::size_t index, const urdf::Link& source);
+  void merge(KtManipulatorLink& link, const urdf::Joint& joint,
+             const KtCoordinateSystemTransformation& frame);
+  void addMoving(const KtManipulatorLink& parent, std::size_t index, const urdf::Joint& joint,
                  const KtCoordinateSystemTransformation& frame);
-  void addMoving(KtManipulatorLink& parent, const urdf::Joint& joint,
-                 const KtCoordinateSystemTransformation& frame);
-  void addPlanar(KtManipulatorLink& parent, const urdf::Joint& joint,
+  void addPlanar(std::size_t parent, const urdf::Joint& joint,
                  const KtCoordinateSystemTransformation& inboard);
+  std::size_t add(const KtDenavitHartenberg& model, std::size_t parent, const std::string& label,
+                  const urdf::Link* source);
+  void assemble(KtIndividualManipulator& base);
   void setActuator(KtManipulatorLink& link, const urdf::Joint& joint) const;
   const urdf::Link& findBase(KtIndividualManipulator& base,
                              KtCoordinateSystemTransformation& place);
@@ -112,6 +141,7 @@ class Importer {
   const ImportDocument& document_;
   const ImportOptions& options_;
   std::vector<ImportFinding>& notTaken_;
+  std::vector<Pending> links_;  // each behind its parent
 };
 
 std::vector<urdf::JointSharedPtr> Importer::jointsOf(const urdf::Link& link) const {
@@ -127,120 +157,120 @@ const urdf::Link& Importer::childOf(const urdf::Joint& joint) const {
   return *model_.getLink(joint.child_link_name);
 }
 
-void Importer::fill(KtManipulatorLink& link, const urdf::Link& source) {
-  link.setLabel(source.name);
+// Gives a link what the robot's link has and all that is fixed to it; the joints that move are
+// added to what is to be done. Nothing here recurses: a robot may be a long chain.
+void Importer::fill(KtManipulatorLink& link, std::size_t index, const urdf::Link& source) {
+  struct Part {
+    const urdf::Link* source;
+    KtCoordinateSystemTransformation frame;
+  };
   link.setMassProperties(source.inertial ? massOf(*source.inertial) : KtRigidBodyMassProperties());
-  Body body;
-  body.link = &link;
-  fillFrom(body, source, KtCoordinateSystemTransformation());
-  if (body.shapes.size() == 1) {
-    link.setShape(*body.shapes.front());
-  } else if (!body.shapes.empty()) {
-    KtShapeUnion shapes;
-    shapes.setIdentifier(source.name);
-    for (const auto& shape : body.shapes) shapes.addMember(*shape);
-    link.setShape(shapes);
+  std::vector<Part> parts{{&source, {}}};
+  std::vector<std::unique_ptr<KtShape>> shapes;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const Part part = parts[i];
+    addShapes(*part.source, part.frame, shapes);
+    for (const urdf::JointSharedPtr& joint : jointsOf(*part.source)) {
+      const KtCoordinateSystemTransformation frame =
+          part.frame * frameOf(joint->parent_to_joint_origin_transform);
+      if (joint->type == urdf::Joint::FIXED || joint->type == urdf::Joint::FLOATING) {
+        merge(link, *joint, frame);
+        parts.push_back({&childOf(*joint), frame});
+      } else {
+        addMoving(link, index, *joint, frame);
+      }
+    }
+  }
+  if (shapes.size() == 1) {
+    link.setShape(*shapes.front());
+  } else if (!shapes.empty()) {
+    KtShapeUnion all;
+    all.setIdentifier(source.name);
+    for (const auto& shape : shapes) all.addMember(*shape);
+    link.setShape(all);
   }
 }
 
-// Adds what a link and the links fixed to it have beside the own mass of the first.
-void Importer::fillFrom(Body& body, const urdf::Link& source,
-                        const KtCoordinateSystemTransformation& frame) {
-  addShapes(body, source, frame);
-  for (const urdf::JointSharedPtr& joint : jointsOf(source)) {
-    const KtCoordinateSystemTransformation next =
-        frame * frameOf(joint->parent_to_joint_origin_transform);
-    if (joint->type == urdf::Joint::FLOATING) {
-      leaveOut(document_.jointLine(joint->name),
-               "the freedom of the floating <joint> \"" + joint->name +
-                   "\", which is taken as a fixed one: only a base moves freely");
-    } else if (joint->type != urdf::Joint::FIXED) {
-      addMoving(*body.link, *joint, next);
-      continue;
-    }
-    const urdf::Link& child = childOf(*joint);
-    if (child.inertial) {
-      KtRigidBodyMassProperties mass = massOf(*child.inertial);
-      mass.transformBy(next);
-      body.link->addMassProperties(child.name, mass);
-    }
-    if (dynamic_cast<KtIndividualManipulator*>(body.link) == nullptr) {
-      body.link->addNamedFrame(child.name, next);
-    } else {
-      leaveOut(document_.linkLine(child.name), "the frame of <link> \"" + child.name +
-                                                   "\", which is fixed to the base: a base has no "
-                                                   "named frames in a file");
-    }
-    fillFrom(body, child, next);
+// Takes over mass and frame of a link that doesn't move against the one it becomes part of.
+void Importer::merge(KtManipulatorLink& link, const urdf::Joint& joint,
+                     const KtCoordinateSystemTransformation& frame) {
+  if (joint.type == urdf::Joint::FLOATING) {
+    leaveOut(document_.jointLine(joint.name),
+             "the freedom of the floating <joint> \"" + joint.name +
+                 "\", which is taken as a fixed one: only a base moves freely");
+  }
+  const urdf::Link& child = childOf(joint);
+  if (child.inertial) {
+    KtRigidBodyMassProperties mass = massOf(*child.inertial);
+    mass.transformBy(frame);
+    link.addMassProperties(child.name, mass);
+  }
+  if (dynamic_cast<KtIndividualManipulator*>(&link) == nullptr) {
+    link.addNamedFrame(child.name, frame);
+  } else {
+    leaveOut(document_.linkLine(child.name),
+             "the frame of <link> \"" + child.name +
+                 "\", which is fixed to the base: a base has no named frames in a file");
   }
 }
 
-void Importer::addShapes(Body& body, const urdf::Link& source,
-                         const KtCoordinateSystemTransformation& frame) {
-  const std::size_t count = source.collision_array.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    const urdf::Collision& collision = *source.collision_array[i];
-    std::unique_ptr<KtShape> shape =
-        shapeOf(*collision.geometry, frame * frameOf(collision.origin));
-    if (shape == nullptr) continue;
-    const std::string number = count == 1 ? "" : " " + std::to_string(i + 1);
-    shape->setIdentifier(collision.name.empty() ? source.name + number : collision.name);
-    body.shapes.push_back(std::move(shape));
-  }
-}
-
-KtDenavitHartenberg jointModel(KtDenavitHartenberg::JointType type,
-                               const KtCoordinateSystemTransformation& precursor,
-                               const KtCoordinateSystemTransformation& primaryFrame) {
-  KtDenavitHartenberg model;
-  model.setJointType(type);
-  model.setDhType(KtDenavitHartenberg::kGeneral);
-  model.setPrecursor(precursor);
-  model.setPrimaryFrame(primaryFrame);
-  return model;
+std::size_t Importer::add(const KtDenavitHartenberg& model, std::size_t parent,
+                          const std::string& label, const urdf::Link* source) {
+  auto link = std::make_unique<KtManipulatorLink>();
+  link->setLabel(label);
+  link->setLinkKinematics(model);
+  link->setMassProperties(KtRigidBodyMassProperties());
+  links_.push_back({std::move(link), source, parent});
+  return links_.size() - 1;
 }
 
 // Adds the link that a joint moves. `frame` is the joint's, in the parent's primary frame.
-void Importer::addMoving(KtManipulatorLink& parent, const urdf::Joint& joint,
-                         const KtCoordinateSystemTransformation& frame) {
+void Importer::addMoving(const KtManipulatorLink& parent, std::size_t index,
+                         const urdf::Joint& joint, const KtCoordinateSystemTransformation& frame) {
   const KtCoordinateSystemTransformation inboard = parent.primaryFrame() * frame;
   if (joint.type == urdf::Joint::PLANAR) {
-    addPlanar(parent, joint, inboard);
+    addPlanar(index, joint, inboard);
     return;
   }
   // The DH frame turns the joint's axis onto z, and the primary frame turns it back.
   const KtOrientation turn(turnFromZ(vectorOf(joint.axis)));
-  KtManipulatorLink link;
-  link.setLinkKinematics(jointModel(joint.type == urdf::Joint::PRISMATIC
-                                        ? KtDenavitHartenberg::kPrismatic
-                                        : KtDenavitHartenberg::kRotational,
-                                    inboard * turn, turnedBack(turn)));
-  setActuator(link, joint);
-  fill(link, childOf(joint));
-  parent.addChild(link);
+  const auto type = joint.type == urdf::Joint::PRISMATIC ? KtDenavitHartenberg::kPrismatic
+                                                         : KtDenavitHartenberg::kRotational;
+  const std::size_t link = add(jointModel(type, inboard * turn, turnedBack(turn)), index,
+                               joint.child_link_name, &childOf(joint));
+  setActuator(*links_[link].link, joint);
 }
 
-void Importer::addPlanar(KtManipulatorLink& parent, const urdf::Joint& joint,
+void Importer::addPlanar(std::size_t parent, const urdf::Joint& joint,
                          const KtCoordinateSystemTransformation& inboard) {
   const KtOrientation turn(turnFromZ(vectorOf(joint.axis)));
   // Slides along x and then y of the plane's frame; each moves along z of its own.
   const KtOrientation toX(turnFromZ({1.0, 0.0, 0.0}));
   const KtOrientation toY(turnFromZ({0.0, 1.0, 0.0}));
-  KtManipulatorLink along, across, link;
-  link.setLinkKinematics(
-      jointModel(KtDenavitHartenberg::kRotational, turnedBack(toY), turnedBack(turn)));
-  fill(link, childOf(joint));
-  across.setLabel(joint.name + " y");
-  across.setLinkKinematics(
-      jointModel(KtDenavitHartenberg::kPrismatic, turnedBack(toX) * toY, turnedBack(toY)));
-  across.setMassProperties(KtRigidBodyMassProperties());
-  across.addChild(link);
-  along.setLabel(joint.name + " x");
-  along.setLinkKinematics(
-      jointModel(KtDenavitHartenberg::kPrismatic, inboard * turn * toX, turnedBack(toX)));
-  along.setMassProperties(KtRigidBodyMassProperties());
-  along.addChild(across);
-  parent.addChild(along);
+  const auto slide = KtDenavitHartenberg::kPrismatic;
+  const std::size_t along = add(jointModel(slide, inboard * turn * toX, turnedBack(toX)), parent,
+                                joint.name + " x", nullptr);
+  const std::size_t across = add(jointModel(slide, turnedBack(toX) * toY, turnedBack(toY)), along,
+                                 joint.name + " y", nullptr);
+  add(jointModel(KtDenavitHartenberg::kRotational, turnedBack(toY), turnedBack(turn)), across,
+      joint.child_link_name, &childOf(joint));
+}
+
+// From the outside in: a link is copied, with all below it, when it becomes a child.
+void Importer::assemble(KtIndividualManipulator& base) {
+  std::vector<std::vector<std::size_t>> children(links_.size());
+  std::vector<std::size_t> ofBase;
+  for (std::size_t i = 0; i < links_.size(); ++i) {
+    (links_[i].parent == kBase ? ofBase : children[links_[i].parent]).push_back(i);
+  }
+  const auto adopt = [&](KtManipulatorLink& parent, const std::vector<std::size_t>& list) {
+    for (const std::size_t child : list) {
+      parent.addChild(*links_[child].link);
+      links_[child].link.reset();
+    }
+  };
+  for (std::size_t i = links_.size(); i-- > 0;) adopt(*links_[i].link, children[i]);
+  adopt(base, ofBase);
 }
 
 void Importer::setActuator(KtManipulatorLink& link, const urdf::Joint& joint) const {
@@ -333,7 +363,12 @@ KtStatedSystem Importer::import() {
   KtIndividualManipulator base;
   KtCoordinateSystemTransformation place;
   const urdf::Link& source = findBase(base, place);
-  fill(base, source);
+  base.setLabel(source.name);
+  fill(base, kBase, source);
+  for (std::size_t i = 0; i < links_.size(); ++i) {
+    if (links_[i].source != nullptr) fill(*links_[i].link, i, *links_[i].source);
+  }
+  assemble(base);
   base.mapManipulator();
   addMimics(base);
   KtPositionState position = startOf(base);

@@ -208,8 +208,7 @@ std::vector<std::string> warningsAbout(const KtStatedSystem& system) {
       const KtManipulatorLink& link = linkAt(manipulator, k);
       const std::string where = manipulator.label() + ", " + link.label() + ": ";
       ++labels[link.label()];
-      // A free base without a mass of its own moves with what hangs on it.
-      warnAboutMass(link, k > 0, where, warnings);
+      warnAboutMass(link, k > 0 || !manipulator.isFixedBase(), where, warnings);
       if (k > 0) warnAboutJoint(link, q[k - 1], where, warnings);
     }
     warnAboutLabels(labels, manipulator.label() + ": ", "links", warnings);
