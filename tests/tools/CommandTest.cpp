@@ -37,13 +37,13 @@ std::string fileOf(const char* name, const char* text) {
 
 TEST(Command, ImportsInspectsAndEvaluates) {
   const std::string urdf =
-      fileOf("slide.urdf",
+      fileOf("slide-test.urdf",
              "<robot name='r'>\n<link name='rail'/>\n<link name='cart'><inertial><mass value='4'/>"
              "<inertia ixx='1' iyy='1' izz='1' ixy='0' ixz='0' iyz='0'/></inertial></link>\n"
              "<joint name='j' type='prismatic'><parent link='rail'/><child link='cart'/>"
              "<axis xyz='0 0 1'/><limit lower='-1' upper='1' effort='9' velocity='2'/></joint>\n"
              "<gazebo/></robot>");
-  const std::string xml = std::string(KT_TEST_OUTPUT) + "/slide.xml";
+  const std::string xml = std::string(KT_TEST_OUTPUT) + "/slide-test.xml";
   const std::string names = urdf + " -o " + xml;
   std::remove(xml.c_str());
 
@@ -70,7 +70,7 @@ TEST(Command, ImportsInspectsAndEvaluates) {
 
 TEST(Command, FailsWithAReason) {
   const std::string good = KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml";
-  const std::string bad = fileOf("bad.urdf", "<robot name='r'>\n<link/></robot>");
+  const std::string bad = fileOf("bad-test.urdf", "<robot name='r'>\n<link/></robot>");
   const struct {
     std::string arguments, reason;
   } cases[] = {

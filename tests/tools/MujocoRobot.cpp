@@ -2,6 +2,7 @@
 #include <tinyxml2.h>
 
 #include <Eigen/Dense>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -98,7 +99,9 @@ bool prepare(const RobotQuestion& question, const std::string& to, tinyxml2::XML
 RobotAnswers askMujoco(const RobotQuestion& question) {
   RobotAnswers answers;
   std::map<std::string, std::string> joints;
-  const std::string file = std::string(KT_TEST_OUTPUT) + "/mujoco.urdf";
+  // Tests run side by side.
+  const std::string file = std::string(KT_TEST_OUTPUT) + "/mujoco-" +
+                           std::filesystem::path(question.file).filename().string();
   tinyxml2::XMLDocument document;
   if (!prepare(question, file, document, joints)) {
     answers.whyNot = "the file can't be read";

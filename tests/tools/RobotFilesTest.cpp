@@ -77,7 +77,8 @@ class RobotFiles : public testing::TestWithParam<std::string> {
     for (const ImportFinding& finding : result.notTaken) {
       EXPECT_GT(finding.line, 0) << finding.text;
     }
-    const std::string file = std::string(KT_TEST_OUTPUT) + "/robot.xml";
+    const std::string file = std::string(KT_TEST_OUTPUT) + '/' +
+                             std::filesystem::path(GetParam()).stem().string() + ".xml";
     ASSERT_TRUE(KtXmlWriter::writeFile(file, result.system));
     ASSERT_TRUE(KtXmlReader::readFile(file, system));
     EXPECT_TRUE(system == result.system);
