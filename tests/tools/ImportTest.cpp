@@ -247,7 +247,7 @@ TEST(Import, ListsWhatIsNotTakenOver) {
       "<joint name='j' type='fixed'><parent link='a'/><child link='b'/><axis xyz='1 0 0'/>\n"
       "<safety_controller k_velocity='1'/></joint>\n"
       "<joint name='j2' type='continuous'><parent link='b'/><child link='c'/>\n"
-      "<limit effort='1' velocity='0'/></joint><link name='c'/>\n"
+      "<limit effort='1' velocity='0'/><dynamics/></joint><link name='c'/>\n"
       "<transmission name='t'><joint name='j'/></transmission></robot>");
   EXPECT_THAT(
       texts(result.notTaken),
@@ -258,6 +258,7 @@ TEST(Import, ListsWhatIsNotTakenOver) {
           HasSubstr("6: <density> in <inertial> in <link> \"a\""), HasSubstr("6: text"),
           HasSubstr("7: the frame of <link> \"b\""), HasSubstr("8: <axis> in <joint> \"j\""),
           HasSubstr("9: <safety_controller> in <joint> \"j\""),
+          HasSubstr("11: <dynamics> in <joint> \"j2\", which says nothing"),
           HasSubstr("11: attribute velocity of <limit> in <joint> \"j2\""),
           HasSubstr("12: <transmission> \"t\"")));
 }

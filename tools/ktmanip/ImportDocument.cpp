@@ -293,6 +293,11 @@ void ImportDocument::checkJoint(XMLElement& joint) {
   if (isOneOf(type, {"fixed", "floating", "planar"})) {
     for (const char* child : {"limit", "dynamics", "mimic"}) leaveOut(joint, child, kind);
   }
+  // The URDF library refuses it, though it only says nothing.
+  if (const XMLElement* dynamics = joint.FirstChildElement("dynamics");
+      dynamics != nullptr && dynamics->FirstAttribute() == nullptr) {
+    leaveOut(joint, "dynamics", ", which says nothing");
+  }
   if (const XMLElement* axis = joint.FirstChildElement("axis")) {
     std::vector<double> xyz;
     std::string wrong;
