@@ -66,11 +66,22 @@ TEST(Command, ImportsInspectsAndEvaluates) {
   EXPECT_EQ(m["gravityTorques"], Json::array({-8.0}));
   EXPECT_EQ(m["q"], Json::array({-0.25}));
   EXPECT_EQ(run("evaluate " + xml).status, 0);
+
+  const std::string end = std::string(KT_TEST_OUTPUT) + "/slide-end.xml";
+  const Outcome simulate =
+      run("simulate --duration 0.5 --step 0.001 --gravity 0 0 -2 --final " + end + " " + xml);
+  EXPECT_EQ(simulate.status, 0);
+  EXPECT_THAT(simulate.text, HasSubstr("500 steps, 0.5 s simulated"));
+  EXPECT_THAT(simulate.text, HasSubstr("nothing was hit"));
+  const Outcome moved = run("evaluate --json " + end);
+  EXPECT_NEAR(Json::parse(moved.text)["manipulators"][0]["qd"][0].get<double>(), 1.0, 1e-12);
 }
 
 TEST(Command, FailsWithAReason) {
   const std::string good = KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml";
   const std::string bad = fileOf("bad-test.urdf", "<robot name='r'>\n<link/></robot>");
+  const std::string torque = fileOf("bad-test.csv", "time,forearm\n0,1\n1,x\n");
+  const std::string simulate = "simulate " + good + " --duration 1 --step ";
   const struct {
     std::string arguments, reason;
   } cases[] = {
@@ -86,13 +97,26 @@ TEST(Command, FailsWithAReason) {
       {"evaluate " + good + " --tau=1,", "--tau: \"\" is not a number"},
       {"evaluate " + good + " --manipulator 1", "counted from 0"},
       {"evaluate " + good + " --gravity 0 9.81", "--gravity"},
+      {"simulate " + good + " --step 1", "--duration"},
+      {simulate + "0", good + ": a step of 0 s: it has to be more than 0"},
+      {simulate + "nan", "a step of nan s"},
+      {simulate + "1e-13", "more than 10^12 steps"},
+      {"simulate " + good + " --step 1 --duration -1",
+       "a duration of -1 s: it has to be 0 or more"},
+      {simulate + "0.1 --method guess", "--method"},
+      {simulate + "0.1 --torque no-file.csv", "no-file.csv: can't be read"},
+      {simulate + "0.1 --torque " + torque, torque + ":3: \"x\" is not a number"},
+      {simulate + "0.1 --csv /no-folder/a.csv", "/no-folder/a.csv: can't be written"},
+      {simulate + "0.1 --csv /dev/full", "/dev/full: not everything could be written"},
+      {simulate + "0.1 --final /dev/full", "/dev/full: can't be written"},
   };
   for (const auto& c : cases) {
     const Outcome outcome = run(c.arguments);
     EXPECT_NE(outcome.status, 0) << c.arguments;
     EXPECT_THAT(outcome.text, HasSubstr(c.reason)) << c.arguments;
   }
-  for (const char* help : {"--help", "import --help", "inspect --help", "evaluate --help"}) {
+  for (const char* help :
+       {"--help", "import --help", "inspect --help", "evaluate --help", "simulate --help"}) {
     EXPECT_EQ(run(help).status, 0) << help;
   }
 }

@@ -11,6 +11,7 @@
 
 #include "Evaluate.h"
 #include "ImportUrdf.h"
+#include "Simulate.h"
 #include "ktManipulator/ktManipulator.h"
 #include "support/KtLogCapture.h"
 #include "support/Random.h"
@@ -144,6 +145,40 @@ TEST_P(RobotFiles, AgreeWithPeers) {
 #ifdef KT_WITH_MUJOCO
     compare("  MuJoCo", askMujoco(question), own, accelerations);
 #endif
+  }
+}
+
+// Both methods go through a second, and agree as long as rounding has not grown.
+TEST_P(RobotFiles, SimulateByBothMethods) {
+  if (GetParam().empty()) GTEST_SKIP() << "no robots: KT_ROBOT_FILES names no folder of them";
+#if defined(__SANITIZE_ADDRESS__)
+  const double duration = 0.1;
+#else
+  const double duration = 1.0;
+#endif
+  for (const bool freeBase : {false, true}) {
+    SCOPED_TRACE(freeBase ? "free base" : "fixed base");
+    KtStatedSystem start;
+    import(freeBase, start);
+    if (HasFatalFailure()) return;
+    // Only the composite method has the constraints of mimicking joints.
+    const bool comparable = start.system().manipulators()[0].stateEqualityConstraints().doc() == 0;
+    KtStatedSystem early[2] = {start, start};
+    for (const int i : {0, 1}) {
+      const KtLogCapture log;
+      SimulateOptions options{0.02, 1e-3, {}, {}, false, "", ""};
+      options.method = i == 0 ? SimulationMethod::kArticulated : SimulationMethod::kComposite;
+      SimulateResult result;
+      std::string error;
+      ASSERT_TRUE(simulate(early[i], options, result, error)) << error;
+      KtStatedSystem late = early[i];
+      options.duration = duration;
+      EXPECT_TRUE(simulate(late, options, result, error)) << error;
+      EXPECT_EQ(log.text(), "");
+    }
+    if (comparable) {
+      EXPECT_TRUE(early[0].state().approxEq(early[1].state(), 1e-9, true));
+    }
   }
 }
 

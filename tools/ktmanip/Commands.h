@@ -13,3 +13,5 @@ void addImport(CLI::App& app, int& status);
 void addInspect(CLI::App& app, int& status);
 /// `ktmanip evaluate`: frames, velocities, inertias, torques and accelerations in one state.
 void addEvaluate(CLI::App& app, int& status);
+/// `ktmanip simulate`: carries a stated system on in time.
+void addSimulate(CLI::App& app, int& status);

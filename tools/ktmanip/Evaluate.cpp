@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "Commands.h"
+#include "Energy.h"
 #include "Numbers.h"
 #include "ktManipulator/dynamics/KtGravitationalTorqueTool.h"
 #include "ktManipulator/dynamics/KtMassMatrixTool.h"
@@ -75,7 +76,6 @@ class Evaluation {
   Json gravityTorques();
   Json inverseDynamics();
   Json forwardDynamics();
-  double kineticEnergy();
 
   const KtIndividualManipulator& manipulator_;
   const EvaluateOptions& options_;
@@ -168,17 +168,6 @@ Json Evaluation::forwardDynamics() {
   return {{"jointAccelerations", accelerations}, {"baseAcceleration", sixOf(base)}};
 }
 
-double Evaluation::kineticEnergy() {
-  double energy = manipulator_.computeKineticEnergy(active_, nullptr, asker_);
-  const Reals& q = active_.positionState().jointPositions();
-  const Reals& rates = active_.velocityState().jointVelocities();
-  for (KtU32 i = 0; i < manipulator_.jointDof(); ++i) {
-    const double inertia = manipulator_.linkByIndex(i)->jointActuator().effectiveInertia(q[i]);
-    energy += 0.5 * inertia * rates[i] * rates[i];
-  }
-  return energy;
-}
-
 Json Evaluation::result() {
   Json joints = Json::array();
   for (KtU32 i = 0; i < manipulator_.jointDof(); ++i) {
@@ -199,8 +188,8 @@ Json Evaluation::result() {
   result["gravityTorques"] = gravityTorques();
   result["inverseDynamics"] = inverseDynamics();
   result["forwardDynamics"] = forwardDynamics();
-  result["kineticEnergy"] = kineticEnergy();
-  result["potentialEnergy"] = mass * gravity_.dot(center);
+  result["kineticEnergy"] = kineticEnergy(manipulator_, active_, asker_);
+  result["potentialEnergy"] = weightEnergy(manipulator_, active_, gravity_);
   return result;
 }
 

@@ -34,3 +34,20 @@ bool readNumbers(std::string_view text, std::string_view separators, std::vector
   }
   return true;
 }
+
+void appendNumber(std::string& text, double value) {
+  char digits[32];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+std::string textOf(double value) {
+  std::string text;
+  appendNumber(text, value);
+  return text;
+}
+
+std::string shortTextOf(double value) {
+  char digits[32];
+  return {digits,
+          std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 6).ptr};
+}

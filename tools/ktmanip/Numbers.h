@@ -13,3 +13,12 @@
 /// @return            whether all words are numbers
 bool readNumbers(std::string_view text, std::string_view separators, std::vector<double>& values,
                  std::string& wrong);
+
+/// Appends a number in the shortest form that reads back to the same bits.
+void appendNumber(std::string& text, double value);
+
+/// A number in that form.
+std::string textOf(double value);
+
+/// A number in six significant digits, for people.
+std::string shortTextOf(double value);

@@ -10,13 +10,14 @@
 
 int main(int argc, char** argv) {
   try {
-    CLI::App app{"Imports, inspects and evaluates mechanisms of rigid links."};
+    CLI::App app{"Imports, inspects, evaluates and simulates mechanisms of rigid links."};
     app.set_version_flag("--version", KTMANIP_VERSION);
     app.require_subcommand(1);
     int status = 0;
     addImport(app, status);
     addInspect(app, status);
     addEvaluate(app, status);
+    addSimulate(app, status);
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

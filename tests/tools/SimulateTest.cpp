@@ -1,0 +1,423 @@
+// What `ktmanip simulate` does, against closed forms, the other method, and itself stopped halfway.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "Evaluate.h"
+#include "ImportUrdf.h"
+#include "Simulate.h"
+#include "TimeGrid.h"
+#include "TorqueTable.h"
+#include "ktManipulator/ktManipulator.h"
+#include "support/Allocations.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string pathOf(const std::string& name) {
+  return std::string(KT_TEST_OUTPUT) + '/' + name;
+}
+
+std::string textOfFile(const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::string fileOf(const std::string& name, const std::string& text) {
+  std::ofstream(pathOf(name), std::ios::binary) << text;
+  return pathOf(name);
+}
+
+KtStatedSystem modelOf(const std::string& name) {
+  KtStatedSystem system;
+  EXPECT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/" + name + ".xml", system));
+  return system;
+}
+
+std::string bodyOf(const std::string& name, const std::string& more = "") {
+  return "<link name='" + name + "'><inertial>" + more +
+         "<mass value='2'/><inertia ixx='0.1' iyy='0.2' izz='0.15' ixy='0' ixz='0' iyz='0'/>"
+         "</inertial></link>";
+}
+
+std::string jointOf(const std::string& type, const std::string& child, const std::string& more) {
+  return "<joint name='to " + child + "' type='" + type + "'><parent link='base'/><child link='" +
+         child + "'/>" + more + "</joint>";
+}
+
+KtStatedSystem robotOf(const std::string& parts, bool freeBase = false) {
+  ImportResult result = importUrdf("<robot name='r'>" + parts + "</robot>", {freeBase, ""});
+  EXPECT_TRUE(result.good);
+  return result.system;
+}
+
+// A block of 2 kg on a horizontal rail.
+KtStatedSystem slider(const std::string& more) {
+  return robotOf("<link name='base'/>" + bodyOf("block") + jointOf("prismatic", "block", more));
+}
+
+constexpr const char* kWide = "<limit lower='-99' upper='99' effort='50' velocity='50'/>";
+
+struct Trace {
+  SimulateResult result;
+  std::string error;
+  std::vector<std::vector<std::string>> rows;  // of the CSV, the header first
+  double at(std::size_t row, const std::string& column) const {
+    const auto& names = rows.front();
+    const auto found = std::find(names.begin(), names.end(), column);
+    EXPECT_NE(found, names.end()) << column;
+    return std::stod(rows[row][static_cast<std::size_t>(found - names.begin())]);
+  }
+};
+
+Trace traced(KtStatedSystem& system, SimulateOptions options, bool good = true) {
+  Trace trace;
+  options.csvFile =
+      pathOf(std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".csv");
+  EXPECT_EQ(simulate(system, options, trace.result, trace.error), good) << trace.error;
+  std::istringstream lines(textOfFile(options.csvFile));
+  for (std::string line; std::getline(lines, line);) {
+    trace.rows.emplace_back();
+    std::istringstream fields(line);
+    for (std::string field; std::getline(fields, field, ',');) trace.rows.back().push_back(field);
+  }
+  return trace;
+}
+
+double positionOf(const KtStatedSystem& system, KtU32 joint = 0) {
+  return system.state().positionStates()[0].jointPositions()[joint];
+}
+
+void setRate(KtStatedSystem& system, double rate) {
+  KtVelocityState velocity = system.state().velocityStates()[0];
+  velocity.jointVelocities()[0] = rate;
+  system.setIndividualVelocityState(0, velocity);
+}
+
+TEST(Simulate, APendulumConvergesAtFirstOrderAndKeepsItsEnergy) {
+  // From the horizontal to the bottom in K(1/sqrt 2) sqrt(I / m g l).
+  const double inertia = 0.2 + 2.0 * 0.25, pull = 2.0 * 9.81 * 0.5;
+  const double quarter = 1.8540746773013719 * std::sqrt(inertia / pull);
+  for (const auto method : {SimulationMethod::kArticulated, SimulationMethod::kComposite}) {
+    double error[2] = {}, drift[2] = {};
+    for (const int i : {0, 1}) {
+      KtStatedSystem system =
+          robotOf("<link name='base'/>" + bodyOf("rod", "<origin xyz='0 0 -0.5'/>") +
+                  jointOf("continuous", "rod", "<axis xyz='0 1 0'/>"));
+      KtPositionState start = system.state().positionStates()[0];
+      start.jointPositions()[0] = M_PI / 2.0;
+      system.setIndividualPositionState(0, start);
+      const Trace r = traced(system, {quarter, quarter / (1000 << i), method, {}, false, "", ""});
+      error[i] = positionOf(system);
+      drift[i] = r.result.kineticAfter + r.result.potentialAfter - r.result.kineticBefore -
+                 r.result.potentialBefore;
+      EXPECT_NEAR(r.result.kineticAfter, pull, 0.01 * pull);
+      EXPECT_NEAR(r.result.greatestKinetic, pull, 0.01 * pull);
+    }
+    EXPECT_LT(std::abs(error[0]), 5e-3);
+    EXPECT_NEAR(error[0] / error[1], 2.0, 0.02);
+    // Of second order where, as at both ends, rate times torque is 0.
+    EXPECT_NEAR(drift[0] / drift[1], 4.0, 0.1);
+  }
+}
+
+// A body that tumbles about a point off its centre of mass: its energy tells a velocity of the base
+// in the wrong axes, which no motion about a fixed axis does.
+TEST(Simulate, ATumblingBodyKeepsItsEnergy) {
+  KtStatedSystem system = robotOf(bodyOf("base", "<origin xyz='0.3 0.2 -0.1'/>"), true);
+  KtVelocityState velocity;
+  velocity.setGeneralVelocity({KtVector(0.5, -1, 2), KtVector(1, -2, 3)});
+  system.setIndividualVelocityState(0, velocity);
+  const Trace r = traced(system, {1.0, 1e-4, SimulationMethod::kAutomatic, {}, false, "", ""});
+  const double drift = r.result.kineticAfter + r.result.potentialAfter - r.result.kineticBefore -
+                       r.result.potentialBefore;
+  EXPECT_LT(std::abs(drift), 2e-3 * r.result.kineticBefore);
+  EXPECT_GT(std::abs(r.result.potentialAfter - r.result.potentialBefore), 30.0);
+  Json evaluated;
+  std::string error;
+  ASSERT_TRUE(evaluate(system, {}, evaluated, error));
+  EXPECT_DOUBLE_EQ(evaluated["manipulators"][0]["kineticEnergy"].get<double>(),
+                   r.result.kineticAfter);
+}
+
+TEST(Simulate, DampingFrictionGearsAndLimitsAct) {
+  const std::string torque = fileOf("push.csv", "time,block\n0,5\n");
+  const double h = 1e-3, mass = 2.0;
+  {  // rate(n) = 5 / c (1 - (1 - c h / m)^n)
+    KtStatedSystem damped = slider(std::string(kWide) + "<dynamics damping='4'/>");
+    const Trace r = traced(damped, {1.0, h, SimulationMethod::kComposite, {}, false, torque, ""});
+    EXPECT_NEAR(r.at(1001, "block.qd"), 1.25 * (1.0 - std::pow(1.0 - 4.0 * h / mass, 1000)), 1e-12);
+  }
+  for (const auto& [friction, acceleration] : {std::pair{3.0, 1.0}, {6.0, 0.0}}) {
+    KtStatedSystem rubbing =
+        slider(std::string(kWide) + "<dynamics friction='" + std::to_string(friction) + "'/>");
+    const Trace r =
+        traced(rubbing, {1.0, h, SimulationMethod::kArticulated, {}, false, torque, ""});
+    EXPECT_NEAR(r.at(1001, "block.qd"), acceleration, 1e-12);
+  }
+  {  // comes to rest by itself, and stays
+    KtStatedSystem rubbing = slider(std::string(kWide) + "<dynamics friction='4'/>");
+    setRate(rubbing, 1.0 + 5e-4);
+    const Trace r = traced(rubbing, {1.0, h, SimulationMethod::kAutomatic, {}, false, "", ""});
+    EXPECT_NEAR(positionOf(rubbing), 0.25, 2e-3);
+    EXPECT_LT(std::abs(r.at(1001, "block.qd")), 1e-3);
+  }
+  // The rotor's inertia is 3 kg behind the gear, and the motor gives up to 0.4 * 10 N.
+  for (const bool rigid : {true, false}) {
+    KtMechanicalActuatorComponent mechanics;
+    mechanics.setInertia(0.03);
+    mechanics.setGearRatio(10.0);
+    mechanics.setIsRigid(rigid);
+    mechanics.setJointFlexibilityStiffness(1e4);
+    KtStatedSystem geared = slider(kWide);
+    KtIndividualManipulator arm = geared.system().manipulators()[0];
+    KtJointActuator actuator;
+    actuator.setMechanicalComponent(mechanics);
+    actuator.setMaxTorque(0.4);
+    arm.linkByIdentifier("block")->setJointActuator(actuator);
+    geared.setFromManipulator(arm);
+    const SimulateOptions options{1.0, h, SimulationMethod::kArticulated, {}, false, torque, ""};
+    EXPECT_EQ(simulationNotes(geared, options).empty(), rigid);
+    const Trace r = traced(geared, options);
+    // Behind a flexible gear it swings a bit, with 91 rad/s.
+    EXPECT_NEAR(r.at(1001, "block.qd"), 4.0 / 5.0, rigid ? 1e-12 : 0.02);
+    if (rigid) {
+      EXPECT_NEAR(r.result.kineticAfter, 0.5 * 5.0 * 0.64, 1e-12);
+    }
+  }
+  {  // a = 2.5: at its greatest rate, 0.5, in step 200; at the limit, 0.1, in step 301
+    KtStatedSystem bounded =
+        slider("<limit lower='-1' upper='0.1001' effort='50' velocity='0.5001'/>");
+    const Trace r = traced(bounded, {0.35, h, SimulationMethod::kAutomatic, {}, false, torque, ""});
+    const Simulation::Joint& joint = r.result.joints.at(0);
+    EXPECT_DOUBLE_EQ(joint.rate.first, 0.201);
+    EXPECT_EQ(joint.rate.count, 150U);
+    EXPECT_GT(joint.limit.count, 30U);
+    EXPECT_EQ(positionOf(bounded), 0.1001);
+    EXPECT_EQ(r.rows.at(351).back(), "block");
+    EXPECT_EQ(r.rows.at(2).size() + 1, r.rows.at(351).size());  // nothing hit: an empty field
+    EXPECT_THAT(describeSimulation(r.result),
+                testing::AllOf(HasSubstr("limit of joint \"block\": first at "),
+                               HasSubstr("greatest rate of joint \"block\": first at 0.201 s")));
+  }
+}
+
+// At the end of its rail a block takes the free cart along, with half the rate and energy.
+TEST(Simulate, LimitsStopWithoutRebound) {
+  const std::string rail =
+      "<axis xyz='1 0 0'/><limit lower='-1' upper='0.1' effort='1' velocity='9'/>";
+  KtStatedSystem cart =
+      robotOf(bodyOf("base") + bodyOf("block") + jointOf("prismatic", "block", rail), true);
+  setRate(cart, 1.0);
+  KtStatedSystem kept = cart;
+  SimulateOptions options{0.5, 1e-3, {}, KtVector(), true, "", ""};
+  traced(cart, options);
+  EXPECT_NEAR(cart.state().velocityStates()[0].jointVelocities()[0], 0.0, 1e-14);
+  EXPECT_NEAR(cart.state().velocityStates()[0].generalVelocity()[0], 0.5, 1e-14);
+  options.stopsAtLimits = false;
+  traced(kept, options);
+  EXPECT_EQ(kept.state().velocityStates()[0].jointVelocities()[0], 1.0);
+
+  KtStatedSystem arm = modelOf("puma560");
+  options = {2.0, 1e-3, {}, {}, true, "", ""};
+  const Trace r = traced(arm, options);
+  const double energy = r.result.kineticBefore + r.result.potentialBefore;
+  for (std::size_t row = 1; row < r.rows.size(); ++row) {
+    EXPECT_LT(r.at(row, "kineticEnergy") + r.at(row, "potentialEnergy"), energy + 0.1) << row;
+  }
+}
+
+TEST(Simulate, RowsAreWhatTheLibraryAnswers) {
+  KtStatedSystem system = modelOf("two-link-arm");
+  // The forearm goes by quotes here, and the upper arm gets its torque from 0.01 s on.
+  const std::string torque = fileOf(
+      "arm.csv", "time, \"forearm\",upper arm\r\n\r\n0,-2,0\r\n0.01,1.5,3e1\r\n0.012,0,0\r\n");
+  SimulateOptions options{0.0115, 1e-3, SimulationMethod::kArticulated, KtVector(0, 1, 5), false,
+                          torque, ""};
+  KtStatedSystem moved = system;
+  const Trace r = traced(moved, options);
+  ASSERT_EQ(r.rows.size(), 14U);
+  EXPECT_THAT(r.rows[0], ElementsAre("time", "upper arm.q", "upper arm.qd", "upper arm.qdd",
+                                     "forearm.q", "forearm.qd", "forearm.qdd", "base.x", "base.y",
+                                     "base.z", "base.qw", "base.qx", "base.qy", "base.qz",
+                                     "kineticEnergy", "potentialEnergy", "limitsHit"));
+  EXPECT_EQ(r.at(1, "base.z"), 0.5);
+  EXPECT_EQ(r.at(1, "base.qw"), 1.0);
+  const double times[] = {0.0, 0.009, 0.01, 0.0115};
+  const std::size_t rows[] = {1, 10, 11, 13};
+  for (std::size_t k = 0; k < 4; ++k) {
+    const std::size_t row = rows[k];
+    EXPECT_EQ(r.at(row, "time"), times[k]);
+    EvaluateOptions at;
+    at.upGravity = options.upGravity;
+    at.q = {{r.at(row, "upper arm.q"), r.at(row, "forearm.q")}};
+    at.qd = {{r.at(row, "upper arm.qd"), r.at(row, "forearm.qd")}};
+    at.tau = row < 11 ? std::vector<double>{0, -2} : std::vector<double>{30, 1.5};
+    Json evaluated;
+    std::string error;
+    ASSERT_TRUE(evaluate(system, at, evaluated, error)) << error;
+    const Json& m = evaluated["manipulators"][0];
+    const Json& expected = m["forwardDynamics"]["jointAccelerations"];
+    EXPECT_NEAR(r.at(row, "upper arm.qdd"), expected[0].get<double>(), 1e-10) << row;
+    EXPECT_NEAR(r.at(row, "forearm.qdd"), expected[1].get<double>(), 1e-10) << row;
+    EXPECT_EQ(r.at(row, "kineticEnergy"), m["kineticEnergy"].get<double>());
+    const double stretch = r.at(row, "upper arm.q") - 1.5707963267948966;  // of 8 N m/rad
+    EXPECT_NEAR(r.at(row, "potentialEnergy"),
+                m["potentialEnergy"].get<double>() + 4.0 * stretch * stretch, 1e-12);
+  }
+}
+
+TEST(Simulate, GoesOnFromAFileToTheLastBit) {
+  for (const bool freeBase : {false, true}) {
+    for (const auto method : {SimulationMethod::kArticulated, SimulationMethod::kComposite}) {
+      for (const double step : {1e-3, 3e-3, 1.0 / 240.0}) {
+        KtStatedSystem whole = modelOf("puma560");
+        if (freeBase) {
+          KtIndividualManipulator arm = whole.system().manipulators()[0];
+          arm.setIsFixedBase(false);
+          const KtRigidBodyMassProperties mass(10.0, KtVector(),
+                                               KtSecondMoment(1, 1.2, 1.4, 0.1, 0, 0));
+          arm.setMassProperties(mass);
+          const KtManipulatorSystemState state = whole.state();
+          whole.setFromManipulator(arm);
+          whole.setState(state);
+        }
+        KtStatedSystem first = whole;
+        Trace a = traced(first, {60 * step, step, method, {}, false, "", ""});
+        ASSERT_TRUE(KtXmlWriter::writeFile(pathOf("half.xml"), first));
+        KtStatedSystem second;
+        ASSERT_TRUE(KtXmlReader::readFile(pathOf("half.xml"), second));
+        const Trace b = traced(second, {60 * step, step, method, {}, false, "", ""});
+        const Trace c = traced(whole, {120 * step, step, method, {}, false, "", ""});
+        EXPECT_TRUE(second.state() == whole.state()) << step;
+        ASSERT_EQ(b.rows.size(), 62U);
+        a.rows.insert(a.rows.end(), b.rows.begin() + 2, b.rows.end());
+        EXPECT_EQ(a.rows, c.rows) << step;
+      }
+    }
+  }
+}
+
+TEST(Simulate, StepsEndWherePeopleExpect) {
+  const TimeGrid tenths(0.0, 0.75, 0.1);
+  EXPECT_EQ(tenths.steps(), 8U);
+  EXPECT_EQ(tenths.time(3), 0.3);  // 3 * 0.1 is not
+  EXPECT_EQ(tenths.time(8), 0.75);
+  EXPECT_EQ(TimeGrid(0.3, 0.4, 0.1).time(4), 0.7);
+  EXPECT_EQ(TimeGrid(-0.3, 0.4, 0.1).time(4), 0.1);
+  EXPECT_EQ(TimeGrid(0.25, 0.5, 0.1).time(1), 0.35);
+  EXPECT_EQ(TimeGrid(0.0, 1e4, 1e-3).steps(), 10000000U);
+  EXPECT_EQ(TimeGrid(0.0, 0.0, 1e-3).steps(), 0U);
+}
+
+TEST(Simulate, MimicJointsFollow) {
+  const std::string parts =
+      "<link name='base'/>" + bodyOf("leader", "<origin xyz='0 0 -0.5'/>") +
+      bodyOf("follower", "<origin xyz='0 0 -0.2'/>") +
+      jointOf("continuous", "leader", "<axis xyz='1 1 0'/>") +
+      jointOf("continuous", "follower",
+              "<axis xyz='0 1 0'/><mimic joint='to leader' multiplier='-1.5' offset='0.2'/>");
+  KtStatedSystem system = robotOf(parts);
+  SimulateOptions options{1.0, 1e-3, SimulationMethod::kAutomatic, {}, false, "", ""};
+  EXPECT_THAT(simulationNotes(system, options), IsEmpty());
+  const Trace r = traced(system, options);
+  EXPECT_LT(r.result.constraintError, 1e-12);
+  const KtU32 leader = system.system().manipulators()[0].linkIndexByIdentifier("leader");
+  EXPECT_GT(std::abs(positionOf(system, leader)), 1e-2);
+  EXPECT_NEAR(positionOf(system, 1 - leader), -1.5 * positionOf(system, leader) + 0.2, 1e-12);
+  options.method = SimulationMethod::kArticulated;
+  EXPECT_THAT(simulationNotes(system, options), ElementsAre(HasSubstr("equality constraints")));
+}
+
+TEST(Simulate, NotesDampingThatTheStepIsTooLongFor) {
+  // Rates overshoot beyond h c / m = 2, at c = 4000.
+  for (const auto& [damping, grows] : {std::pair{3900.0, false}, {4100.0, true}}) {
+    KtStatedSystem system =
+        slider("<limit lower='-99' upper='99' effort='9' velocity='999'/><dynamics damping='" +
+               std::to_string(damping) + "'/>");
+    setRate(system, 1e-3);
+    const SimulateOptions options{0.2, 1e-3, SimulationMethod::kAutomatic, {}, false, "", ""};
+    EXPECT_EQ(!simulationNotes(system, options).empty(), grows);
+    const Trace r = traced(system, options);
+    EXPECT_EQ(std::abs(r.at(201, "block.qd")) > 1e-3, grows);
+  }
+}
+
+TEST(Simulate, EndsWhereAStateIsNotFinite) {
+  KtStatedSystem system = slider("<limit lower='-1' upper='1' effort='1e308' velocity='9'/>");
+  const std::string torque = fileOf("blast.csv", "time,block\n0.5,1e308\n");
+  KtIndividualManipulator arm = system.system().manipulators()[0];
+  KtJointActuator actuator = arm.linkByIndex(0)->jointActuator();
+  actuator.setMaxOutputRate(INFINITY);
+  arm.linkByIdentifier("block")->setJointActuator(actuator);
+  system.setFromManipulator(arm);
+  const Trace r =
+      traced(system, {9.0, 8.0 / 16.0, SimulationMethod::kAutomatic, {}, false, torque, ""}, false);
+  EXPECT_THAT(r.error, testing::MatchesRegex(
+                           "the system: the motion of joint \"block\" is not finite at .* s;.*"));
+  EXPECT_EQ(r.rows.size(), r.result.steps + 2);
+  EXPECT_GE(r.result.steps, 2U);
+}
+
+TEST(Simulate, AsksForNoMemoryInASteadyRun) {
+  KtStatedSystem system = modelOf("puma560");
+  for (const auto method : {SimulationMethod::kArticulated, SimulationMethod::kComposite}) {
+    Simulation simulation(system, method, KtVector(0, 0, 9.81));
+    const auto go = [&](int from, int to) {
+      for (int i = from; i < to; ++i) {
+        simulation.computeAccelerations();
+        simulation.kineticEnergy();
+        simulation.potentialEnergy();
+        simulation.stepTo(1e-3 * i);
+      }
+    };
+    go(1, 5);
+    const Allocations allocations;
+    go(5, 1500);
+    EXPECT_EQ(allocations.count(), 0U);
+  }
+}
+
+TEST(TorqueTable, TellsWhatIsWrong) {
+  const struct {
+    const char *text, *complaint;
+  } cases[] = {
+      {"", "t.csv:1: empty"},
+      {"t,a\n", "t.csv:1: the header begins with \"t\""},
+      {"time,a,c\n", "t.csv:1: there is no joint \"c\""},
+      {"time,a,a\n", "t.csv:1: \"a\" has two columns"},
+      {"time,twin\n", "t.csv:1: more than one joint is called \"twin\""},
+      {"time,a\n0,1\n\n1,x\n", "t.csv:4: \"x\" is not a number"},
+      {"time,a\n0,\n", "t.csv:2: \"\" is not a number"},
+      {"time,a\n0,nan\n", "t.csv:2: \"nan\" is not a number"},
+      {"time,a\n0,1 2\n", "t.csv:2: \"1 2\" is not a number"},
+      {"time,a\n1,1\n1,2\n", "t.csv:3: the time 1 is not after"},
+      {"time,a\n1,1,\n", "t.csv:2: 3 values, but the header has 2"},
+      {"time,a\n1,\"1\n", "t.csv:2: quotation marks are not closed"},
+  };
+  const std::vector<std::string> joints = {"a", "twin", "twin", "b\"\n,c"};
+  TorqueTable table;
+  std::string error;
+  for (const auto& c : cases) {
+    EXPECT_FALSE(table.read(c.text, "t.csv", joints, error)) << c.text;
+    EXPECT_THAT(error, HasSubstr(c.complaint));
+  }
+  std::vector<double> torques(4, 7.0);
+  ASSERT_TRUE(table.read("\xEF\xBB\xBFtime,\"b\"\"\n,c\"\n1, +2e1\n3,4", "t.csv", joints, error))
+      << error;
+  EXPECT_FALSE(table.advance(0.5, 0.0, torques));
+  EXPECT_TRUE(table.advance(1.5, 0.0, torques));
+  EXPECT_THAT(torques, ElementsAre(7, 7, 7, 20));
+  EXPECT_FALSE(table.advance(2.0, 0.0, torques));
+  EXPECT_TRUE(table.advance(3.0 - 1e-12, 1e-9, torques));
+  EXPECT_EQ(torques[3], 4.0);
+}
+
+}  // namespace

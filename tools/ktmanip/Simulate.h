@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Simulation.h"
+
+/// How a system is simulated.
+struct SimulateOptions {
+  double duration = 0.0;  ///< s
+  double step = 0.0;      ///< s
+  SimulationMethod method = SimulationMethod::kAutomatic;
+  std::optional<KtVector> upGravity;  ///< In the place of the system's, m/s^2.
+  bool stopsAtLimits = false;         ///< Whether joints lose their rates at limits.
+  std::string torqueFile;             ///< Joint torques over time; none if empty.
+  std::string csvFile;                ///< Where every state is written to; nowhere if empty.
+  std::string name = "the system";    ///< What messages call it, such as its file.
+};
+
+/// What came of a simulation.
+struct SimulateResult {
+  std::uint64_t steps = 0;
+  double simulated = 0.0;  ///< s
+  double wall = 0.0;       ///< s
+  double kineticBefore = 0.0, potentialBefore = 0.0, kineticAfter = 0.0,
+         potentialAfter = 0.0;            ///< J
+  double constraintError = 0.0;           ///< `Simulation::constraintError`, at the end.
+  double greatestKinetic = 0.0;           ///< Of some states on the way, J.
+  std::vector<Simulation::Joint> joints;  ///< With how often limits and greatest rates were hit.
+  std::vector<Simulation::Stop> stops;    ///< What stopping criteria registered.
+};
+
+/// Simulates a system: see `Simulation` and `TimeGrid`.
+///
+/// A run that is continued from its last state gives the same bits as one that goes through, where
+/// start and duration are multiples of the step: but for what is no part of a state, the bristles
+/// of static friction, the rotors of joints that are not rigid, and door latches.
+///
+/// @param system  in: where it starts. Out: where it ends, also if it ends early
+/// @param error   receives what went wrong
+/// @return        whether all steps were made and everything was written
+bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateResult& result,
+              std::string& error);
+
+/// What a user should know before: what of a system is not simulated with these options, and what
+/// the step is too long for.
+std::vector<std::string> simulationNotes(const KtStatedSystem& system,
+                                         const SimulateOptions& options);
+
+/// The result as lines for people.
+std::string describeSimulation(const SimulateResult& result);

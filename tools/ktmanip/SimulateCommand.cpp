@@ -1,0 +1,114 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <map>
+#include <memory>
+
+#include "Commands.h"
+#include "Simulate.h"
+#include "Support.h"
+#include "ktManipulator/foundation/xml/KtXmlWriter.h"
+
+namespace {
+
+struct Arguments {
+  std::string file;
+  std::string method;
+  std::string limits;
+  std::string final;
+  std::vector<double> gravity;
+  SimulateOptions options;
+};
+
+const std::map<std::string, SimulationMethod> kMethods = {
+    {"articulated", SimulationMethod::kArticulated}, {"composite", SimulationMethod::kComposite}};
+
+int run(const Arguments& arguments) {
+  KtStatedSystem system;
+  if (!loadSystem(arguments.file, system)) return 1;
+  SimulateOptions options = arguments.options;
+  if (!arguments.method.empty()) options.method = kMethods.at(arguments.method);
+  options.name = arguments.file;
+  options.stopsAtLimits = arguments.limits == "stop";
+  if (const std::vector<double>& g = arguments.gravity; g.size() == 3) {
+    options.upGravity = KtVector(g[0], g[1], g[2]);
+  }
+  for (const std::string& note : simulationNotes(system, options)) {
+    std::fprintf(stderr, "%s: note: %s\n", arguments.file.c_str(), note.c_str());
+  }
+  SimulateResult result;
+  std::string error;
+  const bool good = simulate(system, options, result, error);
+  if (result.steps > 0 || good) std::fputs(describeSimulation(result).c_str(), stdout);
+  if (!good) {
+    std::fprintf(stderr, "%s\n", error.c_str());
+    return 1;
+  }
+  if (!arguments.final.empty() && !KtXmlWriter::writeFile(arguments.final, system)) {
+    std::fprintf(stderr, "%s: can't be written\n", arguments.final.c_str());
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+void addSimulate(CLI::App& app, int& status) {
+  CLI::App* command =
+      app.add_subcommand("simulate", "Carries a stated system on in time, in equal steps");
+  auto arguments = std::make_shared<Arguments>();
+  SimulateOptions& options = arguments->options;
+  command->add_option("system", arguments->file, "the file of the system")->required();
+  command->add_option("--duration", options.duration, "how long to go on, s")->required();
+  command->add_option("--step", options.step, "length of a step, s")->required();
+  command
+      ->add_option("--method", arguments->method,
+                   "how accelerations are found: articulated (fast), or composite, which honours "
+                   "equality constraints (default: composite for manipulators that have some)")
+      ->check(CLI::IsMember(kMethods));
+  command
+      ->add_option("--gravity", arguments->gravity,
+                   "acceleration upwards, as in files: 0 0 9.81 pulls along -z (default: the "
+                   "file's)")
+      ->expected(3);
+  command
+      ->add_option("--limits", arguments->limits,
+                   "what becomes of a joint's rate at a limit: keep (default, the library's step) "
+                   "or stop")
+      ->check(CLI::IsMember({"keep", "stop"}));
+  command->add_option("--torque", options.torqueFile, "a file of joint torques over time; else 0");
+  command->add_option("--csv", options.csvFile, "where to write every state");
+  command->add_option("--final", arguments->final,
+                      "where to write the system with the state at the end");
+  command->footer(
+      "A step computes accelerations, then rates from them, then positions from the new rates\n"
+      "(semi-implicit Euler, first order: halving the step halves the error). The last step is\n"
+      "shorter where the duration is no multiple of the step. A run that goes on from --final\n"
+      "gives the same bits as one that goes through, where both times are multiples of the step.\n"
+      "\n"
+      "--torque: a header, time,<joint>,... and a line for each time at which torques change; a\n"
+      "joint is named by its link, behind <manipulator>/ if there are several. They hold until "
+      "the\n"
+      "next line; 0 before the first. They are torques at the joint, as with evaluate --tau: "
+      "those\n"
+      "of the motor times the gear ratio, cut to the motor's limits. The gear's efficiency takes\n"
+      "its part of them.\n"
+      "\n"
+      "Springs, dampers, friction, stoppers and the inertias of rotors act. Dry friction holds a\n"
+      "joint whose rate is in the actuator's stick region; while one step can carry the rate\n"
+      "across that region, the joint trembles instead. Currents and pressures are not simulated.\n"
+      "A rate is cut to the actuator's greatest. A joint stops at a limit; with --limits keep it\n"
+      "keeps its rate there, and gathers more while it is pushed, which acts on the other joints;\n"
+      "with --limits stop it hits the limit without rebound, and the rest of the mechanism feels\n"
+      "that. Links don't collide.\n"
+      "\n"
+      "--csv: a line for the start, and one behind each step. Columns: time; for each joint\n"
+      "<joint>.q, .qd, .qdd, its position, rate, and acceleration in that state (rad or m); the\n"
+      "frame of the base, base.x, .y, .z, .qw, .qx, .qy, .qz, a unit quaternion; kineticEnergy,\n"
+      "with the rotors, and potentialEnergy, of weights and of springs at single joints, J, of "
+      "the\n"
+      "whole system; limitsHit, the joints that the step took against a limit, with ; between.\n"
+      "Joints and bases stand behind <manipulator>/ if there are several.\n"
+      "\n"
+      "The energy drift of the summary is the change of kinetic and potential energy.");
+  command->callback([arguments, &status] { status = run(*arguments); });
+}
