@@ -17,7 +17,7 @@ do for [i = 1:words(header)] {
   if (name(i) eq "potentialEnergy") { potential = i }
 }
 
-set linetype 5 linecolor rgb "#c0392b"  # in the place of a pale yellow
+set linetype 5 linecolor rgb "#c0392b"  # a pale yellow by default
 set multiplot layout 2,1 title ARG3
 set lmargin 12
 set rmargin 20
@@ -31,5 +31,4 @@ set ylabel "energy, J"
 plot csv skip 1 using 1:kinetic with lines linewidth 2 title "kinetic", \
   "" skip 1 using 1:potential with lines linewidth 2 title "potential", \
   "" skip 1 using 1:(column(kinetic) + column(potential)) with lines linewidth 2 title "total"
-unset linetype 5 linecolor rgb "#c0392b"  # in the place of a pale yellow
-set multiplot
+unset multiplot

@@ -186,8 +186,10 @@ bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateRe
     }
   }
   result.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
-  result.simulated = simulation.state().time() - system.state().time();
+  result.completed = good;
+  result.simulated = grid.time(result.steps) - grid.time(0);
   result.constraintError = simulation.constraintError();
+  result.stopsAtLimits = options.stopsAtLimits;
   result.joints = simulation.joints();
   result.stops = simulation.stops();
   if (!good) {
@@ -216,21 +218,28 @@ std::string describeSimulation(const SimulateResult& result) {
     add({shortTextOf(static_cast<double>(result.steps) / result.wall), " steps/s, ",
          shortTextOf(result.simulated / result.wall), " times real time"});
   }
-  const double before = result.kineticBefore + result.potentialBefore;
-  const double after = result.kineticAfter + result.potentialAfter;
-  add({"energy at the start ", shortTextOf(before), " J (kinetic ",
-       shortTextOf(result.kineticBefore), ", potential ", shortTextOf(result.potentialBefore),
-       "), at the end ", shortTextOf(after), " J (", shortTextOf(result.kineticAfter), ", ",
-       shortTextOf(result.potentialAfter), ")"});
-  std::string drift = "energy drift " + shortTextOf(after - before) + " J";
-  if (result.greatestKinetic > 0.0) {
-    drift += ", " + shortTextOf(100.0 * (after - before) / result.greatestKinetic) +
-             " % of the greatest kinetic energy seen, " + shortTextOf(result.greatestKinetic) +
-             " J; torques, friction, dampers and limits count as drift, too";
+  if (result.completed) {
+    const double before = result.kineticBefore + result.potentialBefore;
+    const double after = result.kineticAfter + result.potentialAfter;
+    add({"energy at the start ", shortTextOf(before), " J (kinetic ",
+         shortTextOf(result.kineticBefore), ", potential ", shortTextOf(result.potentialBefore),
+         "), at the end ", shortTextOf(after), " J (", shortTextOf(result.kineticAfter), ", ",
+         shortTextOf(result.potentialAfter), ")"});
+    std::string drift = "energy drift " + shortTextOf(after - before) + " J";
+    if (result.greatestKinetic > 0.0) {
+      drift += ", " + shortTextOf(100.0 * (after - before) / result.greatestKinetic) +
+               " % of the greatest kinetic energy seen, " + shortTextOf(result.greatestKinetic) +
+               " J; torques, friction, dampers and limits count as drift, too";
+    }
+    add({drift});
   }
-  add({drift});
-  if (result.constraintError > 0.0) {
+  if (result.completed && result.constraintError > 0.0) {
     add({"equality constraints are off by ", shortTextOf(result.constraintError), " at the end"});
+  }
+  if (!result.stopsAtLimits &&
+      std::any_of(result.joints.begin(), result.joints.end(),
+                  [](const auto& joint) { return joint.limit.count > 0; })) {
+    add({"joints kept their rates at limits, and gathered more: --limits stop takes them"});
   }
   bool hit = !result.stops.empty();
   for (const Simulation::Joint& joint : result.joints) {

@@ -21,13 +21,15 @@ struct SimulateOptions {
 
 /// What came of a simulation.
 struct SimulateResult {
-  std::uint64_t steps = 0;
-  double simulated = 0.0;  ///< s
-  double wall = 0.0;       ///< s
+  std::uint64_t steps = 0;  ///< Those that led to a finite state.
+  bool completed = false;   ///< Whether all did.
+  double simulated = 0.0;   ///< s
+  double wall = 0.0;        ///< s
   double kineticBefore = 0.0, potentialBefore = 0.0, kineticAfter = 0.0,
          potentialAfter = 0.0;            ///< J
   double constraintError = 0.0;           ///< `Simulation::constraintError`, at the end.
   double greatestKinetic = 0.0;           ///< Of some states on the way, J.
+  bool stopsAtLimits = false;             ///< As in the options.
   std::vector<Simulation::Joint> joints;  ///< With how often limits and greatest rates were hit.
   std::vector<Simulation::Stop> stops;    ///< What stopping criteria registered.
 };

@@ -301,7 +301,7 @@ bool Simulation::checkFinite(double time) {
   }
   if (fastest != nullptr) {
     complaint_ += "; a step before, \"" + fastest->name + "\" was the fastest, at " +
-                  textOf(greatest) + " per second";
+                  shortTextOf(greatest) + " per second";
   }
   return false;
 }
