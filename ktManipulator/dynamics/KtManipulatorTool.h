@@ -30,8 +30,8 @@ class KT_EXPORT KtManipulatorTool {
 
  protected:
   KtManipulatorTool() = default;
-  KtManipulatorTool(const KtManipulatorTool&) = default;
-  KtManipulatorTool& operator=(const KtManipulatorTool&) = default;
+  KtManipulatorTool(const KtManipulatorTool&) = default;             ///< A copy.
+  KtManipulatorTool& operator=(const KtManipulatorTool&) = default;  ///< Takes over a copy.
 
   /// The state pointed to, or the tool's own for a null pointer.
   KtManipulatorActiveState& stateOrOwn(KtManipulatorActiveState* state) {

@@ -33,10 +33,10 @@ class KT_EXPORT KtXmlMapType : public KtXmlPersistent<KtXmlMapType<K, V>> {
   /// A map of one entry.
   KtXmlMapType(const K& key, const V& value) { entries_.emplace(key, value); }
 
-  void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }
-  bool read(KtXmlReader& reader) override;
-  bool write(KtXmlWriter& writer) const override;
-  void writeSchema(KtXmlSchema& schema) const override;
+  void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }  ///< Visits it.
+  bool read(KtXmlReader& reader) override;               ///< See `KtXmlObject::read`.
+  bool write(KtXmlWriter& writer) const override;        ///< See `KtXmlObject::write`.
+  void writeSchema(KtXmlSchema& schema) const override;  ///< See `KtXmlObject::writeSchema`.
 
   /// Copies the value of the key and gives true; false, and the argument unchanged, for an unknown
   /// key.

@@ -36,8 +36,8 @@ class KT_EXPORT KtXmlVariableElementType : public KtXmlBaseVariableCompoundType 
   /// Takes over the other's value.
   KtXmlVariableElementType& operator=(KtXmlVariableElementType&&) noexcept = default;
 
-  void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }
-  bool write(KtXmlWriter& writer) const override {
+  void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }  ///< Visits it.
+  bool write(KtXmlWriter& writer) const override {  ///< See `KtXmlObject::write`.
     const bool ok = KtXmlBaseVariableCompoundType::write(writer);
     return (element_ == nullptr || Kt::detail::writeHeld(writer, *element_)) && ok;
   }

@@ -57,10 +57,10 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
   }
   ~KtXmlVariableVectorType() override { deleteFrom(0); }
 
-  void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }
-  bool read(KtXmlReader& reader) override;
-  bool write(KtXmlWriter& writer) const override;
-  void writeSchema(KtXmlSchema& schema) const override;
+  void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }  ///< Visits it.
+  bool read(KtXmlReader& reader) override;               ///< See `KtXmlObject::read`.
+  bool write(KtXmlWriter& writer) const override;        ///< See `KtXmlObject::write`.
+  void writeSchema(KtXmlSchema& schema) const override;  ///< See `KtXmlObject::writeSchema`.
   /// Makes the object of the tag, by this list's creators or the reader's factory, reads it and
   /// adds it; an unknown tag is reported and gives false.
   bool readValueFromToken(const KtToken& token, KtXmlReader& reader) override;

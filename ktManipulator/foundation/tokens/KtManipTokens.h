@@ -11,8 +11,8 @@ namespace KtManip {
 /// The namespace of the vocabulary; every element name is this followed by its local name.
 KT_EXPORT extern const KtToken ns;
 
-#define KT_NAMESPACED(constant, localName) KT_EXPORT extern const KtToken constant;
-#define KT_PLAIN(constant, word) KT_EXPORT extern const KtToken constant;
+#define KT_NAMESPACED(constant, localName) KT_EXPORT extern const KtToken constant;  ///< Private.
+#define KT_PLAIN(constant, word) KT_EXPORT extern const KtToken constant;            ///< Private.
 #include "ktManipulator/foundation/tokens/KtManipTokens.def"
 #undef KT_NAMESPACED
 #undef KT_PLAIN

@@ -21,9 +21,9 @@ class KT_EXPORT KtToken {
   explicit KtToken(std::string text)
       : text_(std::make_shared<const std::string>(std::move(text))) {}
 
-  // Copies alone: what was moved from would have no text.
+  /// A copy, also of what could be moved from: that would be left without a text.
   KtToken(const KtToken&) = default;
-  KtToken& operator=(const KtToken&) = default;
+  KtToken& operator=(const KtToken&) = default;  ///< The same.
 
   /// The text.
   operator const std::string&() const noexcept { return *text_; }  // NOLINT

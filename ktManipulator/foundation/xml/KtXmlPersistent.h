@@ -39,7 +39,7 @@ class KtXmlPersistent : public Base {
   bool operator==(const KtXmlPersistent&) const = default;
 
  protected:
-  KtXmlPersistent() = default;
+  KtXmlPersistent() = default;  ///< As the base is made by default.
 
  private:
   const Cls& self() const noexcept { return static_cast<const Cls&>(*this); }

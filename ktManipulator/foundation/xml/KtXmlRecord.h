@@ -27,12 +27,12 @@ class KT_EXPORT KtXmlRecord : public KtXmlPersistent<Cls, KtXmlObject> {
   /// Describes what `write` writes.
   void writeSchema(KtXmlSchema& schema) const override;
 
-  /// Exact equality.
-  /// The shared value that stands for nothing: a default-constructed object.
+  /// The shared value that stands for nothing: an object as the default constructor
+  /// makes it.
   static const Cls& nullObject() {
     static const Cls theNullObject;
     return theNullObject;
   }
-
+  /// Equality of what this base holds, which is nothing.
   bool operator==(const KtXmlRecord&) const noexcept { return true; }
 };
