@@ -16,14 +16,14 @@
 /// fixed form the slider is the base side: a = L, b = opposite length; in the pivoted form it is
 /// the side b = L, and a = opposite length.
 ///
-///               d2
-///          +---------*  far end of the link's side (frame B)
-///        b |        /
-///          |       / theta from x
-///       d1 +      /
-///          |     /
-///     ---- O----+  pivot: the DH frame; frame A
-///            a
+///                  *  far end of the link's side (frame B)
+///            b  .  /
+///            .    / d2, theta from x
+///       d1 +     /
+///          |    /
+///          |   /
+///     ---- O--+  pivot: the DH frame; frame A
+///           a
 ///
 /// The loop closes when d1 sin(theta) - a cos(theta) = K, with
 /// K = (a^2 + d1^2 + d2^2 - b^2) / (2 d2). Of the two solutions the one with the larger cosine is
