@@ -10,28 +10,20 @@ using RealLists = KtActuatorState::RealLists;
 
 TEST(VirtualOrder, ActuatorStateKeepsIts) {
   using S = KtActuatorState;
-  expectOrder(
-      "KtActuatorState", kCompound + 1, static_cast<const Reals& (S::*)() const>(&S::outputTorques),
-      static_cast<Reals& (S::*)()>(&S::outputTorques), &S::setOutputTorques,
-      static_cast<const Reals& (S::*)() const>(&S::motorPositions),
-      static_cast<Reals& (S::*)()>(&S::motorPositions), &S::setMotorPositions,
-      static_cast<const Reals& (S::*)() const>(&S::motorVelocities),
-      static_cast<Reals& (S::*)()>(&S::motorVelocities), &S::setMotorVelocities,
-      static_cast<const Reals& (S::*)() const>(&S::motorAccelerations),
-      static_cast<Reals& (S::*)()>(&S::motorAccelerations), &S::setMotorAccelerations,
-      static_cast<const Flags& (S::*)() const>(&S::nonRigidActuatorFlags),
-      static_cast<Flags& (S::*)()>(&S::nonRigidActuatorFlags), &S::setNonRigidActuatorFlags,
-      static_cast<const Reals& (S::*)() const>(&S::springDamperCenters),
-      static_cast<Reals& (S::*)()>(&S::springDamperCenters), &S::setSpringDamperCenters,
-      static_cast<const Flags& (S::*)() const>(&S::staticFrictionModes),
-      static_cast<Flags& (S::*)()>(&S::staticFrictionModes), &S::setStaticFrictionModes,
-      static_cast<const Reals& (S::*)() const>(&S::lastVelocities),
-      static_cast<Reals& (S::*)()>(&S::lastVelocities), &S::setLastVelocities,
-      static_cast<const Reals& (S::*)() const>(&S::reverseMotionPositions),
-      static_cast<Reals& (S::*)()>(&S::reverseMotionPositions), &S::setReverseMotionPositions,
-      static_cast<const RealLists& (S::*)() const>(&S::powerConverterStates),
-      static_cast<RealLists& (S::*)()>(&S::powerConverterStates), &S::setPowerConverterStates,
-      &S::resize);
+  expectOrder("KtActuatorState", kCompound + 1, looking(&S::outputTorques),
+              changing(&S::outputTorques), &S::setOutputTorques, looking(&S::motorPositions),
+              changing(&S::motorPositions), &S::setMotorPositions, looking(&S::motorVelocities),
+              changing(&S::motorVelocities), &S::setMotorVelocities,
+              looking(&S::motorAccelerations), changing(&S::motorAccelerations),
+              &S::setMotorAccelerations, looking(&S::nonRigidActuatorFlags),
+              changing(&S::nonRigidActuatorFlags), &S::setNonRigidActuatorFlags,
+              looking(&S::springDamperCenters), changing(&S::springDamperCenters),
+              &S::setSpringDamperCenters, looking(&S::staticFrictionModes),
+              changing(&S::staticFrictionModes), &S::setStaticFrictionModes,
+              looking(&S::lastVelocities), changing(&S::lastVelocities), &S::setLastVelocities,
+              looking(&S::reverseMotionPositions), changing(&S::reverseMotionPositions),
+              &S::setReverseMotionPositions, looking(&S::powerConverterStates),
+              changing(&S::powerConverterStates), &S::setPowerConverterStates, &S::resize);
   using M = KtManufacturerData;
   expectOrder("KtManufacturerData", kCompound + 1, &M::manufacturer, &M::setManufacturer,
               &M::partNumber, &M::setPartNumber, &M::isValid);

@@ -23,11 +23,8 @@ TEST(VirtualOrder, ProximityStatesKeepTheirs) {
   using P = KtManipulatorLinkProximityState;
   using Key = const KtLinkKey&;
   using Data = KtLinkProximityData;
-  using Boxes = KtSystemActiveBoundingBoxState;
-  expectOrder("KtManipulatorLinkProximityState", 2,
-              static_cast<const Boxes& (P::*)() const>(&P::systemActiveBoundingBoxState),
-              static_cast<Boxes& (P::*)()>(&P::systemActiveBoundingBoxState),
-              &P::setSystemActiveBoundingBoxState,
+  expectOrder("KtManipulatorLinkProximityState", 2, looking(&P::systemActiveBoundingBoxState),
+              changing(&P::systemActiveBoundingBoxState), &P::setSystemActiveBoundingBoxState,
               static_cast<const Data& (P::*)(Key, Key) const>(&P::getData),
               static_cast<Data& (P::*)(Key, Key)>(&P::getData), &P::setDistance, &P::getDistance,
               &P::invalidateAll, &P::invalidate, &P::isValid, &P::setValid, &P::initialize,

@@ -17,6 +17,16 @@ std::size_t slotOf(Member member) {
   return static_cast<std::size_t>(raw - 1) / sizeof(void*);
 }
 
+/// Of two operations of one name, the one that only looks, and the one whose result may be changed.
+template <class Cls, class Result>
+constexpr auto looking(const Result& (Cls::*member)() const) {
+  return member;
+}
+template <class Cls, class Result>
+constexpr auto changing(Result& (Cls::*member)()) {
+  return member;
+}
+
 /// Expects the operations, as pointers to virtual members, to stand one behind the other, the first
 /// at a position.
 template <class... Members>
