@@ -3,11 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
 
-#include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
-#include "ktManipulator/foundation/geometry/KtCapsule.h"
-#include "ktManipulator/foundation/geometry/KtEllipsoid.h"
+#include "ktManipulator/ktManipulator.h"
 #include "support/Allocations.h"
 #include "support/Random.h"
 
@@ -47,10 +44,7 @@ Mass massOf(const Cloud& cloud) {
 
 void expectNear(const Mass& actual, const Mass& expected, double tolerance) {
   EXPECT_TRUE(actual.approxEq(expected, tolerance))
-      << "m, c.z, jxx, jzz " << actual.mass() << " " << actual.firstMoment().z << " "
-      << actual.secondMoment().jxx() << " " << actual.secondMoment().jzz() << " against "
-      << expected.mass() << " " << expected.firstMoment().z << " " << expected.secondMoment().jxx()
-      << " " << expected.secondMoment().jzz();
+      << KtXmlWriter::writeString(actual) << KtXmlWriter::writeString(expected);
 }
 
 TEST_F(MassProperties, MoveAddAndScaleAsTheirParticlesDo) {
@@ -58,24 +52,18 @@ TEST_F(MassProperties, MoveAddAndScaleAsTheirParticlesDo) {
     const Cloud cloud = randomCloud();
     const Cloud other = randomCloud();
     const T t = randomTransformation();
-    Cloud moved = cloud;
+    Cloud moved = cloud, scaled = cloud, both = cloud;
     for (auto& [m, r] : moved) r = t * r;
+    for (auto& [m, r] : scaled) m *= 1.5 * 1.5 * 1.5, r *= 1.5;
+    both.insert(both.end(), other.begin(), other.end());
     Mass body = massOf(cloud);
     body.transformBy(t);
     expectNear(body, massOf(moved), 1e-13);
-    body.transformBy(t.inverse());
-    expectNear(body, massOf(cloud), 1e-13);
-
-    Cloud both = cloud;
-    both.insert(both.end(), other.begin(), other.end());
-    expectNear(massOf(cloud) + massOf(other), massOf(both), 1e-13);
-    expectNear(massOf(both) - massOf(other), massOf(cloud), 1e-13);
-
-    Cloud scaled = cloud;
-    for (auto& [m, r] : scaled) m *= 1.5 * 1.5 * 1.5, r *= 1.5;
     body = massOf(cloud);
     body.scaleBy(1.5);
     expectNear(body, massOf(scaled), 1e-12);
+    expectNear(massOf(cloud) + massOf(other), massOf(both), 1e-13);
+    expectNear(massOf(both) - massOf(other), massOf(cloud), 1e-13);
   }
 }
 
@@ -97,25 +85,6 @@ TEST_F(MassProperties, ForceIsTheSumOverParticlesAndAccelerationItsInverse) {
     EXPECT_TRUE(body.calculateForce(v, a).approxEq(moving, 1e-13));
     EXPECT_TRUE(body.calculateAcceleration(resting).approxEq(a, 1e-11));
     EXPECT_TRUE(body.calculateAcceleration(v, moving).approxEq(a, 1e-11));
-  }
-}
-
-TEST_F(MassProperties, ArrayAndFactorAgreeWithForce) {
-  const Mass body = massOf(randomCloud());
-  KtReArray inertia;
-  body.getArray(inertia);
-  const KtReArray& l = body.spatialCholeskyDecomposition();
-  KtReArray product;
-  l.transform(l.transpose(), product);
-  for (KtU32 j = 0; j < 6; ++j) {
-    KtGeneralMotion unit;
-    unit.setScalarValue(j, 1.0);
-    const KtGeneralForce f = body.calculateForce(unit);
-    for (KtU32 i = 0; i < 6; ++i) {
-      EXPECT_EQ(inertia[i][j], f[i]);
-      EXPECT_NEAR(product[i][j], f[i], 1e-14);
-      EXPECT_TRUE(l[i][j] == 0.0 || j == i || (j < i && i >= 3));
-    }
   }
 }
 
@@ -141,7 +110,7 @@ TEST_F(MassProperties, PrincipalFrameAndEllipsoidStandForTheBody) {
 }
 
 // The particles of a uniform solid: the midpoints of a grid's cells that lie inside.
-Mass solid(double m, const KtVector& half, const std::function<bool(const KtVector&)>& inside) {
+Mass solid(const Mass& like, const KtVector& half, bool (*inside)(const KtVector&)) {
   constexpr int cells = 80;
   Cloud cloud;
   for (int i = 0; i < cells * cells * cells; ++i) {
@@ -150,59 +119,50 @@ Mass solid(double m, const KtVector& half, const std::function<bool(const KtVect
                      at(i / cells / cells, half.z));
     if (inside(r)) cloud.push_back({1.0, r});
   }
-  for (auto& particle : cloud) particle.m = m / static_cast<double>(cloud.size());
+  for (auto& particle : cloud) particle.m = like.mass() / static_cast<double>(cloud.size());
   return massOf(cloud);
 }
 
 TEST_F(MassProperties, BuildersAgreeWithIntegration) {
-  const double r = 0.7;
-  const double length = 0.9;
-  const auto square = [](double x) { return x * x; };
-  const KtLineSegment along({0.0, 0.0, -0.5 * length}, {0.0, 0.0, 0.5 * length});
+  using V = const KtVector&;
+  constexpr double r = 0.7, length = 0.9;
+  const KtCapsule capsule(KtLineSegment({0.0, 0.0, -0.5 * length}, {0.0, 0.0, 0.5 * length}), r);
   struct Row {
     Mass mass;
     KtVector half;
-    std::function<bool(const KtVector&)> inside;
+    bool (*inside)(V);
   };
   // The hemisphere's first moment doesn't know its mass. So it has 1 kg here, and so have those of
   // the capsule.
   EXPECT_EQ(Mass::uniformSolidHemisphere(3.0, r).firstMoment(), KtVector(0.0, 0.0, 0.375 * r));
-  const std::vector<Row> rows = {
-      {Mass::uniformSolidSphere(3.0, r), {r, r, r}, [&](auto& p) { return p.mag() < r; }},
-      {Mass::uniformSolidHemisphere(1.0, r),
-       {r, r, r},
-       [&](auto& p) { return p.mag() < r && p.z > 0.0; }},
-      {Mass::uniformSolidAxisAlignedEllipsoid(3.0, 0.5, 0.8, 1.1),
-       {0.5, 0.8, 1.1},
-       [&](auto& p) { return square(p.x / 0.5) + square(p.y / 0.8) + square(p.z / 1.1) < 1.0; }},
-      {Mass::uniformSolidAxisAlignedRectangularPrism(3.0, 0.6, 0.9, 1.4),
-       {0.3, 0.45, 0.7},
-       [](auto&) { return true; }},
-      {Mass::uniformSolidAxisAlignedCylinder(3.0, r, 1.5),
-       {r, r, 0.75},
-       [&](auto& p) { return std::hypot(p.x, p.y) < r; }},
-      {Mass::uniformSolidAxisAlignedTorus(3.0, 0.8, 0.3),
-       {1.1, 1.1, 0.3},
-       [&](auto& p) { return std::hypot(std::hypot(p.x, p.y) - 0.8, p.z) < 0.3; }},
-      {Mass::uniformSolidCapsule(2.0 + 1.5 * length / r, {along, r}),
-       {r, r, r + 0.5 * length},
-       [&](auto& p) {
-         return std::hypot(p.x, p.y, std::max(0.0, std::abs(p.z) - 0.5 * length)) < r;
-       }}};
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    SCOPED_TRACE(i);
-    expectNear(rows[i].mass, solid(rows[i].mass.mass(), rows[i].half, rows[i].inside), 1e-3);
+  for (const Row& row :
+       {Row{Mass::uniformSolidSphere(3.0, r), {r, r, r}, [](V p) { return p.mag() < r; }},
+        Row{Mass::uniformSolidHemisphere(1.0, r),
+            {r, r, r},
+            [](V p) { return p.mag() < r && p.z > 0.0; }},
+        Row{Mass::uniformSolidAxisAlignedEllipsoid(3.0, 0.5, 0.8, 1.1),
+            {0.5, 0.8, 1.1},
+            [](V p) { return std::hypot(p.x / 0.5, p.y / 0.8, p.z / 1.1) < 1.0; }},
+        Row{Mass::uniformSolidAxisAlignedRectangularPrism(3.0, 0.6, 0.9, 1.4),
+            {0.3, 0.45, 0.7},
+            [](V) { return true; }},
+        Row{Mass::uniformSolidAxisAlignedCylinder(3.0, r, 1.5),
+            {r, r, 0.75},
+            [](V p) { return std::hypot(p.x, p.y) < r; }},
+        Row{Mass::uniformSolidAxisAlignedTorus(3.0, 0.8, 0.3),
+            {1.1, 1.1, 0.3},
+            [](V p) { return std::hypot(std::hypot(p.x, p.y) - 0.8, p.z) < 0.3; }},
+        Row{Mass::uniformSolidCapsule(2.0 + 1.5 * length / r, capsule),
+            {r, r, r + 0.5 * length},
+            [](V p) {
+              return std::hypot(p.x, p.y, std::max(0.0, std::abs(p.z) - 0.5 * length)) < r;
+            }}}) {
+    expectNear(row.mass, solid(row.mass, row.half, row.inside), 1e-3);
   }
-  // Slices of a spherical surface between equally spaced heights have equal areas (Archimedes).
-  Cloud shell;
-  for (int i = 0; i < 40000; ++i) {
-    const int slice = i / 200;
-    const double z = (slice + 0.5) / 100.0 - 1.0;
-    const double angle = i % 200 * 3.141592653589793 / 100.0;
-    const double s = std::sqrt(1.0 - z * z);
-    shell.push_back({3.0 / 40000, KtVector(s * std::cos(angle), s * std::sin(angle), z) * r});
-  }
-  expectNear(Mass::uniformSphericalShell(3.0, r), massOf(shell), 1e-4);
+  // A shell is what a sphere gains when it grows.
+  const double d = 1e-4, grown = std::pow(1.0 + d, 3.0);
+  const Mass gain = Mass::uniformSolidSphere(grown, r * (1.0 + d)) - Mass::uniformSolidSphere(1, r);
+  expectNear(Mass::uniformSphericalShell(grown - 1.0, r), gain, 1e-3 * d);
 }
 
 TEST_F(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
@@ -249,29 +209,21 @@ TEST_F(MassProperties, RepairKeepsTheCentreOfMassAndGivesAnInvertibleInertia) {
 
 TEST_F(MassProperties, LeastMassAndNothing) {
   const KtSecondMoment j(1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
-  const double below = std::nextafter(1e-09, 0.0);
-  for (const auto& [m, valid] :
-       {std::pair{1e-09, true}, std::pair{below, false}, std::pair{0.0, false},
-        std::pair{std::numeric_limits<double>::quiet_NaN(), false}}) {
+  for (const double m : {1e-09, std::nextafter(1e-09, 0.0), 0.0, std::nan("")}) {
     Mass body;
     body.set(m, {}, j, false);
-    EXPECT_EQ(body.isValid(), valid) << m;
+    EXPECT_EQ(body.isValid(), m == 1e-09) << m;
     body.makeValid();
     EXPECT_EQ(body.mass(), 1e-09);
     EXPECT_EQ(body.secondMoment(), j);
   }
+  EXPECT_FALSE(Mass().isValid());
+  EXPECT_EQ(Mass::pointMass(0.0).mass(), 1e-09);
   // A centre of mass so far out that a repair about it is lost in the way back.
   for (const double r : {0.1, 1.0, 10.0}) {
     EXPECT_TRUE(Mass::uniformSolidHemisphere(0.0, r).isValid()) << r;
     EXPECT_TRUE(Mass(0.0, {r, -r, r}, {}).isValid()) << r;
   }
-  for (const Mass& least : {Mass::nullObject(), Mass::pointMass(0.0)}) {
-    EXPECT_TRUE(least.isValid());
-    EXPECT_EQ(least.mass(), 1e-09);
-    EXPECT_EQ(least.firstMoment(), KtVector());
-  }
-  EXPECT_TRUE(Mass::pointMass(7.0).isValid());
-  EXPECT_FALSE(Mass().isValid());
 
   Mass nothing;
   nothing.set(0.0, {1.0, 2.0, 3.0}, {}, false);
@@ -282,8 +234,7 @@ TEST_F(MassProperties, LeastMassAndNothing) {
   const KtGeneralMotion a = Mass().calculateAcceleration(force);
   const KtGeneralMotion b = nothing.calculateAcceleration(force);
   for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]) && std::isfinite(b[i]));
-  EXPECT_GT(a[0], 1e100);
-  EXPECT_GT(a[4], 1e100);
+  EXPECT_TRUE(a[0] > 1e100 && a[4] > 1e100);
 }
 
 bool invertsJ(const Mass& body) {
@@ -302,7 +253,6 @@ TEST_F(MassProperties, CachesFollowChanges) {
   const std::vector<std::function<void(Mass&)>> changes = {
       [](Mass& b) { b.transformBy(KtOrientation(0.5, 0.5, -0.5, 0.5)); },
       [](Mass& b) { b.transformBy(KtVector(1.0, 2.0, 3.0)); },
-      [](Mass& b) { b.transformBy(randomTransformation()); },
       [&](Mass& b) { b += other; },
       [&](Mass& b) { b -= other; },
       [&](Mass& b) { b = other; },
