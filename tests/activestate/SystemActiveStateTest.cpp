@@ -15,11 +15,7 @@ const std::vector<KtU32> kJoints{2, 1, 3};
 
 // Manipulators of 2, 1 and 3 joints; all links of different ones can collide.
 KtManipulatorSystem threeArms() {
-  KtManipulatorSystem system;
-  for (const KtU32 joints : kJoints) {
-    system.addManipulator(trees::randomManipulator(static_cast<int>(joints) + 1));
-  }
-  return system;
+  return trees::randomSystem({3, 2, 4});
 }
 
 KtManipulatorSystemState stateOf(std::size_t manipulators, double position, double velocity) {
@@ -83,11 +79,19 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
     state.positionStates()[index].jointPositions()[0] = 0.75;
     return state;
   };
+  Active others;
+  others.setNonredundantState(moved(0));
+  KtManipulatorSystemState slow = stateOf(3, 0.5, 1.0);
+  slow.velocityStates().clear();
+  const std::string text = KtXmlWriter::writeString(others);
   const auto one = [](double position, double velocity) {
     KtManipulatorActiveState state;
     state.setPositionState(stateOf(2, position, 0.0).positionStates()[1]);
     state.setVelocityState(stateOf(2, 0.0, velocity).velocityStates()[1]);
     return state;
+  };
+  const auto placeOne = [&](Active& a, double position) {
+    a.setManipulatorNonredundantPositionState(one(position, 0.0).positionState(), 1);
   };
   const char* const all = "F C 01 02 12 ";
   const Row rows[] = {
@@ -96,18 +100,10 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
       {"one position", [&](Active& a) { a.setNonredundantState(moved(2)); }, "01 ", 3, 3},
       {"fewer", [](Active& a) { a.setNonredundantState(stateOf(2, 0.5, 1.0)); }, "", 2, 2},
       {"none", [](Active& a) { a.setNonredundantState({}); }, "", 0, 0},
-      {"no velocities",
-       [](Active& a) {
-         KtManipulatorSystemState state = stateOf(3, 0.5, 1.0);
-         state.velocityStates().clear();
-         a.setNonredundantState(state);
-       },
-       all, 3, 3},
+      {"no velocities", [&](Active& a) { a.setNonredundantState(slow); }, all, 3, 3},
       {"active states",
        [&](Active& a) {
-         Active other;
-         other.setNonredundantState(moved(0));
-         a.setNonredundantStateFromActiveStateVector(other.manipulatorActiveStateVector());
+         a.setNonredundantStateFromActiveStateVector(others.manipulatorActiveStateVector());
        },
        "12 ", 3, 3},
       {"velocity of one", [&](Active& a) { a.setManipulatorNonredundantState(one(0.5, 7.0), 1); },
@@ -116,25 +112,11 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
        "02 ", 2, 3},
       {"state of none", [&](Active& a) { a.setManipulatorNonredundantState(one(0.75, 7.0), 3); },
        all, 3, 3},
-      {"position of one",
-       [&](Active& a) {
-         a.setManipulatorNonredundantPositionState(one(0.75, 0.0).positionState(), 1);
-       },
-       "02 ", 2, 3},
-      {"same position of one",
-       [&](Active& a) {
-         a.setManipulatorNonredundantPositionState(one(0.5, 0.0).positionState(), 1);
-       },
-       all, 3, 3},
+      {"position of one", [&](Active& a) { placeOne(a, 0.75); }, "02 ", 2, 3},
+      {"same position of one", [&](Active& a) { placeOne(a, 0.5); }, all, 3, 3},
       {"system level", [](Active& a) { a.invalidateSystemLevel(); }, "01 02 12 ", 3, 3},
       {"all", [](Active& a) { a.invalidateAll(); }, "", 3, 3},
-      {"read",
-       [](Active& a) {
-         Active other;
-         other.setNonredundantState(stateOf(3, 0.5, 1.0));
-         ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(other), a));
-       },
-       "", 3, 3}};
+      {"read", [&](Active& a) { ASSERT_TRUE(KtXmlReader::readString(text, a)); }, "", 3, 3}};
   const KtManipulatorSystem system = threeArms();
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
@@ -149,22 +131,20 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
 
 TEST_F(SystemActiveStates, SettersSetWhatTheyAreGiven) {
   Active active;
-  const KtManipulatorSystemState state = stateOf(3, 0.25, -2.0);
-  active.setNonredundantState(state);
-  for (KtU32 i = 0; i < 3; ++i) {
-    const KtManipulatorActiveState& one = active.manipulatorActiveStateVector()[i];
-    EXPECT_EQ(one.positionState(), state.positionStates()[i]);
-    EXPECT_EQ(one.velocityState(), state.velocityStates()[i]);
+  active.setNonredundantState(stateOf(3, 0.25, -2.0));
+  const auto& own = active.manipulatorActiveStateVector();
+  const auto expect = [&own](KtU32 i, double position, double velocity) {
+    EXPECT_EQ(own[i].positionState(), stateOf(3, position, 0.0).positionStates()[i]);
+    EXPECT_EQ(own[i].velocityState(), stateOf(3, 0.0, velocity).velocityStates()[i]);
+  };
+  for (KtU32 i = 0; i < 3; ++i) expect(i, 0.25, -2.0);
+  // Another position with another velocity, then another velocity alone.
+  for (const double velocity : {5.0, 6.0}) {
+    Active other;
+    other.setNonredundantState(stateOf(3, 0.75, velocity));
+    active.setManipulatorNonredundantState(other.manipulatorActiveStateVector()[2], 2);
+    expect(2, 0.75, velocity);
   }
-  Active other;
-  other.setNonredundantState(stateOf(3, 0.75, 5.0));
-  const KtManipulatorActiveState& source = other.manipulatorActiveStateVector()[2];
-  active.setManipulatorNonredundantState(source, 2);
-  EXPECT_EQ(active.manipulatorActiveStateVector()[2].positionState(), source.positionState());
-  EXPECT_EQ(active.manipulatorActiveStateVector()[2].velocityState(), source.velocityState());
-  other.setNonredundantState(stateOf(3, 0.75, 6.0));
-  active.setManipulatorNonredundantState(source, 2);
-  EXPECT_EQ(active.manipulatorActiveStateVector()[2].velocityState(), source.velocityState());
 }
 
 TEST_F(SystemActiveStates, AChangedSystemDropsEverything) {

@@ -8,11 +8,7 @@ namespace {
 using Proximity = KtManipulatorLinkProximityState;
 using ProximityStates = sampling::Seeded;
 
-KtManipulatorSystem threeArms() {
-  KtManipulatorSystem system;
-  for (const int links : {3, 1, 4}) system.addManipulator(trees::randomManipulator(links));
-  return system;
-}
+constexpr auto kLinks = {3, 1, 4};  // of each manipulator, roots included
 
 // Every link of a system, roots included.
 std::vector<KtLinkKey> linksOf(const KtManipulatorSystem& system) {
@@ -25,7 +21,7 @@ std::vector<KtLinkKey> linksOf(const KtManipulatorSystem& system) {
 }
 
 TEST_F(ProximityStates, HoldThePairsThatCanCollide) {
-  KtManipulatorSystem system = threeArms();
+  KtManipulatorSystem system = trees::randomSystem(kLinks);
   KtSystemCollisionExclusionMap exclusions;
   exclusions.excludeManipulatorCollisionCandidates(0, 1);
   exclusions.excludeLinkCollisionCandidate(0, "link1", 2, "link2");
@@ -58,18 +54,16 @@ TEST_F(ProximityStates, HoldThePairsThatCanCollide) {
 }
 
 TEST_F(ProximityStates, MovesOutdateThePairsOfTheirManipulator) {
-  const KtManipulatorSystem system = threeArms();
-  Proximity state;
   const KtLinkKey own{0, ktBaseIndex};
   const KtLinkKey first{1, ktBaseIndex};
   const KtLinkKey second{2, ktBaseIndex};
+  Proximity state;
   EXPECT_FALSE(state.setDistance(own, first, 1.0)) << "no entry yet";
   EXPECT_EQ(state.getDistance(own, first), 0.0) << "made by asking";
   EXPECT_TRUE(state.setDistance(own, first, 1.0));
   EXPECT_FALSE(state.isValid(own, first)) << "no manipulator has a stamp yet";
-  state.initialize(0, system);
-  ASSERT_TRUE(state.setDistance(own, first, 1.0));
-  ASSERT_TRUE(state.setDistance(own, second, 2.0));
+  state.initialize(0, trees::randomSystem(kLinks));
+  ASSERT_TRUE(state.setDistance(own, first, 1.0) && state.setDistance(own, second, 2.0));
   EXPECT_FALSE(state.isValid(first, own)) << "the other order is another pair";
   const Proximity copy(state);
   state.invalidate(3);
@@ -78,16 +72,14 @@ TEST_F(ProximityStates, MovesOutdateThePairsOfTheirManipulator) {
   EXPECT_TRUE(state.isValid(own, first));
   EXPECT_FALSE(state.isValid(own, second));
   EXPECT_EQ(state.getDistance(own, second), 2.0) << "outdated, not cleared";
-  EXPECT_TRUE(state.setValid(own, second));
-  EXPECT_TRUE(state.isValid(own, second));
+  EXPECT_TRUE(state.setValid(own, second) && state.isValid(own, second));
   state.invalidateAll();
-  EXPECT_FALSE(state.isValid(own, first));
-  EXPECT_FALSE(state.isValid(own, second));
+  EXPECT_FALSE(state.isValid(own, first) || state.isValid(own, second));
   EXPECT_TRUE(copy.isValid(own, second)) << "a copy has its own entries and stamps";
 }
 
 TEST_F(ProximityStates, IntervalsAndKeysAreInverse) {
-  const KtManipulatorSystem system = threeArms();
+  const KtManipulatorSystem system = trees::randomSystem(kLinks);
   const KtSystemActiveBoundingBoxState boxes;
   KtU32 expected = 0;
   KtShapeStateCacheKey key;

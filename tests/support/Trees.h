@@ -59,6 +59,13 @@ inline KtIndividualManipulator randomManipulator(int count) {
   return manipulator;
 }
 
+/// A system of manipulators with so many links each, roots included.
+inline KtManipulatorSystem randomSystem(std::initializer_list<int> links) {
+  KtManipulatorSystem system;
+  for (const int count : links) system.addManipulator(randomManipulator(count));
+  return system;
+}
+
 /// What a random mechanism has besides geared joints of Denavit and Hartenberg with springs,
 /// dampers and friction in their bearings.
 struct Extras {
