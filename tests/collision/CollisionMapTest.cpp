@@ -30,19 +30,16 @@ std::size_t draw(std::size_t count) {
 }
 
 TEST_F(CollisionMap, IdentifiersAreOrderedByManipulatorThenBytes) {
-  const std::array<Link, 6> ascending = {
-      {{0, "z"}, {1, ""}, {1, "a"}, {1, "aa"}, {1, "b"}, {1, "\xC3\xA9"}}};
-  for (std::size_t i = 0; i < ascending.size(); ++i) {
-    for (std::size_t j = 0; j < ascending.size(); ++j) {
-      const KtManipulatorLinkIdentifier a(ascending[i].first, ascending[i].second);
-      const KtManipulatorLinkIdentifier b(ascending[j].first, ascending[j].second);
-      EXPECT_EQ(a < b, i < j);
-      EXPECT_EQ(a == b, i == j);
+  const KtManipulatorLinkIdentifier ascending[] = {{0, "z"},  {1, ""},  {1, "a"},
+                                                   {1, "aa"}, {1, "b"}, {1, "\xC3\xA9"}};
+  for (const auto& a : ascending) {
+    for (const auto& b : ascending) {
+      EXPECT_EQ(a < b, &a < &b);
+      EXPECT_EQ(a == b, &a == &b);
     }
   }
   EXPECT_TRUE(KtManipulatorLinkIndex(0, ktBaseIndex) < KtManipulatorLinkIndex(1, 0));
   EXPECT_TRUE(KtManipulatorLinkIndex(1, 2) < KtManipulatorLinkIndex(1, 3));
-  EXPECT_FALSE(KtManipulatorLinkIndex(1, 2) < KtManipulatorLinkIndex(0, 3));
 }
 
 TEST_F(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
@@ -172,18 +169,9 @@ TEST_F(CollisionMap, BetweenManipulatorsAnswersAreThoseOfAPlainList) {
   EXPECT_TRUE(model.map == KtSystemCollisionExclusionMap()) << "what is taken back leaves no trace";
 }
 
-TEST_F(CollisionMap, IndicesAreThoseOfTheLastCompiling) {
-  KtXmlVectorType<KtIndividualManipulator> system(2, manipulator());
-  KtSystemCollisionExclusionMap map;
-  map.excludeLinkCollisionCandidate(1, "root", 0, "Z");
-  EXPECT_FALSE(map.isLinkCollisionCandidateExcluded(0, 3U, 1, ktBaseIndex));
-  map.buildMapFromManipulators(system);
-  EXPECT_TRUE(map.isLinkCollisionCandidateExcluded(0, 3U, 1, ktBaseIndex));
-  system[1].setLabel("renamed");
-  system[1].mapManipulator();
-  map.buildMapFromManipulators(system);
-  EXPECT_FALSE(map.isLinkCollisionCandidateExcluded(0, 3U, 1, ktBaseIndex));
-
+TEST_F(CollisionMap, LinksThatAreMissingAreLeftOut) {
+  const KtXmlVectorType<KtIndividualManipulator> system(2, manipulator());
+  const KtSystemCollisionExclusionMap map;
   KtXmlSetType<KtManipulatorLinkIdentifier> names;
   names.add({0, "root"});
   names.add({1, "ba"});
