@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cmath>
-#include <limits>
+#include <initializer_list>
+#include <type_traits>
 
 #include "ktManipulator/ktManipulator.h"
 
@@ -45,6 +46,29 @@ struct DrivenElbow {
   KtIndividualManipulator manipulator;
   KtManipulatorActiveState active;
 };
+
+/// Calls each setter with another value below 1.5.
+template <class Cls>
+void setEach(Cls& object,
+             std::initializer_list<void (std::type_identity_t<Cls>::*)(double)> setters) {
+  double value = 0.03;
+  for (const auto set : setters) (object.*set)(value += 0.0625);
+}
+
+/// Mechanics of a joint, in either form, with every parameter at a value of its own.
+template <class M>
+M fullMechanics() {
+  M mechanics;
+  setEach(mechanics,
+          {&M::setKineticCoulombFrictionPercentage, &M::setInertia, &M::setFrictionCoefficient,
+           &M::setGearRatio, &M::setLowerLimit, &M::setUpperLimit, &M::setMaxOutputRate,
+           &M::setStopperZone, &M::setStopperSpringCoefficient, &M::setStopperDampingCoefficient,
+           &M::setStaticCoulombFriction, &M::setStaticCoulombSpringCoefficient,
+           &M::setStaticCoulombDamperCoefficient, &M::setLimitingVelocityStickRegion,
+           &M::setJointFlexibilityStiffness, &M::setJointFlexibilityDamping, &M::setBacklash});
+  mechanics.setIsRigid(false);
+  return mechanics;
+}
 
 /// The derivative of a function by central differences.
 template <class Function>

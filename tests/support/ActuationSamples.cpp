@@ -1,3 +1,4 @@
+#include "support/Actuation.h"
 #include "support/SampleKit.h"
 
 namespace {
@@ -29,59 +30,33 @@ KtActuatorState actuatorState() {
   return state;
 }
 
-// All that both forms of the mechanics have beyond the first nine parameters.
-template <class Mechanics>
-void fillContact(Mechanics& mechanics) {
-  mechanics.setStaticCoulombFriction(0.5);
-  mechanics.setKineticCoulombFrictionPercentage(0.25);
-  mechanics.setStaticCoulombSpringCoefficient(30.0);
-  mechanics.setStaticCoulombDamperCoefficient(0.75);
-  mechanics.setLimitingVelocityStickRegion(0.01);
-  mechanics.setIsRigid(false);
-  mechanics.setJointFlexibilityStiffness(1200.0);
-  mechanics.setJointFlexibilityDamping(3.5);
-  mechanics.setBacklash(0.002);
-}
-
 KtMechanicalActuatorComponent component() {
-  KtMechanicalActuatorComponent part(0.1, 0.2, 30.0, -4.0, 5.0, 6.0, 0.7, 800.0, 9.0);
-  fillContact(part);
+  auto part = fullMechanics<KtMechanicalActuatorComponent>();
   part.setMaxEfficiency(0.875);
   return part;
 }
 
 KtOldJointActuator oldActuator() {
-  KtOldJointActuator old(0.1, 0.2, 30.0, -4.0, 5.0, 6.0, 0.7, -10.0, 11.0, 800.0, 9.0);
-  fillContact(old);
+  auto old = fullMechanics<KtOldJointActuator>();
+  old.setMinTorque(-10.0);
+  old.setMaxTorque(11.0);
   return old;
 }
 
 void fillMotor(KtDcElectricMotor& motor) {
-  motor.setMinTorque(-2.0);
-  motor.setMaxTorque(3.0);
-  motor.setArmatureInductance(0.1);
-  motor.setArmatureResistance(0.2);
-  motor.setTorqueConstant(0.3);
-  motor.setMaxEfficiency(0.4);
-  motor.setNoLoadSpeed(0.5);
-  motor.setNoLoadCurrent(0.6);
-  motor.setStallTorque(0.7);
+  using M = KtDcElectricMotor;
+  setEach(motor, {&M::setMinTorque, &M::setMaxTorque, &M::setArmatureInductance,
+                  &M::setArmatureResistance, &M::setTorqueConstant, &M::setMaxEfficiency,
+                  &M::setNoLoadSpeed, &M::setNoLoadCurrent, &M::setStallTorque});
 }
 
 void fillCylinder(KtHydraulicCylinder& cylinder) {
-  cylinder.setMaxTorque(1e5);
-  cylinder.setFluidBulkModulus(1.4e9);
-  cylinder.setFluidDensity(870.0);
-  cylinder.setSupplyPressure(2.1e7);
-  cylinder.setDrainPressure(1e5);
-  cylinder.setDischargeCoefficient(0.61);
-  cylinder.setFlowAreaGradient(0.02);
-  cylinder.setMaximumValveOpening(1e-3);
-  cylinder.setEffectiveArea1(2e-3);
-  cylinder.setEffectiveArea2(1.5e-3);
-  cylinder.setFluidVolume1(1e-4);
-  cylinder.setFluidVolume2(2e-4);
-  cylinder.setMaximumFluidLength(0.5);
+  using C = KtHydraulicCylinder;
+  setEach(cylinder,
+          {&C::setMaxTorque, &C::setFluidBulkModulus, &C::setFluidDensity, &C::setSupplyPressure,
+           &C::setDrainPressure, &C::setDischargeCoefficient, &C::setFlowAreaGradient,
+           &C::setMaximumValveOpening, &C::setEffectiveArea1, &C::setEffectiveArea2,
+           &C::setFluidVolume1, &C::setFluidVolume2, &C::setMaximumFluidLength});
 }
 
 }  // namespace
