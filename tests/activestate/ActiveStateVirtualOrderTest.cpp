@@ -11,16 +11,16 @@ TEST(VirtualOrder, ActiveStatesKeepTheirs) {
   using D = KtManipulatorActiveArticulationState;
   expectOrder("KtManipulatorActiveState", kCompound + 1, &M::positionState, &M::setPositionState,
               &M::velocityState, &M::setVelocityState, &M::accelerationState,
-              &M::setAccelerationState, looking(&M::activePositionState),
-              changing(&M::activePositionState), &M::setActivePositionState,
-              looking(&M::activeVelocityState), changing(&M::activeVelocityState),
-              &M::setActiveVelocityState, looking(&M::activeAccelerationState),
-              changing(&M::activeAccelerationState), &M::setActiveAccelerationState,
-              looking(&M::activeForceState), changing(&M::activeForceState),
-              &M::setActiveForceState, looking(&M::activeMassState), changing(&M::activeMassState),
-              &M::setActiveMassState, looking(&M::activeArticulationState),
-              changing(&M::activeArticulationState), &M::setActiveArticulationState,
-              looking(&M::actuatorState), changing(&M::actuatorState), &M::setActuatorState,
+              &M::setAccelerationState, constant(&M::activePositionState),
+              variable(&M::activePositionState), &M::setActivePositionState,
+              constant(&M::activeVelocityState), variable(&M::activeVelocityState),
+              &M::setActiveVelocityState, constant(&M::activeAccelerationState),
+              variable(&M::activeAccelerationState), &M::setActiveAccelerationState,
+              constant(&M::activeForceState), variable(&M::activeForceState),
+              &M::setActiveForceState, constant(&M::activeMassState), variable(&M::activeMassState),
+              &M::setActiveMassState, constant(&M::activeArticulationState),
+              variable(&M::activeArticulationState), &M::setActiveArticulationState,
+              constant(&M::actuatorState), variable(&M::actuatorState), &M::setActuatorState,
               &M::invalidateAll);
   expectOrder("KtManipulatorActivePositionState", kCompound + 1, &P::positionState,
               &P::setPositionState, &P::linkPositionStates, &P::setLinkPositionState,
@@ -28,13 +28,13 @@ TEST(VirtualOrder, ActiveStatesKeepTheirs) {
               &P::setBaseLinkPositionState, &P::setBasePositionState, &P::invalidateAll);
   expectOrder(
       "KtManipulatorActiveVelocityState", kCompound + 1, &V::velocityState, &V::setVelocityState,
-      looking(&V::linkVelocityStates), changing(&V::linkVelocityStates), &V::linkDhVelocityInLocal,
+      constant(&V::linkVelocityStates), variable(&V::linkVelocityStates), &V::linkDhVelocityInLocal,
       &V::setLinkDhVelocityInLocal, &V::linkDhVelocityInSystem, &V::setLinkDhVelocityInSystem,
       &V::linkPrimaryVelocityInSystem, &V::setLinkPrimaryVelocityInSystem,
       &V::linkComVelocityInLocal, &V::setLinkComVelocityInLocal, &V::linkMomentumInLocal,
       &V::setLinkMomentumInLocal, &V::linkCompositeMomentumInLocal,
       &V::setLinkCompositeMomentumInLocal, &V::setLinkVelocityStates,
-      looking(&V::baseVelocityState), changing(&V::baseVelocityState), &V::setBaseVelocityState,
+      constant(&V::baseVelocityState), variable(&V::baseVelocityState), &V::setBaseVelocityState,
       &V::invalidateAll, &V::resize);
   expectOrder("KtManipulatorActiveForceState", kCompound + 1, &F::resize, &F::size,
               &F::linkForceStates, &F::linkDhForceInLocal, &F::setLinkDhForceInLocal,
@@ -51,19 +51,19 @@ TEST(VirtualOrder, ActiveStatesKeepTheirs) {
 
 TEST(VirtualOrder, SystemActiveStateKeepsIts) {
   using S = KtSystemActiveState;
-  expectOrder("KtSystemActiveState", kCompound + 1, looking(&S::manipulatorActiveStateVector),
-              changing(&S::manipulatorActiveStateVector), &S::setManipulatorActiveStateVector,
-              looking(&S::systemActiveBoundingBoxState), changing(&S::systemActiveBoundingBoxState),
-              &S::setSystemActiveBoundingBoxState, &S::setNumManipulators, &S::setNonredundantState,
-              &S::setManipulatorNonredundantState, &S::setManipulatorNonredundantPositionState,
-              &S::invalidateAll, &S::resetForSystemChange, changing(&S::generalForceVector),
-              &S::setGeneralForceVector, &S::generalForceValid, &S::setGeneralForceValid,
-              &S::invalidateSystemLevel, &S::invalidateModifiedShapeKey,
-              looking(&S::manipulatorLinkProximityStateVector),
-              changing(&S::manipulatorLinkProximityStateVector),
-              &S::setManipulatorLinkProximityStateVector, looking(&S::systemShapeCollisionCache),
-              changing(&S::systemShapeCollisionCache), &S::setSystemShapeCollisionCache,
-              looking(&S::modifiedShapeKeyVec), changing(&S::modifiedShapeKeyVec),
+  expectOrder("KtSystemActiveState", kCompound + 1, constant(&S::manipulatorActiveStateVector),
+              variable(&S::manipulatorActiveStateVector), &S::setManipulatorActiveStateVector,
+              constant(&S::systemActiveBoundingBoxState),
+              variable(&S::systemActiveBoundingBoxState), &S::setSystemActiveBoundingBoxState,
+              &S::setNumManipulators, &S::setNonredundantState, &S::setManipulatorNonredundantState,
+              &S::setManipulatorNonredundantPositionState, &S::invalidateAll,
+              &S::resetForSystemChange, variable(&S::generalForceVector), &S::setGeneralForceVector,
+              &S::generalForceValid, &S::setGeneralForceValid, &S::invalidateSystemLevel,
+              &S::invalidateModifiedShapeKey, constant(&S::manipulatorLinkProximityStateVector),
+              variable(&S::manipulatorLinkProximityStateVector),
+              &S::setManipulatorLinkProximityStateVector, constant(&S::systemShapeCollisionCache),
+              variable(&S::systemShapeCollisionCache), &S::setSystemShapeCollisionCache,
+              constant(&S::modifiedShapeKeyVec), variable(&S::modifiedShapeKeyVec),
               &S::setModifiedShapeKeyVec, &S::modifiedShapeKey, &S::setModifiedShapeKey);
 }
 
@@ -72,9 +72,10 @@ TEST(VirtualOrder, JacobianStateKeepsIts) {
   expectOrder("KtJacobianState", 2, &J::invalidateAll, &J::jacobian, &J::jacobianReferenceToSet,
               &J::setJacobian, &J::jacobianValid, &J::softJacobian, &J::softJacobianReferenceToSet,
               &J::setSoftJacobian, &J::softJacobianValid, &J::nullSpace, &J::setNullSpace,
-              &J::nullSpaceValid, &J::calculateNullSpaceAndJacobianLU, looking(&J::sparsityIndices),
-              changing(&J::sparsityIndices), &J::zeroStart, &J::sparsityValid, &J::setSparsityValid,
-              &J::isSparse, &J::setIsSparse, &J::jacobianLU, &J::indices);
+              &J::nullSpaceValid, &J::calculateNullSpaceAndJacobianLU,
+              constant(&J::sparsityIndices), variable(&J::sparsityIndices), &J::zeroStart,
+              &J::sparsityValid, &J::setSparsityValid, &J::isSparse, &J::setIsSparse,
+              &J::jacobianLU, &J::indices);
 }
 
 }  // namespace

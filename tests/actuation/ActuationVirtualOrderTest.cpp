@@ -3,27 +3,22 @@
 
 namespace {
 
-using Active = KtManipulatorActiveState;
-using Reals = KtActuatorState::Reals;
-using Flags = KtActuatorState::Flags;
-using RealLists = KtActuatorState::RealLists;
-
 TEST(VirtualOrder, ActuatorStateKeepsIts) {
   using S = KtActuatorState;
-  expectOrder("KtActuatorState", kCompound + 1, looking(&S::outputTorques),
-              changing(&S::outputTorques), &S::setOutputTorques, looking(&S::motorPositions),
-              changing(&S::motorPositions), &S::setMotorPositions, looking(&S::motorVelocities),
-              changing(&S::motorVelocities), &S::setMotorVelocities,
-              looking(&S::motorAccelerations), changing(&S::motorAccelerations),
-              &S::setMotorAccelerations, looking(&S::nonRigidActuatorFlags),
-              changing(&S::nonRigidActuatorFlags), &S::setNonRigidActuatorFlags,
-              looking(&S::springDamperCenters), changing(&S::springDamperCenters),
-              &S::setSpringDamperCenters, looking(&S::staticFrictionModes),
-              changing(&S::staticFrictionModes), &S::setStaticFrictionModes,
-              looking(&S::lastVelocities), changing(&S::lastVelocities), &S::setLastVelocities,
-              looking(&S::reverseMotionPositions), changing(&S::reverseMotionPositions),
-              &S::setReverseMotionPositions, looking(&S::powerConverterStates),
-              changing(&S::powerConverterStates), &S::setPowerConverterStates, &S::resize);
+  expectOrder("KtActuatorState", kCompound + 1, constant(&S::outputTorques),
+              variable(&S::outputTorques), &S::setOutputTorques, constant(&S::motorPositions),
+              variable(&S::motorPositions), &S::setMotorPositions, constant(&S::motorVelocities),
+              variable(&S::motorVelocities), &S::setMotorVelocities,
+              constant(&S::motorAccelerations), variable(&S::motorAccelerations),
+              &S::setMotorAccelerations, constant(&S::nonRigidActuatorFlags),
+              variable(&S::nonRigidActuatorFlags), &S::setNonRigidActuatorFlags,
+              constant(&S::springDamperCenters), variable(&S::springDamperCenters),
+              &S::setSpringDamperCenters, constant(&S::staticFrictionModes),
+              variable(&S::staticFrictionModes), &S::setStaticFrictionModes,
+              constant(&S::lastVelocities), variable(&S::lastVelocities), &S::setLastVelocities,
+              constant(&S::reverseMotionPositions), variable(&S::reverseMotionPositions),
+              &S::setReverseMotionPositions, constant(&S::powerConverterStates),
+              variable(&S::powerConverterStates), &S::setPowerConverterStates, &S::resize);
   using M = KtManufacturerData;
   expectOrder("KtManufacturerData", kCompound + 1, &M::manufacturer, &M::setManufacturer,
               &M::partNumber, &M::setPartNumber, &M::isValid);
@@ -110,14 +105,13 @@ TEST(VirtualOrder, SpringsAndDampersKeepTheirs) {
   expectOrder("KtSpringProperties", kCompound + 1, &S::springConstant, &S::setSpringConstant,
               &S::weightingFactors, &S::setWeightingFactors, &S::springOffsets,
               &S::setSpringOffsets, &S::associatedJoints, &S::setAssociatedJoints,
-              static_cast<double (S::*)(M, const KtPositionState&) const>(&S::torque),
-              static_cast<double (S::*)(M, const Active&) const>(&S::torque));
+              taking<M, const KtPositionState&>(&S::torque),
+              taking<M, const KtManipulatorActiveState&>(&S::torque));
   using D = KtDamperProperties;
   expectOrder("KtDamperProperties", kCompound + 1, &D::damperConstant, &D::setDamperConstant,
               &D::weightingFactors, &D::setWeightingFactors, &D::associatedJoints,
-              &D::setAssociatedJoints,
-              static_cast<double (D::*)(M, const KtVelocityState&) const>(&D::torque),
-              static_cast<double (D::*)(M, const Active&) const>(&D::torque));
+              &D::setAssociatedJoints, taking<M, const KtVelocityState&>(&D::torque),
+              taking<M, const KtManipulatorActiveState&>(&D::torque));
 }
 
 }  // namespace

@@ -9,24 +9,20 @@ TEST(VirtualOrder, CollisionMapsKeepTheirs) {
               &S::setLinkCollisionCanditateByIdentifier, &S::linkCollisionCanditateByIdentifier,
               &S::setAllAsCollisionCandidates, &S::unsetAllAsCollisionCandidates);
   using X = KtSystemCollisionExclusionMap;
-  using ByLabel = bool (X::*)(KtU32, const KtString&, KtU32, const KtString&) const;
-  using ByIndex = bool (X::*)(KtU32, KtU32, KtU32, KtU32) const;
-  expectOrder("KtSystemCollisionExclusionMap", kCompound + 1, &X::excludeLinkCollisionCandidate,
-              &X::excludeLinkCollisionCandidates, &X::excludeManipulatorCollisionCandidates,
-              &X::removeLinkCollisionExclusionCandidate, &X::removeLinkCollisionExclusionCandidates,
-              &X::removeManipulatorCollisionExclusionCandidates, &X::buildMapFromSystem,
-              static_cast<ByLabel>(&X::isLinkCollisionCandidateExcluded),
-              static_cast<ByIndex>(&X::isLinkCollisionCandidateExcluded));
+  expectOrder(
+      "KtSystemCollisionExclusionMap", kCompound + 1, &X::excludeLinkCollisionCandidate,
+      &X::excludeLinkCollisionCandidates, &X::excludeManipulatorCollisionCandidates,
+      &X::removeLinkCollisionExclusionCandidate, &X::removeLinkCollisionExclusionCandidates,
+      &X::removeManipulatorCollisionExclusionCandidates, &X::buildMapFromSystem,
+      taking<KtU32, const KtString&, KtU32, const KtString&>(&X::isLinkCollisionCandidateExcluded),
+      taking<KtU32, KtU32, KtU32, KtU32>(&X::isLinkCollisionCandidateExcluded));
 }
 
 TEST(VirtualOrder, ProximityStatesKeepTheirs) {
   using P = KtManipulatorLinkProximityState;
-  using Key = const KtLinkKey&;
-  using Data = KtLinkProximityData;
-  expectOrder("KtManipulatorLinkProximityState", 2, looking(&P::systemActiveBoundingBoxState),
-              changing(&P::systemActiveBoundingBoxState), &P::setSystemActiveBoundingBoxState,
-              static_cast<const Data& (P::*)(Key, Key) const>(&P::getData),
-              static_cast<Data& (P::*)(Key, Key)>(&P::getData), &P::setDistance, &P::getDistance,
+  expectOrder("KtManipulatorLinkProximityState", 2, constant(&P::systemActiveBoundingBoxState),
+              variable(&P::systemActiveBoundingBoxState), &P::setSystemActiveBoundingBoxState,
+              constant(&P::getData), variable(&P::getData), &P::setDistance, &P::getDistance,
               &P::invalidateAll, &P::invalidate, &P::isValid, &P::setValid, &P::initialize,
               &P::setIsInitialized, &P::isInitialized);
 }

@@ -17,16 +17,6 @@ std::size_t slotOf(Member member) {
   return static_cast<std::size_t>(raw - 1) / sizeof(void*);
 }
 
-/// Of two operations of one name, the one that only looks, and the one whose result may be changed.
-template <class Cls, class Result>
-constexpr auto looking(const Result& (Cls::*member)() const) {
-  return member;
-}
-template <class Cls, class Result>
-constexpr auto changing(Result& (Cls::*member)()) {
-  return member;
-}
-
 /// Expects the operations, as pointers to virtual members, to stand one behind the other, the first
 /// at a position.
 template <class... Members>
@@ -37,6 +27,31 @@ void expectOrder(const std::string& cls, std::size_t first, Members... members) 
     ++expected;
   }
 }
+
+/// Picks, of two overloads that differ in this alone, the one for constant objects.
+template <class Result, class Cls, class... Parameters>
+auto constant(Result (Cls::*member)(Parameters...) const) {
+  return member;
+}
+/// Picks the one for objects that may change.
+template <class Result, class Cls, class... Parameters>
+auto variable(Result (Cls::*member)(Parameters...)) {
+  return member;
+}
+/// Picks an overload by its parameters.
+template <class... Parameters>
+struct Taking {
+  template <class Result, class Cls>
+  auto operator()(Result (Cls::*member)(Parameters...)) const {
+    return member;
+  }
+  template <class Result, class Cls>
+  auto operator()(Result (Cls::*member)(Parameters...) const) const {
+    return member;
+  }
+};
+template <class... Parameters>
+constexpr Taking<Parameters...> taking;
 
 // Last slots of the classes that everything persistent derives from.
 
