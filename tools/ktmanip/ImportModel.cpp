@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <memory>
+#include <set>
 
 #include "ktManipulator/constraints/KtLinearStateEqualityConstraint.h"
 #include "ktManipulator/foundation/shape/KtBoxShape.h"
@@ -115,6 +117,11 @@ class Importer {
     const urdf::Link* source;  // null for those that only help a planar joint
     std::size_t parent;
   };
+  // A joint that mimics another, by the indices of the links that they move.
+  struct Follower {
+    KtU32 index, leader;
+    double multiplier, offset;
+  };
   // Stands for the base.
   static constexpr std::size_t kBase = static_cast<std::size_t>(-1);
 
@@ -133,15 +140,20 @@ class Importer {
   void setActuator(KtManipulatorLink& link, const urdf::Joint& joint) const;
   const urdf::Link& findBase(KtIndividualManipulator& base,
                              KtCoordinateSystemTransformation& place);
-  void addMimics(KtIndividualManipulator& base) const;
-  KtPositionState startOf(const KtIndividualManipulator& base) const;
+  std::string freeLabel(std::string label);
+  std::vector<Follower> followersOf(const KtIndividualManipulator& base) const;
+  static void addMimics(KtIndividualManipulator& base, const std::vector<Follower>& followers);
+  static void mapCollisions(KtIndividualManipulator& base);
+  static KtPositionState startOf(const KtIndividualManipulator& base,
+                                 const std::vector<Follower>& followers);
   void leaveOut(int line, const std::string& text) { notTaken_.push_back({line, text}); }
 
   const urdf::ModelInterface& model_;
   const ImportDocument& document_;
   const ImportOptions& options_;
   std::vector<ImportFinding>& notTaken_;
-  std::vector<Pending> links_;  // each behind its parent
+  std::vector<Pending> links_;          // each behind its parent
+  std::set<std::string> helperLabels_;  // of those without a source
 };
 
 std::vector<urdf::JointSharedPtr> Importer::jointsOf(const urdf::Link& link) const {
@@ -241,6 +253,15 @@ void Importer::addMoving(const KtManipulatorLink& parent, std::size_t index,
   setActuator(*links_[link].link, joint);
 }
 
+// A label for a link that the robot doesn't have.
+std::string Importer::freeLabel(std::string label) {
+  while (model_.getLink(label) != nullptr || label == options_.name ||
+         !helperLabels_.insert(label).second) {
+    label += '\'';
+  }
+  return label;
+}
+
 void Importer::addPlanar(std::size_t parent, const urdf::Joint& joint,
                          const KtCoordinateSystemTransformation& inboard) {
   const KtOrientation turn(turnFromZ(vectorOf(joint.axis)));
@@ -249,28 +270,33 @@ void Importer::addPlanar(std::size_t parent, const urdf::Joint& joint,
   const KtOrientation toY(turnFromZ({0.0, 1.0, 0.0}));
   const auto slide = KtDenavitHartenberg::kPrismatic;
   const std::size_t along = add(jointModel(slide, inboard * turn * toX, turnedBack(toX)), parent,
-                                joint.name + " x", nullptr);
+                                freeLabel(joint.name + " x"), nullptr);
   const std::size_t across = add(jointModel(slide, turnedBack(toX) * toY, turnedBack(toY)), along,
-                                 joint.name + " y", nullptr);
+                                 freeLabel(joint.name + " y"), nullptr);
   add(jointModel(KtDenavitHartenberg::kRotational, turnedBack(toY), turnedBack(turn)), across,
       joint.child_link_name, &childOf(joint));
 }
 
-// From the outside in: a link is copied, with all below it, when it becomes a child.
+// From the base outwards: a link is copied, with all below it, when it becomes a child, and here
+// there is nothing below it yet.
 void Importer::assemble(KtIndividualManipulator& base) {
   std::vector<std::vector<std::size_t>> children(links_.size());
   std::vector<std::size_t> ofBase;
   for (std::size_t i = 0; i < links_.size(); ++i) {
     (links_[i].parent == kBase ? ofBase : children[links_[i].parent]).push_back(i);
   }
+  std::vector<KtManipulatorLink*> placed(links_.size());
   const auto adopt = [&](KtManipulatorLink& parent, const std::vector<std::size_t>& list) {
     for (const std::size_t child : list) {
       parent.addChild(*links_[child].link);
       links_[child].link.reset();
     }
+    // All of them first, as adding one moves the others.
+    auto& places = const_cast<KtXmlVectorType<KtManipulatorLink>&>(parent.childLinks());
+    for (KtU32 i = 0; i < list.size(); ++i) placed[list[i]] = &places[i];
   };
-  for (std::size_t i = links_.size(); i-- > 0;) adopt(*links_[i].link, children[i]);
   adopt(base, ofBase);
+  for (std::size_t i = 0; i < links_.size(); ++i) adopt(*placed[i], children[i]);
 }
 
 void Importer::setActuator(KtManipulatorLink& link, const urdf::Joint& joint) const {
@@ -282,7 +308,7 @@ void Importer::setActuator(KtManipulatorLink& link, const urdf::Joint& joint) co
       mechanics.setUpperLimit(joint.limits->upper);
     }
     if (joint.limits->velocity > 0.0) mechanics.setMaxOutputRate(joint.limits->velocity);
-    actuator.setMinTorque(-joint.limits->effort);
+    actuator.setMinTorque(0.0 - joint.limits->effort);
     actuator.setMaxTorque(joint.limits->effort);
   }
   if (joint.dynamics) {
@@ -294,68 +320,96 @@ void Importer::setActuator(KtManipulatorLink& link, const urdf::Joint& joint) co
   link.setJointActuator(actuator);
 }
 
-// The link that the base is. A floating joint between a root that is nothing but a place and the
-// rest of the robot makes a free base of the rest.
+// The link that the base is. A floating joint between a root that is nothing but a place, or
+// several fixed to each other, and the rest of the robot makes a free base of the rest.
 const urdf::Link& Importer::findBase(KtIndividualManipulator& base,
                                      KtCoordinateSystemTransformation& place) {
   const urdf::Link& root = *model_.getRoot();
   base.setIsFixedBase(!options_.floatingBase);
-  if (root.inertial || !root.collision_array.empty() || root.child_joints.size() != 1 ||
-      root.child_joints.front()->type != urdf::Joint::FLOATING) {
-    return root;
+  KtCoordinateSystemTransformation at;
+  std::vector<const urdf::Link*> places;
+  for (const urdf::Link* link = &root;
+       !link->inertial && link->collision_array.empty() && link->child_joints.size() == 1;) {
+    const urdf::Joint& joint = *link->child_joints.front();
+    places.push_back(link);
+    at = at * frameOf(joint.parent_to_joint_origin_transform);
+    link = &childOf(joint);
+    if (joint.type == urdf::Joint::FIXED) continue;
+    if (joint.type != urdf::Joint::FLOATING) break;
+    for (const urdf::Link* gone : places) {
+      leaveOut(document_.linkLine(gone->name), "<link> \"" + gone->name +
+                                                   "\", from which the base moves freely: the "
+                                                   "system's frame stands for it");
+    }
+    base.setIsFixedBase(false);
+    place = at;
+    return *link;
   }
-  const urdf::Joint& joint = *root.child_joints.front();
-  leaveOut(document_.linkLine(root.name), "<link> \"" + root.name +
-                                              "\", from which the base moves freely: the system's "
-                                              "frame stands for it");
-  base.setIsFixedBase(false);
-  place = frameOf(joint.parent_to_joint_origin_transform);
-  return childOf(joint);
+  return root;
 }
 
-void Importer::addMimics(KtIndividualManipulator& base) const {
-  const KtU32 joints = base.jointDof();
-  KtStateEqualityConstraintVector constraints;
-  for (KtU32 i = 0; i < joints; ++i) {
-    const urdf::LinkConstSharedPtr link = model_.getLink(base.linkByIndex(i)->label());
+std::vector<Importer::Follower> Importer::followersOf(const KtIndividualManipulator& base) const {
+  std::map<std::string, KtU32> indices;
+  for (KtU32 i = 0; i < base.jointDof(); ++i) indices[base.linkByIndex(i)->label()] = i;
+  std::vector<Follower> followers;
+  for (const auto& [label, index] : indices) {
+    const urdf::LinkConstSharedPtr link = model_.getLink(label);
     if (link == nullptr || link->parent_joint->mimic == nullptr) continue;
     const urdf::JointMimic& mimic = *link->parent_joint->mimic;
-    const urdf::JointConstSharedPtr leader = model_.getJoint(mimic.joint_name);
-    KtLinearStateEqualityConstraint::Row weights(joints);
-    weights[i] = 1.0;
-    weights[base.linkIndexByIdentifier(leader->child_link_name)] = -mimic.multiplier;
+    const std::string& leader = model_.getJoint(mimic.joint_name)->child_link_name;
+    followers.push_back({index, indices.at(leader), mimic.multiplier, mimic.offset});
+  }
+  std::sort(followers.begin(), followers.end(),
+            [](const Follower& a, const Follower& b) { return a.index < b.index; });
+  return followers;
+}
+
+void Importer::addMimics(KtIndividualManipulator& base, const std::vector<Follower>& followers) {
+  KtStateEqualityConstraintVector constraints;
+  for (const Follower& f : followers) {
+    KtLinearStateEqualityConstraint::Row weights(base.jointDof());
+    weights[f.index] = 1.0;
+    weights[f.leader] = -f.multiplier;
     KtLinearStateEqualityConstraint constraint;
     constraint.setJointWeights(KtLinearStateEqualityConstraint::Rows(1, weights));
-    constraint.setWeightedSums(KtLinearStateEqualityConstraint::Row(1, mimic.offset));
+    constraint.setWeightedSums(KtLinearStateEqualityConstraint::Row(1, f.offset));
     constraints.pushBack(constraint);
   }
   base.setStateEqualityConstraints(constraints);
 }
 
-KtPositionState Importer::startOf(const KtIndividualManipulator& base) const {
+// The pairs that a user may make candidates: only links with shapes can collide, and a map of all
+// links would be the largest part of a long robot's file.
+void Importer::mapCollisions(KtIndividualManipulator& base) {
+  std::vector<std::string> labels;
+  if (base.numberOfShapes() > 0) labels.push_back(base.label());
+  for (KtU32 i = 0; i < base.jointDof(); ++i) {
+    const KtManipulatorLink& link = *base.linkByIndex(i);
+    if (link.numberOfShapes() > 0) labels.push_back(link.label());
+  }
+  KtManipulatorSelfCollisionLinkMap map;
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    for (std::size_t k = 0; k <= i; ++k) {
+      map.setLinkCollisionCanditateByIdentifier(labels[i], labels[k], false);
+    }
+  }
+  base.setSelfCollisionLinkMap(map);
+}
+
+KtPositionState Importer::startOf(const KtIndividualManipulator& base,
+                                  const std::vector<Follower>& followers) {
   const KtU32 joints = base.jointDof();
-  std::vector<double> q(joints, 0.0);
+  KtPositionState position;
+  auto& q = position.jointPositions();
+  q.resize(joints);
   for (KtU32 i = 0; i < joints; ++i) {
     const KtJointActuator& actuator = base.linkByIndex(i)->jointActuator();
     q[i] = std::fmax(actuator.lowerLimit(), std::fmin(actuator.upperLimit(), 0.0));
   }
   // A follower may follow a follower: each round settles those that stand one further.
-  for (KtU32 round = 0; round < joints; ++round) {
-    bool settled = true;
-    for (KtU32 i = 0; i < joints; ++i) {
-      const urdf::LinkConstSharedPtr link = model_.getLink(base.linkByIndex(i)->label());
-      if (link == nullptr || link->parent_joint->mimic == nullptr) continue;
-      const urdf::JointMimic& mimic = *link->parent_joint->mimic;
-      const std::string& leader = model_.getJoint(mimic.joint_name)->child_link_name;
-      const double value = mimic.multiplier * q[base.linkIndexByIdentifier(leader)] + mimic.offset;
-      settled = settled && q[i] == value;
-      q[i] = value;
-    }
-    if (settled) break;
+  for (std::size_t round = 0; round < followers.size(); ++round) {
+    for (const Follower& f : followers) q[f.index] = f.multiplier * q[f.leader] + f.offset;
   }
-  KtPositionState position;
-  position.jointPositions().resize(joints);
-  for (KtU32 i = 0; i < joints; ++i) position.jointPositions()[i] = q[i];
   return position;
 }
 
@@ -369,13 +423,13 @@ KtStatedSystem Importer::import() {
     if (links_[i].source != nullptr) fill(*links_[i].link, i, *links_[i].source);
   }
   assemble(base);
-  base.mapManipulator();
-  addMimics(base);
-  KtPositionState position = startOf(base);
-  position.setCoordSysXForm(place);
   if (!options_.name.empty()) base.setLabel(options_.name);
   base.mapManipulator();
-  base.buildSelfCollisionLinkMap();
+  const std::vector<Follower> followers = followersOf(base);
+  addMimics(base, followers);
+  KtPositionState position = startOf(base, followers);
+  position.setCoordSysXForm(place);
+  mapCollisions(base);
   base.fitAbsoluteBoundingSphere();
 
   KtStatedSystem result;
