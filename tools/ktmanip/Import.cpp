@@ -1,8 +1,9 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
+#include <sstream>
 
 #include "Commands.h"
 #include "ImportUrdf.h"
@@ -25,13 +26,19 @@ void tell(const std::string& file, const char* before, const std::vector<ImportF
 }
 
 int run(const Arguments& arguments) {
-  std::ifstream stream(arguments.robot, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  if (!stream) {
+  std::error_code code;
+  if (std::filesystem::equivalent(arguments.robot, arguments.output, code)) {
+    std::fprintf(stderr, "%s: would be written over\n", arguments.robot.c_str());
+    return 1;
+  }
+  const std::ifstream stream(arguments.robot, std::ios::binary);
+  if (!stream || std::filesystem::is_directory(arguments.robot, code)) {
     std::fprintf(stderr, "%s: can't be read\n", arguments.robot.c_str());
     return 1;
   }
-  const ImportResult result = importUrdf(text, arguments.options);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  const ImportResult result = importUrdf(text.str(), arguments.options);
   tell(arguments.robot, "not taken over: ", result.notTaken);
   tell(arguments.robot, "", result.errors);
   if (!result.good) return 1;
@@ -40,11 +47,7 @@ int run(const Arguments& arguments) {
                  arguments.robot.c_str(), result.notTaken.size());
     return 1;
   }
-  if (!KtXmlWriter::writeFile(arguments.output, result.system)) {
-    std::fprintf(stderr, "%s: can't be written\n", arguments.output.c_str());
-    return 1;
-  }
-  return 0;
+  return KtXmlWriter::writeFile(arguments.output, result.system) ? 0 : 1;  // which tells why
 }
 
 }  // namespace

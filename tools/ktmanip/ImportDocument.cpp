@@ -15,7 +15,7 @@ namespace {
 
 enum Content { kAnything, kText, kReal, kNotNegative, kThreeReals, kThreeNotNegative };
 
-// So many joints one behind the other are read back from a file: each nests two elements deeper.
+// So many links one behind the other are read back from a file: each nests two elements deeper.
 constexpr std::size_t kLongestRow = 1400;
 static_assert(2 * kLongestRow < KtXmlReader::kDefaultDepthLimit);
 
@@ -33,6 +33,16 @@ std::string childAttribute(const XMLElement& element, const char* child, const c
   return found == nullptr ? std::string() : attribute(*found, name);
 }
 
+// Takes attributes apart that hold several numbers. The URDF library knows only the blank.
+constexpr const char* kSpace = " \t\r\n";
+
+std::string withBlanks(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return std::strchr(kSpace, c) != nullptr; }, ' ');
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text.erase(0, text.find_first_not_of(' '));
+}
+
 std::string quoted(const std::string& text) {
   return '"' + text + '"';
 }
@@ -48,11 +58,14 @@ std::string nameOf(const XMLElement& element) {
 
 // What is wrong with an attribute's value; empty if nothing is.
 std::string complaint(const std::string& text, Content content) {
-  if (content == kAnything) return "";
-  if (content == kText) return text.empty() ? "is empty" : "";
+  if (content == kAnything || content == kText) {
+    if (content == kText && text.empty()) return "is empty";
+    return isWritable(text) ? "" : "has characters that no system's file can have";
+  }
   std::vector<double> values;
   std::string wrong;
-  if (!readNumbers(text, " \t\r\n", values, wrong)) return "has " + quoted(wrong) + ", no number";
+  if (!readNumbers(text, kSpace, values, wrong))
+    return "has " + quoted(wrong) + ", no finite number";
   const std::size_t expected = content == kThreeReals || content == kThreeNotNegative ? 3 : 1;
   if (values.size() != expected) {
     return "has " + std::to_string(values.size()) + " numbers, not " + std::to_string(expected);
@@ -116,7 +129,7 @@ const ImportDocument::ElementRule& ImportDocument::robotRule() {
       {origin,
        {"parent", {{"link", kText, true}}, {}, true},
        {"child", {{"link", kText, true}}, {}, true},
-       {"axis", {{"xyz", kThreeReals}}, {}},
+       {"axis", {{"xyz", kThreeReals, true}}, {}},
        {"limit",
         {{"lower", kReal}, {"upper", kReal}, {"effort", kReal, true}, {"velocity", kReal, true}},
         {}},
@@ -143,6 +156,13 @@ ImportDocument::ImportDocument(const std::string& text) {
     errors_.push_back({robot == nullptr ? 1 : robot->GetLineNum(), "the root is not <robot>"});
     return;
   }
+  for (const XMLNode* node = document_.FirstChild(); node != nullptr; node = node->NextSibling()) {
+    if (node->ToUnknown() != nullptr) {
+      leaveOut(*node, std::string("<!") + node->Value() + ">");
+    } else if (node->ToElement() != nullptr && node != robot) {
+      error(*node, std::string("a second root, <") + node->Value() + ">");
+    }
+  }
   checkElement(*robot, robotRule(), "");
   if (errors_.empty()) {
     collect("link", links_);
@@ -161,7 +181,7 @@ ImportDocument::ImportDocument(const std::string& text) {
 
 std::string ImportDocument::takenText() const {
   tinyxml2::XMLPrinter printer(nullptr, true);
-  document_.Print(&printer);
+  document_.RootElement()->Accept(&printer);
   return printer.CStr();
 }
 
@@ -237,6 +257,8 @@ void ImportDocument::checkAttributes(XMLElement& element, const ElementRule& rul
       unknown.emplace_back(a->Name());
     } else if (const std::string what = complaint(a->Value(), found->content); !what.empty()) {
       errors_.push_back({a->GetLineNum(), std::string(a->Name()) + " of " + where + ' ' + what});
+    } else if (found->content != kAnything && found->content != kText) {
+      element.SetAttribute(a->Name(), withBlanks(a->Value()).c_str());
     }
   }
   for (const std::string& name : unknown) element.DeleteAttribute(name.c_str());
@@ -301,7 +323,7 @@ void ImportDocument::checkJoint(XMLElement& joint) {
   if (const XMLElement* axis = joint.FirstChildElement("axis")) {
     std::vector<double> xyz;
     std::string wrong;
-    readNumbers(attribute(*axis, "xyz"), " \t\r\n", xyz, wrong);
+    readNumbers(attribute(*axis, "xyz"), kSpace, xyz, wrong);
     if (xyz == std::vector<double>(3, 0.0)) error(*axis, nameOf(joint) + " has the axis 0 0 0");
   }
   XMLElement* limit = joint.FirstChildElement("limit");
@@ -377,18 +399,26 @@ void ImportDocument::checkTree() {
     return;
   }
   // One root and one parent for each other link: what doesn't lead to the root goes round.
+  std::map<std::string, std::size_t> depths{{attribute(*root, "name"), 0}};
   for (const auto& [name, link] : links_) {
+    std::vector<const XMLElement*> way;  // to a link whose depth is known
     std::string at = name;
-    std::size_t steps = 0;
-    for (auto up = jointTo.find(at); up != jointTo.end(); up = jointTo.find(at)) {
-      at = childAttribute(*up->second, "parent", "link");
-      if (++steps <= links_.size()) continue;
+    while (depths.count(at) == 0 && way.size() <= links_.size()) {
+      way.push_back(jointTo.at(at));
+      at = childAttribute(*way.back(), "parent", "link");
+    }
+    if (way.size() > links_.size()) {
       error(*link, "link " + quoted(name) + " hangs on a loop of joints");
       return;
     }
-    if (steps > kLongestRow) {
+    for (std::size_t depth = depths[at]; !way.empty(); way.pop_back()) {
+      const std::string type = attribute(*way.back(), "type");
+      depth += type == "planar" ? 3 : isOneOf(type, {"fixed", "floating"}) ? 0 : 1;
+      depths[childAttribute(*way.back(), "child", "link")] = depth;
+    }
+    if (depths[name] > kLongestRow) {
       error(*link, "link " + quoted(name) + " hangs on a row of more than " +
-                       std::to_string(kLongestRow) + " joints");
+                       std::to_string(kLongestRow) + " moving links");
       return;
     }
   }

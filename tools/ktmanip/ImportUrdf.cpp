@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <exception>
 
+#include "Numbers.h"
+
 namespace {
 
 // Takes what the URDF library says while it lives, instead of standard error.
@@ -49,6 +51,10 @@ ImportResult importUrdf(const std::string& text, const ImportOptions& options) {
       return result;
     }
     result.notTaken.insert(result.notTaken.end(), messages.said().begin(), messages.said().end());
+  }
+  if (!isWritable(options.name)) {
+    result.errors.push_back({0, "--name has characters that no system's file can have"});
+    return result;
   }
   if (options.name != model->getRoot()->name && model->getLink(options.name) != nullptr) {
     result.errors.push_back({document.linkLine(options.name),

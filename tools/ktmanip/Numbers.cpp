@@ -1,7 +1,9 @@
 #include "Numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <nlohmann/json.hpp>
 #include <system_error>
 
 namespace {
@@ -22,7 +24,9 @@ bool readNumbers(std::string_view text, std::string_view separators, std::vector
   if (eachSeparates && text.empty()) return true;
   for (std::size_t at = 0; at <= text.size();) {
     const std::size_t end = std::min(text.find_first_of(separators, at), text.size());
-    const std::string_view word = text.substr(at, end - at);
+    std::string_view word = text.substr(at, end - at);
+    while (eachSeparates && !word.empty() && word.front() == ' ') word.remove_prefix(1);
+    while (eachSeparates && !word.empty() && word.back() == ' ') word.remove_suffix(1);
     at = end + 1;
     if (word.empty() && !eachSeparates) continue;
     double value = 0.0;
@@ -50,4 +54,15 @@ std::string shortTextOf(double value) {
   char digits[32];
   return {digits,
           std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 6).ptr};
+}
+
+bool isWritable(const std::string& text) {
+  const bool controls = std::any_of(text.begin(), text.end(), [](unsigned char c) {
+    return c < 0x20 && c != '\t' && c != '\n' && c != '\r';
+  });
+  try {
+    return !controls && !nlohmann::json(text).dump().empty();
+  } catch (const nlohmann::json::exception&) {
+    return false;  // it writes UTF-8 only
+  }
 }

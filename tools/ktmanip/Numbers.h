@@ -6,8 +6,8 @@
 
 /// Reads numbers from a text, whatever the locale. All have to be finite.
 ///
-/// @param separators  characters between numbers; with a comma among them, each separates, else a
-///                    run of them does
+/// @param separators  characters between numbers; with a comma among them, each separates, with
+///                    blanks about it or not, else a run of them does
 /// @param values      receives the numbers
 /// @param wrong       receives the first word that is no number
 /// @return            whether all words are numbers
@@ -22,3 +22,6 @@ std::string textOf(double value);
 
 /// A number in six significant digits, for people.
 std::string shortTextOf(double value);
+
+/// Whether a text may stand in a system's file: UTF-8, and no control characters.
+bool isWritable(const std::string& text);
