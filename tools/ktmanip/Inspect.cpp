@@ -78,14 +78,8 @@ void warnAboutJoint(const KtManipulatorLink& link, double q, const std::string& 
   }
 }
 
-void warnAboutMass(const KtManipulatorLink& link, bool moves, const std::string& where,
-                   std::vector<std::string>& warnings) {
-  const KtRigidBodyMassProperties& mass = link.massProperties(nullptr);
-  // The least mass of valid properties stands for none.
-  if (!(mass.massValue() > KtRigidBodyMassProperties::nullObject().massValue())) {
-    if (moves) warnings.push_back(where + "the link moves and has no mass");
-    return;
-  }
+void warnAboutInertia(const KtRigidBodyMassProperties& mass, bool moves, const std::string& where,
+                      std::vector<std::string>& warnings) {
   KtVector center;
   mass.getCenterOfMass(center);
   KtRigidBodyMassProperties central = mass;
@@ -103,6 +97,28 @@ void warnAboutMass(const KtManipulatorLink& link, bool moves, const std::string&
     warnings.push_back(where +
                        "no body has this inertia about its centre of mass: a principal "
                        "moment is negative, or greater than the sum of the others");
+  }
+}
+
+void warnAboutMass(const KtManipulatorLink& link, bool moves, const std::string& where,
+                   std::vector<std::string>& warnings) {
+  // The least mass of valid properties stands for none.
+  const auto hasMass = [](const KtRigidBodyMassProperties& mass) {
+    return mass.massValue() > KtRigidBodyMassProperties::nullObject().massValue();
+  };
+  const KtRigidBodyMassProperties& whole = link.massProperties(nullptr);
+  if (hasMass(whole)) {
+    warnAboutInertia(whole, moves, where, warnings);
+  } else if (moves) {
+    warnings.push_back(where + "the link moves and has no mass");
+  }
+  // What is wrong with a part may not show in the whole.
+  if (link.massPropertiesMap().size() == 0) return;
+  if (hasMass(link.baseMassProperties())) {
+    warnAboutInertia(link.baseMassProperties(), false, where + "by itself, ", warnings);
+  }
+  for (const auto& [name, part] : link.massPropertiesMap().mapContainer()) {
+    if (hasMass(part)) warnAboutInertia(part, false, where + name.value() + ": ", warnings);
   }
 }
 
