@@ -281,7 +281,7 @@ void printManipulator(const Json& m) {
 
 struct Arguments {
   std::string file;
-  int manipulator = 0;
+  KtU32 manipulator = 0;
   std::vector<double> gravity;
   std::string q, qd, qdd, tau;
   bool json = false;
@@ -307,7 +307,7 @@ int run(const Arguments& arguments, const CLI::App& command) {
     return 1;
   }
   if (command.count("--manipulator") > 0) {
-    options.manipulator = static_cast<KtU32>(arguments.manipulator);
+    options.manipulator = arguments.manipulator;
   }
   if (const std::vector<double>& g = arguments.gravity; g.size() == 3) {
     options.upGravity = KtVector(g[0], g[1], g[2]);
@@ -353,12 +353,17 @@ void addEvaluate(CLI::App& app, int& status) {
                          "system in one state");
   auto arguments = std::make_shared<Arguments>();
   command->add_option("system", arguments->file, "the file of the system")->required();
-  command->add_option("--manipulator", arguments->manipulator, "the only one, counted from 0")
-      ->check(CLI::NonNegativeNumber);
+  command->add_option("--manipulator", arguments->manipulator, "the only one, counted from 0");
   command
       ->add_option("--gravity", arguments->gravity,
                    "acceleration upwards, as in files: 0 0 9.81 pulls along -z")
-      ->expected(3);
+      ->expected(3)
+      ->allow_extra_args(false)  // else it swallows the file
+      ->check([](const std::string& text) {
+        std::vector<double> value;
+        std::string wrong;
+        return readNumbers(text, " ", value, wrong) ? "" : '"' + text + "\" is not a number";
+      });
   command->add_option("--q", arguments->q, "joint positions, like --q=0.1,-2");
   command->add_option("--qd", arguments->qd, "joint rates");
   command->add_option("--qdd", arguments->qdd,

@@ -23,6 +23,10 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
       return app.exit(e);
     }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+      std::fputs("ktmanip: standard output can't be written\n", stderr);
+      return 1;
+    }
     return status;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "ktmanip: %s\n", e.what());
