@@ -55,51 +55,36 @@ TEST(VirtualOrder, ReaderAndWriterKeepTheirs) {
 }
 
 TEST(VirtualOrder, ContainersKeepTheirs) {
-  expectOrder("KtXmlVectorType", kObject + 1, &Vector::pushBack,
-              static_cast<bool (Vector::*)(KtU32)>(&Vector::erase),
-              static_cast<bool (Vector::*)(KtU32, KtU32)>(&Vector::erase),
-              static_cast<const std::vector<Real>& (Vector::*)() const>(&Vector::vectorContainer),
-              static_cast<std::vector<Real>& (Vector::*)()>(&Vector::vectorContainer),
-              &Vector::reserve, &Vector::resize, &Vector::resizeToAtLeast, &Vector::clear,
-              &Vector::assign, &Vector::size, &Vector::leftRotate, &Vector::writeHeaderToStream,
-              &Vector::writeBodyToStream, &Vector::appendElementToStream,
-              &Vector::writeFooterToStream, &Vector::append);
+  expectOrder("KtXmlVectorType", kObject + 1, &Vector::pushBack, taking<KtU32>(&Vector::erase),
+              taking<KtU32, KtU32>(&Vector::erase), constant(&Vector::vectorContainer),
+              variable(&Vector::vectorContainer), &Vector::reserve, &Vector::resize,
+              &Vector::resizeToAtLeast, &Vector::clear, &Vector::assign, &Vector::size,
+              &Vector::leftRotate, &Vector::writeHeaderToStream, &Vector::writeBodyToStream,
+              &Vector::appendElementToStream, &Vector::writeFooterToStream, &Vector::append);
   using V = VariableVector;
-  using F = KtBaseScalarFunction;
-  expectOrder("KtXmlVariableVectorType", kHolder + 1,
-              static_cast<const F& (V::*)(KtU32) const>(&V::operator[]),
-              static_cast<F& (V::*)(KtU32)>(&V::operator[]), &V::exchange,
-              static_cast<bool (V::*)(KtU32)>(&V::erase),
-              static_cast<bool (V::*)(KtU32, KtU32)>(&V::erase), &V::pushBack, &V::vectorContainer,
-              &V::reserve, &V::resize, &V::clear, &V::assign, &V::size, &V::writeHeaderToStream,
+  expectOrder("KtXmlVariableVectorType", kHolder + 1, constant(&V::operator[]),
+              variable(&V::operator[]), &V::exchange, taking<KtU32>(&V::erase),
+              taking<KtU32, KtU32>(&V::erase), &V::pushBack, &V::vectorContainer, &V::reserve,
+              &V::resize, &V::clear, &V::assign, &V::size, &V::writeHeaderToStream,
               &V::writeBodyToStream, &V::appendElementToStream, &V::writeFooterToStream);
   using X = VariableElement;
-  expectOrder("KtXmlVariableElementType", kHolder + 1,
-              static_cast<const F* (X::*)() const>(&X::element),
-              static_cast<F* (X::*)()>(&X::element), &X::setElement);
+  expectOrder("KtXmlVariableElementType", kHolder + 1, constant(&X::element), variable(&X::element),
+              &X::setElement);
   using B = TreeContainer;
-  expectOrder("KtBaseExpressionTreeContainer", kHolder + 1,
-              static_cast<const F* (B::*)() const>(&B::topElement),
-              static_cast<F* (B::*)()>(&B::topElement), &B::setTopElement,
-              &B::setAndDeleteTopElementPointer, &B::setTopElementContainerToThis);
+  expectOrder("KtBaseExpressionTreeContainer", kHolder + 1, constant(&B::topElement),
+              variable(&B::topElement), &B::setTopElement, &B::setAndDeleteTopElementPointer,
+              &B::setTopElementContainerToThis);
   using M = Map;
-  using U = KtXmlBasicType<KtU32>;
-  expectOrder("KtXmlMapType", kObject + 1, &M::lookup,
-              static_cast<const U* (M::*)(const Text&) const>(&M::lookupPointer),
-              static_cast<U* (M::*)(const Text&)>(&M::lookupPointer), &M::add, &M::erase, &M::clear,
-              static_cast<const std::map<Text, U>& (M::*)() const>(&M::mapContainer),
-              static_cast<std::map<Text, U>& (M::*)()>(&M::mapContainer), &M::keyIndex,
-              &M::indexKey, &M::size);
+  expectOrder("KtXmlMapType", kObject + 1, &M::lookup, constant(&M::lookupPointer),
+              variable(&M::lookupPointer), &M::add, &M::erase, &M::clear,
+              constant(&M::mapContainer), variable(&M::mapContainer), &M::keyIndex, &M::indexKey,
+              &M::size);
   expectOrder("KtXmlSetType", kObject + 1, &Set::find, &Set::clear, &Set::size, &Set::add,
               &Set::erase, &Set::setContainer);
   using P = Pair;
-  using Both = std::pair<Text, Real>;
-  expectOrder("KtXmlPairType", kObject + 1, static_cast<const Text& (P::*)() const>(&P::first),
-              static_cast<Text& (P::*)()>(&P::first), &P::setFirst,
-              static_cast<const Real& (P::*)() const>(&P::second),
-              static_cast<Real& (P::*)()>(&P::second), &P::setSecond, &P::set,
-              static_cast<const Both& (P::*)() const>(&P::pairContainer),
-              static_cast<Both& (P::*)()>(&P::pairContainer));
+  expectOrder("KtXmlPairType", kObject + 1, constant(&P::first), variable(&P::first), &P::setFirst,
+              constant(&P::second), variable(&P::second), &P::setSecond, &P::set,
+              constant(&P::pairContainer), variable(&P::pairContainer));
   expectOrder("KtLabelAssociatedMap", kCompound + 1, &LabelMap::resize, &LabelMap::setValue,
               &LabelMap::addLabel, &LabelMap::value, &LabelMap::valueByIndex,
               &LabelMap::makeIndicesCompatible);
@@ -107,26 +92,21 @@ TEST(VirtualOrder, ContainersKeepTheirs) {
 
 TEST(VirtualOrder, MassPropertiesKeepTheirs) {
   using Motion = const KtGeneralMotion&;
-  expectOrder("KtRigidBodyMassProperties", kCompound + 1,
-              static_cast<void (Mass::*)(const T&)>(&Mass::transformBy),
-              static_cast<void (Mass::*)(const KtOrientation&)>(&Mass::transformBy),
-              static_cast<void (Mass::*)(const KtVector&)>(&Mass::transformBy),
-              static_cast<KtGeneralForce (Mass::*)(Motion, Motion) const>(&Mass::calculateForce),
-              static_cast<KtGeneralForce (Mass::*)(Motion) const>(&Mass::calculateForce),
-              static_cast<KtGeneralMotion (Mass::*)(Motion, const KtGeneralForce&) const>(
-                  &Mass::calculateAcceleration),
-              static_cast<KtGeneralMotion (Mass::*)(const KtGeneralForce&) const>(
-                  &Mass::calculateAcceleration),
-              &Mass::mass, &Mass::firstMoment, &Mass::secondMoment, &Mass::invSecondMoment,
-              &Mass::set, &Mass::getCenterOfMass, &Mass::getPrincipalFrame, &Mass::isValid,
+  expectOrder("KtRigidBodyMassProperties", kCompound + 1, taking<const T&>(&Mass::transformBy),
+              taking<const KtOrientation&>(&Mass::transformBy),
+              taking<const KtVector&>(&Mass::transformBy),
+              taking<Motion, Motion>(&Mass::calculateForce), taking<Motion>(&Mass::calculateForce),
+              taking<Motion, const KtGeneralForce&>(&Mass::calculateAcceleration),
+              taking<const KtGeneralForce&>(&Mass::calculateAcceleration), &Mass::mass,
+              &Mass::firstMoment, &Mass::secondMoment, &Mass::invSecondMoment, &Mass::set,
+              &Mass::getCenterOfMass, &Mass::getPrincipalFrame, &Mass::isValid,
               &Mass::spatialCholeskyDecomposition, &Mass::getArray, &Mass::approxEq, &Mass::scaleBy,
               &Mass::getEllipsoid, &Mass::makeValid, &Mass::computeSecondMomentInverse);
 }
 
 TEST(VirtualOrder, ShapesKeepTheirs) {
   using S = KtShape;
-  expectOrder("KtShape", kTreeElement + 1,
-              static_cast<const S* (S::*)() const>(&S::outerBoundingVolume), &S::innerBoundedShape,
+  expectOrder("KtShape", kTreeElement + 1, constant(&S::outerBoundingVolume), &S::innerBoundedShape,
               &S::boundingVolumeLevel, &S::closestPointIndex);
   using C = KtShapeContainer;
   const std::size_t last =
