@@ -45,6 +45,23 @@ TEST_P(RoundTrip, KeepsTheDefaults) {
   EXPECT_TRUE(second->equality(fresh.get())) << text;
 }
 
+// Whatever number is changed, two objects are equal if they write the same.
+TEST_P(RoundTrip, EqualityLooksAtEveryNumber) {
+  const KtLogCapture log;
+  const auto original = GetParam().make();
+  const std::string text = KtXmlWriter::writeString(*original);
+  const auto isDigit = [&text](std::size_t at) { return text[at] >= '0' && text[at] <= '9'; };
+  for (std::size_t at = text.find("?>"); at < text.size(); ++at) {
+    if (!isDigit(at) || isDigit(at - 1)) continue;
+    std::string changed = text;
+    changed[at] = text[at] == '9' ? '8' : static_cast<char>(text[at] + 1);
+    const std::unique_ptr<KtXmlObject> object(original->newObject());
+    KtXmlReader::readString(changed, *object);
+    EXPECT_EQ(object->equality(original.get()), KtXmlWriter::writeString(*object) == text)
+        << changed.substr(at < 40 ? 0 : at - 40, 60);
+  }
+}
+
 TEST_P(RoundTrip, CopiesAreWholeAndIndependent) {
   auto original = GetParam().make();
   const std::string text = KtXmlWriter::writeString(*original);
