@@ -26,9 +26,7 @@ TEST_F(Attachment, OneParentForEachDependent) {
   Transformation offset;
   EXPECT_TRUE(map.getDependentManipulatorInfo(9, parent, label, offset));
   EXPECT_FALSE(map.getDependentManipulatorInfo(2, parent, label, offset)) << "changes nothing";
-  EXPECT_EQ(parent, 2U);
-  EXPECT_EQ(label, "tip");
-  EXPECT_EQ(offset, first);
+  EXPECT_EQ(std::tuple(parent, label, offset), std::tuple(2U, "tip", first));
 
   EXPECT_EQ(map.dependentManipulators(2), (std::vector<KtU32>{1, 4, 9}));
   std::vector<KtU32> dependents;
@@ -37,8 +35,7 @@ TEST_F(Attachment, OneParentForEachDependent) {
   EXPECT_EQ(dependents, (std::vector<KtU32>{1, 9}));
   EXPECT_EQ(offsets.vectorContainer(), (std::vector<Transformation>{second, first}));
   EXPECT_FALSE(map.getDependentManipulatorsAndOffsets(2, "tipp", dependents, offsets));
-  EXPECT_TRUE(dependents.empty());
-  EXPECT_EQ(offsets.size(), 0U);
+  EXPECT_TRUE(dependents.empty() && offsets.size() == 0U);
 
   EXPECT_TRUE(map.removeManipulatorAttachment(9));
   EXPECT_FALSE(map.removeManipulatorAttachment(9));
@@ -55,11 +52,10 @@ TEST_F(Attachment, AMissingLinkGivesZeroMotionAndNoPlace) {
   const KtLogCapture log;
   attachment.calculatePlacement(manipulator, active, place);
   EXPECT_EQ(place, before);
-  ASSERT_EQ(log.messages().size(), 1U);
-  EXPECT_EQ(log.messages()[0].type, Kt::Print::kError);
-  EXPECT_EQ(log.messages()[0].text,
-            "KtAttachment::calculateFramePlacement():  bad label on link attachment: no %s "
-            "link.\n");
+  const KtLogCapture::Message missing{
+      Kt::Print::kError,
+      "KtAttachment::calculateFramePlacement():  bad label on link attachment: no %s link.\n"};
+  EXPECT_EQ(log.messages(), std::vector{missing});
 
   std::vector<double> reals(10, 1.0);
   attachment.calculateVelocity(manipulator, active, reals, 2);

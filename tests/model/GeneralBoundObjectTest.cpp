@@ -73,8 +73,8 @@ TEST(GeneralBoundObject, RepeatsItsLastPlaceWhereNothingFits) {
   const auto expectMessage = [&](Scene& in, const std::string& message) {
     const KtLogCapture log;
     EXPECT_EQ(body.locationInSystem(in.activeState, in.arm), before);
-    ASSERT_EQ(log.messages().size(), 1U);
-    EXPECT_EQ(log.messages()[0], (KtLogCapture::Message{Kt::Print::kError, name + message}));
+    EXPECT_EQ(log.messages(),
+              (std::vector{KtLogCapture::Message{Kt::Print::kError, name + message}}));
   };
   body.setlinkIdentifier("nobody");
   expectMessage(scene, "invalid link identifier.\n");

@@ -23,10 +23,16 @@ struct Node {
   std::vector<Node> children;
 };
 
-void flatten(const Node& node, std::vector<std::string>& labels) {
-  labels.push_back(node.label);
-  for (const Node& child : node.children) flatten(child, labels);
-}
+// The labels in pre-order, of all and of those without children.
+struct Labels {
+  explicit Labels(const Node& node) { add(node); }
+  void add(const Node& node) {
+    all.push_back(node.label);
+    if (node.children.empty()) leaves.push_back(node.label);
+    for (const Node& child : node.children) add(child);
+  }
+  std::vector<std::string> all, leaves;
+};
 
 Link linkOf(const Node& node) {
   Link link = trees::randomLink(node.label);
@@ -44,8 +50,11 @@ Node* nth(Node& node, int& n) {
 
 // All that the tables must say of the tree.
 void expectMapped(const Arm& arm, const Node& model) {
-  std::vector<std::string> labels;
-  flatten(model, labels);
+  const auto& [labels, leaves] = Labels(model);
+  Link::LinkTable ends;
+  arm.collectLeafLinks(ends);
+  EXPECT_TRUE(std::ranges::equal(ends, leaves, {}, &Link::label));
+  EXPECT_EQ(arm.subtreeLinkCount(), labels.size());
   ASSERT_EQ(arm.jointDof() + 1, labels.size());
   EXPECT_EQ(arm.totalDof(), arm.isFixedBase() ? arm.jointDof() : arm.jointDof() + 6);
   EXPECT_EQ(arm.linkByIndex(ktBaseIndex), &arm);
@@ -71,9 +80,8 @@ TEST_F(Manipulators, TablesFollowEveryEdit) {
     Arm arm;
     arm.changeLinkLabel("", "base");
     for (int step = 0; step < 30; ++step) {
-      std::vector<std::string> labels;
-      flatten(model, labels);
-      int place = static_cast<int>(uniform(0.0, static_cast<double>(labels.size()) - 0.001));
+      const auto count = static_cast<double>(Labels(model).all.size());
+      int place = static_cast<int>(uniform(0.0, count - 0.001));
       Node* node = nth(model, place);
       const std::string before = node->label;
       const std::string number = std::to_string(step);
@@ -172,29 +180,28 @@ TEST_F(Manipulators, SelfCollisionIsWhatTheMapSays) {
   Arm arm = trees::randomManipulator(6);
   arm.buildSelfCollisionLinkMap();
   const KtU32 n = arm.jointDof();
-  const auto index = [n](KtU32 i) { return i < n ? i : ktBaseIndex; };
-  KtLogCapture log;
-  for (KtU32 i = 0; i <= n; ++i) {
-    for (KtU32 j = 0; j <= n; ++j) EXPECT_FALSE(arm.canCollide(index(i), index(j)));
-  }
-  KtManipulatorSelfCollisionLinkMap map = arm.selfCollisionLinkMap();
-  map.setAllAsCollisionCandidates();
   const std::string off = arm.linkByIndex(2)->label();
-  map.setLinkCollisionCanditateByIdentifier(off, "base", false);
-  arm.setSelfCollisionLinkMap(map);
-  for (KtU32 i = 0; i <= n; ++i) {
-    for (KtU32 j = 0; j <= n; ++j) {
-      const bool excluded = (i == 2 && j == n) || (i == n && j == 2);
-      EXPECT_EQ(arm.canCollide(index(i), index(j)), i != j && !excluded) << i << ", " << j;
+  KtLogCapture log;
+  for (const bool candidates : {false, true}) {
+    for (KtU32 i = 0; i <= n; ++i) {
+      for (KtU32 j = 0; j <= n; ++j) {
+        const bool excluded = std::min(i, j) == 2 && std::max(i, j) == n;
+        EXPECT_EQ(arm.canCollide(i < n ? i : ktBaseIndex, j < n ? j : ktBaseIndex),
+                  candidates && i != j && !excluded)
+            << i << ", " << j;
+      }
     }
+    KtManipulatorSelfCollisionLinkMap map = arm.selfCollisionLinkMap();
+    map.setAllAsCollisionCandidates();
+    map.setLinkCollisionCanditateByIdentifier(off, "base", false);
+    arm.setSelfCollisionLinkMap(map);
   }
   EXPECT_EQ(log.text(), "");
   EXPECT_FALSE(arm.canCollide(n + 1, 0));
   EXPECT_EQ(log.text(),
             "KtIndividualManipulator::canCollide(): indices (7,0) out of range.  Returning "
             "False.\n");
-  KtU32 low = 3;
-  KtU32 base = ktBaseIndex;
+  KtU32 low = 3, base = ktBaseIndex;
   EXPECT_TRUE(arm.makeIndicesCompatible(low, base));
   EXPECT_EQ(low, ktBaseIndex);
   EXPECT_EQ(base, 3U);
@@ -202,17 +209,16 @@ TEST_F(Manipulators, SelfCollisionIsWhatTheMapSays) {
 
 // Two links of equal balls and one of a box, in a chain.
 Arm armWithTwins() {
-  Link a = trees::randomLink("a");
-  Link b = trees::randomLink("b");
-  Link c = trees::randomLink("c");
-  a.setShape(KtSphereShape());
-  b.setShape(KtBoxShape());
-  c.setShape(KtSphereShape());
+  const KtSphereShape ball;
+  const KtBoxShape box;
+  const KtShape* const shapes[] = {&ball, &box, &ball};
   Arm arm;
   arm.setLabel("arm");
-  arm.addLinkToEndOfChain(a);
-  arm.addLinkToEndOfChain(b);
-  arm.addLinkToEndOfChain(c);
+  for (std::size_t i = 0; i < 3; ++i) {
+    Link link = trees::randomLink(std::string(1, "abc"[i]));
+    link.setShape(*shapes[i]);
+    arm.addLinkToEndOfChain(link);
+  }
   return arm;
 }
 
@@ -238,18 +244,14 @@ TEST_F(Manipulators, LinksShareEqualShapesUntilOneChanges) {
   ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(arm), read));
   EXPECT_EQ(read, arm);
   EXPECT_EQ(&read.linkByIndex(2)->shapeContainer(), &read.linkByIndex(0)->shapeContainer());
-  // Before the target goes, the other gets shapes of its own.
-  EXPECT_TRUE(arm.replaceLinkAndChildren("a", [] {
-    Link link = trees::randomLink("a");
-    Link child = trees::randomLink("c");
-    KtLinkReferenceDescription description;
-    description.setIsShapeReferenced(true);
-    description.setReferencedLinkLabel("a");
-    child.setLinkReferenceDescription(description);
-    link.addChild(child);
-    return link;
-  }()));
+  // A link that refers to a part of what replaces it has no shape.
+  Link replacement = trees::randomLink("a");
+  Link child = trees::randomLink("c");
+  child.setLinkReferenceDescription(c.linkReferenceDescription());
+  replacement.addChild(child);
+  EXPECT_TRUE(arm.replaceLinkAndChildren("a", replacement));
   EXPECT_EQ(arm.linkByIndex(1)->shapeContainer().topElement(), nullptr);
+  // Before the target changes, the other gets shapes of its own.
   EXPECT_TRUE(read.aboutToModifyLink("a"));
   EXPECT_FALSE(read.linkByIndex(2)->linkReferenceDescription().isShapeReferenced());
   EXPECT_EQ(read.linkByIndex(2)->linkReferenceDescription().referencedLinkLabel(), "a");
@@ -288,45 +290,16 @@ TEST_F(Manipulators, BadReferencesFallBackToTheLinkItself) {
   EXPECT_EQ(arm.linkByIndex(2)->memberShapeContainer(), arm.linkByIndex(1)->memberShapeContainer());
 }
 
-TEST_F(Manipulators, ManipulatorsStandForOthers) {
-  KtXmlVectorType<Arm> all;
-  all.pushBack(trees::randomManipulator(4));
-  Arm stand;
-  stand.setLabel("stand");
-  KtManipulatorReferenceDescription description;
-  description.setIsManipulatorReferenced(true);
-  description.setReferencedManipulatorLabel("base");
-  stand.setManipulatorReferenceDescription(description);
-  all.pushBack(stand);
-  EXPECT_FALSE(all[0].configureManipulatorReference(all));
-  EXPECT_TRUE(all[1].configureManipulatorReference(all));
-  EXPECT_EQ(all[1].jointDof(), 4U);
-  EXPECT_EQ(&all[1].childLinks(), &all[0].childLinks());
-  EXPECT_EQ(all[1].linkByIndex(2), all[0].linkByIndex(2));
-  EXPECT_EQ(all[1].linkByIndex(ktBaseIndex), &all[1]);
-  EXPECT_EQ(all[1].linkByIdentifier("stand"), &all[0]);
-  const Arm copy = all[1];
-  EXPECT_EQ(copy.referenceManipulator(), &copy);
-  EXPECT_EQ(copy.jointDof(), 0U);
-  // In a circle one stands for itself.
-  description.setReferencedManipulatorLabel("stand");
-  all[0].setManipulatorReferenceDescription(description);
-  EXPECT_TRUE(all[1].configureManipulatorReference(all));
-  EXPECT_FALSE(all[0].configureManipulatorReference(all));
-  EXPECT_EQ(all[0].referenceManipulator(), &all[0]);
-  EXPECT_EQ(&all[1].childLinks(), &all[0].childLinks());
-}
-
 TEST_F(Manipulators, PrimaryFramesBecomeTheIdentityAroundTheSameBodies) {
   Arm arm = armWithTwins();
-  arm.setLinkReferenceDescription(arm.linkReferenceDescription());
   arm.replaceLinkPrimaryFrame("c", arm.linkByIndex(0)->primaryFrame());
   arm.findAndConvertToReferences();
   std::vector<KtRigidBodyMassProperties> before;
   for (KtU32 i = 0; i < 3; ++i) before.push_back(arm.linkByIndex(i)->massPropertiesInDHFrame());
-  const KtVector point =
-      arm.linkByIndex(2)->primaryFrame() *
-      arm.linkByIndex(2)->shapeByIndex(0)->boundingCapsule().lineSegment().endpoint0();
+  const auto center = [&arm] {
+    return arm.linkByIndex(2)->shapeByIndex(0)->boundingCapsule().lineSegment().endpoint0();
+  };
+  const KtVector point = arm.linkByIndex(2)->primaryFrame() * center();
   EXPECT_TRUE(arm.transformAllPrimaryFramesToIdentity());
   for (KtU32 i = 0; i < 3; ++i) {
     EXPECT_EQ(arm.linkByIndex(i)->primaryFrame(), T());
@@ -335,33 +308,7 @@ TEST_F(Manipulators, PrimaryFramesBecomeTheIdentityAroundTheSameBodies) {
     link->updateDHMassProperties();
     EXPECT_TRUE(arm.linkByIndex(i)->massPropertiesInDHFrame().approxEq(before[i], 1e-12)) << i;
   }
-  EXPECT_TRUE(
-      arm.linkByIndex(2)->shapeByIndex(0)->boundingCapsule().lineSegment().endpoint0().approxEq(
-          point, 1e-12));
-}
-
-TEST_F(Manipulators, CraigParametersAreCollected) {
-  Arm arm;
-  const auto add = [&arm](unsigned type, const T& precursor) {
-    KtDenavitHartenberg joint;
-    joint.setDhType(type);
-    joint.setPrecursor(precursor);
-    joint.setDhA(1.0);
-    joint.setDhAlpha(2.0);
-    joint.setDhD(3.0);
-    Link link;
-    link.setLinkKinematics(joint);
-    arm.addLinkToEndOfChain(link);
-  };
-  add(KtDenavitHartenberg::kCraig, randomTransformation());
-  add(KtDenavitHartenberg::kGeneralCraig, T());
-  add(KtDenavitHartenberg::kGeneralCraig, randomTransformation());
-  std::vector<double> parameters = {9.0};
-  EXPECT_TRUE(arm.getCraigDhParameters(parameters));
-  EXPECT_THAT(parameters, ElementsAre(1.0, 2.0, 3.0, 1.0, 2.0, 3.0));
-  add(KtDenavitHartenberg::kPaul, T());
-  EXPECT_FALSE(arm.getCraigDhParameters(parameters));
-  EXPECT_EQ(parameters.size(), 6U);
+  EXPECT_TRUE(center().approxEq(point, 1e-12));
 }
 
 TEST_F(Manipulators, BoundingVolumesGoAroundOwnShapes) {
@@ -378,17 +325,15 @@ TEST_F(Manipulators, BoundingVolumesGoAroundOwnShapes) {
   data.add("grip", 2.0);
   Arm simple = arm;
   simple.simplifyLinkShapesWithCapsules(data);
-  const KtShape* shape = simple.linkByIndex(1)->shapeByIndex(0);
-  ASSERT_NE(shape, nullptr);
-  EXPECT_EQ(shape->shapeType(), KtShape::kCapsule);
+  EXPECT_EQ(simple.linkByIndex(1)->shapeByIndex(0)->shapeType(), KtShape::kCapsule);
   const KtDataMap* found = nullptr;
   EXPECT_TRUE(simple.linkByIndex(1)->lookup("Bounding", found));
   EXPECT_EQ(*found, data);
-  Arm hulls = arm;
-  hulls.deleteAllBoundingVolumes();
-  Arm empty = hulls;
-  hulls.simplifyLinkShapesWithConvexHulls(data);
-  EXPECT_EQ(hulls.linkByIndex(1)->shapeByIndex(0)->shapeType(), KtShape::kConvexHull);
+  simple = arm;
+  simple.deleteAllBoundingVolumes();
+  Arm empty = simple;
+  simple.simplifyLinkShapesWithConvexHulls(data);
+  EXPECT_EQ(simple.linkByIndex(1)->shapeByIndex(0)->shapeType(), KtShape::kConvexHull);
   empty.simplifyLinkShapesWithBoundingVolumes(data, false);
   EXPECT_EQ(empty.linkByIndex(1)->numShapes(), 0U);
   // One volume of the caller's choice, with the contact properties of what it bounds.
@@ -404,7 +349,6 @@ TEST_F(Manipulators, BoundingVolumesGoAroundOwnShapes) {
   ASSERT_NE(volume, nullptr);
   EXPECT_EQ(volume->shapeType(), KtShape::kSphere);
   double value = 0.0;
-  ASSERT_NE(volume->defaultSurface(), nullptr);
   EXPECT_TRUE(volume->defaultSurface()->lookup(spring, value));
   EXPECT_EQ(value, 500.0);
   EXPECT_EQ(arm.linkByIndex(1)->numberOfShapes(), 2U);
@@ -424,26 +368,6 @@ TEST_F(Manipulators, LinksBecomeManipulators) {
   EXPECT_EQ(arm.coordSysXForm(), T());
   EXPECT_EQ(arm.jointDof(), 5U);
   EXPECT_GE(arm.absoluteBoundingSphere().radius(), KtSphereShape().boundingCapsule().radius());
-  // A step in time, with limits.
-  arm.setJointLimit(arm.linkByIndex(1)->label(), false, 0.05);
-  KtPositionState position;
-  position.jointPositions().assign(5, 0.0);
-  KtVelocityState velocity;
-  velocity.jointVelocities().assign(5, 1.0);
-  velocity.setGeneralVelocity({{1.0, 0.0, 0.0}, {0.0, 0.0, std::numbers::pi}});
-  KtPropagationResultData result;
-  arm.propagateState(velocity, 0.5, position, result);
-  EXPECT_EQ(position.jointPositions()[0], 0.5);
-  EXPECT_EQ(position.jointPositions()[1], 0.05);
-  EXPECT_TRUE(result.hitJointLimit());
-  EXPECT_EQ(result.linkIndexAtJointLimit(), 1U);
-  EXPECT_TRUE(position.coordSysXForm().approxEq(
-      T({0.5, 0.0, 0.0}, KtOrientation::zRotation(std::numbers::pi / 2)), 1e-15));
-  KtAccelerationState acceleration;
-  acceleration.resize(5);
-  acceleration.jointAccelerations()[2] = 4.0;
-  arm.propagateVelocityState(acceleration, 0.5, velocity);
-  EXPECT_EQ(velocity.jointVelocities()[2], 3.0);
 }
 
 }  // namespace

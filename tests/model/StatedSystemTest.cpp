@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/States.h"
 #include "support/Trees.h"
 
 namespace {
@@ -16,23 +16,15 @@ using namespace sampling;
 using StatedSystems = Seeded;
 
 Arm armOf(const std::string& label, int links) {
-  Arm arm = trees::randomManipulator(links);
-  arm.changeLinkLabel("base", label);
-  return arm;
+  return trees::randomManipulator(links, label);
 }
 
 KtPositionState at(const std::vector<double>& q) {
-  KtPositionState state;
-  state.setCoordSysXForm(randomTransformation());
-  for (const double x : q) state.jointPositions().pushBack(x);
-  return state;
+  return states::at(states::joints(q));
 }
 
 KtVelocityState moving(const std::vector<double>& q) {
-  KtVelocityState state;
-  state.setGeneralVelocity(randomMotion());
-  for (const double x : q) state.jointVelocities().pushBack(x);
-  return state;
+  return states::moving(states::joints(q));
 }
 
 Stated twoArms() {
@@ -42,60 +34,49 @@ Stated twoArms() {
   return stated;
 }
 
-std::vector<double> valuesOf(const KtPositionState::JointVector& list) {
-  return {list.vectorContainer().begin(), list.vectorContainer().end()};
-}
-
 std::vector<double> positionsOf(const Stated& stated, KtU32 index) {
-  return valuesOf(stated.state().positionStates()[index].jointPositions());
+  return states::valuesOf(stated.state().positionStates()[index].jointPositions());
 }
 
 std::vector<double> velocitiesOf(const Stated& stated, KtU32 index) {
-  return valuesOf(stated.state().velocityStates()[index].jointVelocities());
+  return states::valuesOf(stated.state().velocityStates()[index].jointVelocities());
 }
 
 // Every change through one of several sharers, against what the others held before. In any order of
 // destruction.
 TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
-  const std::vector<std::pair<const char*, std::function<void(Stated&)>>> changes{
-      {"mergeWith", [](Stated& s) { s.mergeWith(Stated(s)); }},
-      {"mergeWith itself", [](Stated& s) { s.mergeWith(s); }},
-      {"setSystem", [](Stated& s) { s.setSystem(Stated::m_theNullSystem); }},
-      {"setAndDeleteSystemPointer",
-       [](Stated& s) { s.setAndDeleteSystemPointer(new KtManipulatorSystem); }},
-      {"setFromSystem", [](Stated& s) { s.setFromSystem(KtManipulatorSystem()); }},
-      {"setFromManipulator", [](Stated& s) { s.setFromManipulator(s.system().manipulators()[1]); }},
-      {"clearAndInitialize", [](Stated& s) { s.clearAndInitializeForOneManipulator(); }},
-      {"addManipulator", [](Stated& s) { s.addManipulator(s.system().manipulators()[0]); }},
-      {"addManipulator with a state",
-       [](Stated& s) {
-         s.addManipulator(s.system().manipulators()[0], s.state().positionStates()[0],
-                          s.state().velocityStates()[0]);
-       }},
-      {"exchangeManipulator",
-       [](Stated& s) {
-         s.exchangeManipulator(1, s.system().manipulators()[0], s.state().positionStates()[0],
-                               s.state().velocityStates()[0]);
-       }},
-      {"addShapeAsManipulator",
-       [](Stated& s) { s.addShapeAsManipulator(KtSphereShape(), T(), "ball", {}); }},
-      {"deleteManipulator", [](Stated& s) { s.deleteManipulator(0); }},
-      {"deleteManipulator by its label",
-       [](Stated& s) { s.deleteManipulator(s.system().manipulators()[1].label()); }},
-      {"setEnvironment",
-       [](Stated& s) {
-         KtSystemEnvironment environment;
-         environment.setUpGravityVector({0.0, 0.0, 9.81});
-         s.setEnvironment(environment);
-       }},
-      {"scaleManipulatorBy", [](Stated& s) { s.scaleManipulatorBy(0, 2.0); }},
-      {"setJointLimit", [](Stated& s) { s.setJointLimit(0, "link1", true, -0.625); }},
-      {"replaceLinkProperties",
-       [](Stated& s) { s.replaceLinkProperties(0, "link1", KtManipulatorLink(), true); }},
-      {"read", [](Stated& s) { KtXmlReader::readString(KtXmlWriter::writeString(Stated()), s); }},
-      {"assignment", [](Stated& s) { s = Stated(); }}};
-  for (const auto& [name, change] : changes) {
-    SCOPED_TRACE(name);
+  const std::vector<std::function<void(Stated&)>> changes{
+      [](Stated& s) { s.mergeWith(Stated(s)); },
+      [](Stated& s) { s.mergeWith(s); },
+      [](Stated& s) { s.setSystem(Stated::m_theNullSystem); },
+      [](Stated& s) { s.setAndDeleteSystemPointer(new KtManipulatorSystem); },
+      [](Stated& s) { s.setFromSystem(KtManipulatorSystem()); },
+      [](Stated& s) { s.setFromManipulator(s.system().manipulators()[1]); },
+      [](Stated& s) { s.clearAndInitializeForOneManipulator(); },
+      [](Stated& s) { s.addManipulator(s.system().manipulators()[0]); },
+      [](Stated& s) {
+        s.addManipulator(s.system().manipulators()[0], s.state().positionStates()[0],
+                         s.state().velocityStates()[0]);
+      },
+      [](Stated& s) {
+        s.exchangeManipulator(1, s.system().manipulators()[0], s.state().positionStates()[0],
+                              s.state().velocityStates()[0]);
+      },
+      [](Stated& s) { s.addShapeAsManipulator(KtSphereShape(), T(), "ball", {}); },
+      [](Stated& s) { s.deleteManipulator(0); },
+      [](Stated& s) { s.deleteManipulator(s.system().manipulators()[1].label()); },
+      [](Stated& s) {
+        KtSystemEnvironment environment;
+        environment.setUpGravityVector({0.0, 0.0, 9.81});
+        s.setEnvironment(environment);
+      },
+      [](Stated& s) { s.scaleManipulatorBy(0, 2.0); },
+      [](Stated& s) { s.setJointLimit(0, "link1", true, -0.625); },
+      [](Stated& s) { s.replaceLinkProperties(0, "link1", KtManipulatorLink(), true); },
+      [](Stated& s) { KtXmlReader::readString(KtXmlWriter::writeString(Stated()), s); },
+      [](Stated& s) { s = Stated(); }};
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    SCOPED_TRACE(i);
     for (int order = 0; order < 4; ++order) {
       auto first = std::make_unique<Stated>(twoArms());
       if (order % 2 == 1) KtXmlWriter::writeString(*first);  // makes its table of components
@@ -108,7 +89,7 @@ TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
       EXPECT_EQ(&second->system(), &first->system());
       EXPECT_EQ(&third->system(), &first->system());
       (order < 2 ? first : second)->resetIsSystemModified();
-      change(order < 2 ? *first : *second);
+      changes[i](order < 2 ? *first : *second);
       const Stated& changed = order < 2 ? *first : *second;
       const Stated& kept = order < 2 ? *second : *first;
       EXPECT_NE(&changed.system(), &kept.system());
@@ -222,11 +203,7 @@ TEST_F(StatedSystems, MidpointIsHalfwayBetweenTheLimits) {
   arm.setJointLimit("link1", true, -1.0);
   arm.setJointLimit("link1", false, 3.0);
   Stated stated;
-  stated.setFromManipulator(arm);
-  EXPECT_EQ(positionsOf(stated, 0), std::vector{1.0});
-  Arm& built = stated.clearAndInitializeForOneManipulator();
-  EXPECT_EQ(&built, &stated.system().manipulators()[0]);
-  built = arm;
+  stated.clearAndInitializeForOneManipulator() = arm;
   stated.finalizeOneManipulator();
   EXPECT_EQ(positionsOf(stated, 0), std::vector{1.0});
   stated.addCompatibleState();
@@ -318,24 +295,19 @@ TEST_F(StatedSystems, WrongStatesInFilesAreRepaired) {
 
 TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
   KtSphereShape ball;
-  KtSurfaceMap surfaces;
   KtDataMap data;
   data.add("ktDiffuseAlpha", 0.25);
-  surfaces.add(std::string("0"), data);
-  ball.setSurfaces(surfaces);
+  ball.setSurfaces({std::string("0"), data});
   ball.setSurfaceLabel("0");
   KtManipulatorLink link;
-  link.setLabel("link");
   link.setShape(ball);
   Arm arm;
   arm.addLinkToEndOfChain(link);
   Stated stated;
   stated.addManipulator(arm);
-  EXPECT_EQ(
-      stated.addShapeAsManipulator(ball, T(KtVector(1.0, 2.0, 3.0), KtOrientation()), "ball", data),
-      1U);
-  EXPECT_EQ(stated.state().positionStates()[1].coordSysXForm().translation(),
-            KtVector(1.0, 2.0, 3.0));
+  const T place(KtVector(1.0, 2.0, 3.0));
+  EXPECT_EQ(stated.addShapeAsManipulator(ball, place, "ball", data), 1U);
+  EXPECT_EQ(stated.state().positionStates()[1].coordSysXForm(), place);
   const Stated sharer(stated);
   for (const KtShapeStateCacheKey& bad : {KtShapeStateCacheKey(2, 0, 0), {0, 1, 0}, {0, 0, 1}}) {
     const KtLogCapture log;
@@ -371,15 +343,13 @@ TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
 
 TEST_F(StatedSystems, ModificationIsRemembered) {
   Stated stated;
-  EXPECT_FALSE(stated.isSystemModified());
   stated.setState({});
   EXPECT_FALSE(stated.isSystemModified());
   stated.aboutToModifySystem();
   EXPECT_TRUE(stated.isSystemModified());
-  const Stated& constant = stated;
-  constant.resetIsSystemModified();
+  std::as_const(stated).resetIsSystemModified();
   EXPECT_FALSE(stated.isSystemModified());
-  KtXmlWriter::writeString(constant);
+  KtXmlWriter::writeString(stated);
   EXPECT_TRUE(stated.isSystemModified()) << "the first write sees to a system of its own";
   EXPECT_EQ(stated, Stated()) << "a missing system is an empty one";
 }

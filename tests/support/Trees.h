@@ -49,11 +49,11 @@ inline KtManipulatorLink randomTree(const std::string& prefix, int count, int& n
 }
 
 /// A manipulator with `count` links.
-inline KtIndividualManipulator randomManipulator(int count) {
+inline KtIndividualManipulator randomManipulator(int count, const std::string& label = "base") {
   int next = 0;
   KtIndividualManipulator manipulator;
   const KtManipulatorLink top = randomTree("link", count, next);
-  manipulator.setLabel("base");
+  manipulator.setLabel(label);
   manipulator.setMassProperties(top.massProperties());
   manipulator.setChildLinks(top.childLinks());
   return manipulator;
