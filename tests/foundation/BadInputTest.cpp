@@ -50,19 +50,16 @@ TEST(BadInput, RandomDamageIsSurvived) {
       std::string damaged = text;
       for (int i = 0; i < 3; ++i) {
         const std::size_t at = random() % damaged.size();
-        switch (random() % 4) {
+        switch (random() % 3) {
           case 0:
-            damaged[at] = static_cast<char>(random());
-            break;
-          case 1:
             damaged.erase(at, random() % 20);
             break;
-          case 2:
+          case 1:
             damaged.insert(at, damaged.substr(random() % damaged.size(), 15));
             break;
           default:
-            damaged[at] = "<>/\"0 &;"[random() % 8];
-            break;
+            damaged[at] =
+                random() % 2 == 0 ? static_cast<char>(random()) : "<>/\"0 &;"[random() % 8];
         }
         if (damaged.empty()) damaged = "x";
       }
@@ -132,42 +129,37 @@ TEST(BadInput, CountsThatLieSetNoMemoryAside) {
 }
 
 TEST(BadInput, ValuesThatAreNoneKeepWhatWasThere) {
-  struct Row {
-    const char *text, *message;
-  };
-  for (const Row& row : {
-           Row{"<sampleNode>\n\n<weight>1.5x</weight></sampleNode>",
-               "text:3: \"1.5x\" is not a number"},
-           Row{"<sampleNode><weight></weight></sampleNode>", "\"\" is not a number"},
-           Row{"<sampleNode><weight/></sampleNode>", "\"\" is not a number"},
-           Row{"<sampleNode><weight>0x10</weight></sampleNode>", "\"0x10\" is not a number"},
-           Row{"<sampleNode><weight>1,5</weight></sampleNode>", "\"1,5\" is not a number"},
-           Row{"<sampleNode><weight>nan</weight></sampleNode>", "\"nan\" is not a number"},
-           Row{"<sampleNode><weight>1<b/>2</weight></sampleNode>", "<b> stands in a text"},
-           Row{"<sampleNode kind='-1'/>", "\"-1\" is not an unsigned integer"},
-           Row{"<sampleNode kind='4294967296'/>", "\"4294967296\" is not an unsigned"},
-           Row{"<sampleNode sort='1'/>", "\"sort\" is not an attribute of sampleNode"},
-           Row{"<sampleNode><mode>flying</mode></sampleNode>",
-               "\"flying\" is none of: idle, running"},
-           Row{"<sampleNode><wieght>1</wieght></sampleNode>",
-               "<wieght> is not an element of sampleNode"},
-           Row{"<sampleNode>stray<weight>3</weight></sampleNode>", "text where elements"},
-           Row{"<sampleNode><motion><linear>1 2</linear></motion></sampleNode>",
-               "expected 3 numbers but received 2"},
-           Row{"<sampleNode><motion><linear>1 2 3 4</linear></motion></sampleNode>",
-               "expected 3 numbers but received 4"},
-           Row{"<sampleNode><motion><angle>1</angle></motion></sampleNode>",
-               "<angle> is not an element of generalVelocity"},
-           Row{"<otherNode/>", "expected the root element <sampleNode> but received <otherNode>"},
-           Row{"<sampleNode/><more/>", "text:1: junk after document element"},
-       }) {
-    SCOPED_TRACE(row.text);
+  using Row = std::pair<std::string, std::string>;
+  std::vector<Row> rows = {
+      {"<sampleNode>\n\n<weight>1.5x</weight></sampleNode>", "text:3: \"1.5x\" is not a number"},
+      {"<otherNode/>", "expected the root element <sampleNode> but received <otherNode>"},
+      {"<sampleNode/><more/>", "text:1: junk after document element"},
+      {"<sampleNode kind='-1'/>", "\"-1\" is not an unsigned integer"},
+      {"<sampleNode kind='4294967296'/>", "\"4294967296\" is not an unsigned"},
+      {"<sampleNode sort='1'/>", "\"sort\" is not an attribute of sampleNode"}};
+  for (const std::string number : {"", "0x10", "1,5", "nan"}) {
+    rows.emplace_back("<sampleNode><weight>" + number + "</weight></sampleNode>",
+                      "\"" + number + "\" is not a number");
+  }
+  for (const auto& [content, message] : std::vector<Row>{
+           {"<weight/>", "\"\" is not a number"},
+           {"<weight>1<b/>2</weight>", "<b> stands in a text"},
+           {"<mode>flying</mode>", "\"flying\" is none of: idle, running"},
+           {"<wieght>1</wieght>", "<wieght> is not an element of sampleNode"},
+           {"stray<weight>3</weight>", "text where elements"},
+           {"<motion><linear>1 2</linear></motion>", "expected 3 numbers but received 2"},
+           {"<motion><linear>1 2 3 4</linear></motion>", "expected 3 numbers but received 4"},
+           {"<motion><angle>1</angle></motion>", "<angle> is not an element of generalVelocity"}}) {
+    rows.emplace_back("<sampleNode>" + content + "</sampleNode>", message);
+  }
+  for (const auto& [text, message] : rows) {
+    SCOPED_TRACE(text);
     const KtLogCapture log;
     SampleNode node;
     node.weight = 3.0;
     node.kind = 2U;
-    EXPECT_FALSE(KtXmlReader::readString(row.text, node));
-    EXPECT_TRUE(log.contains(row.message)) << log.text();
+    EXPECT_FALSE(KtXmlReader::readString(text, node));
+    EXPECT_TRUE(log.contains(message)) << log.text();
     EXPECT_EQ(node.weight, 3.0);
     EXPECT_EQ(node.kind, 2U);
     EXPECT_EQ(node.motion, KtGeneralMotion());
@@ -204,32 +196,27 @@ TEST(BadInput, NestingHasALimit) {
 }
 
 TEST(BadInput, EntitiesAndEncodings) {
-  const auto read = [](const std::string& text, std::string& message) {
-    const KtLogCapture log;
-    KtXmlBasicType<std::string> value(std::string("kept"));
-    KtXmlReader::readString(text, value);
-    message = log.text();
-    return value.value();
-  };
-  std::string message;
-  const std::string bomb =
-      "<!DOCTYPE basic [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>"
-      "<!ENTITY c SYSTEM 'file:///etc/passwd'>]><basic>&b;&c;</basic>";
-  EXPECT_EQ(read(bomb, message), "kept");
-  EXPECT_THAT(message, testing::HasSubstr("a document type declaration is not accepted"));
-  EXPECT_EQ(read("<basic>&undefined;</basic>", message), "kept");
-  EXPECT_THAT(message, testing::HasSubstr("undefined entity"));
-  EXPECT_EQ(read("<?xml version='1.0' encoding='EBCDIC'?><basic>x</basic>", message), "kept");
-  EXPECT_THAT(message, testing::HasSubstr("encoding"));
-  EXPECT_EQ(read("<basic>caf\xE9</basic>", message), "kept");
-  EXPECT_THAT(message, testing::HasSubstr("not well-formed"));
-  EXPECT_EQ(read("<?xml version='1.0' encoding='ISO-8859-1'?><basic>caf\xE9</basic>", message),
-            "caf\xC3\xA9");
   std::string wide = "\xFE\xFF";
   for (const char c : std::string("<basic>wide</basic>")) wide += std::string(1, '\0') + c;
-  EXPECT_EQ(read(wide, message), "wide");
-  EXPECT_EQ(message, "");
-  EXPECT_EQ(read("\xEF\xBB\xBF<basic><![CDATA[<&]]></basic>", message), "<&");
+  const struct {
+    std::string text, value, message;
+  } rows[] = {
+      {"<!DOCTYPE basic [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>"
+       "<!ENTITY c SYSTEM 'file:///etc/passwd'>]><basic>&b;&c;</basic>",
+       "kept", "a document type declaration is not accepted"},
+      {"<basic>&undefined;</basic>", "kept", "undefined entity"},
+      {"<?xml version='1.0' encoding='EBCDIC'?><basic>x</basic>", "kept", "encoding"},
+      {"<basic>caf\xE9</basic>", "kept", "not well-formed"},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><basic>caf\xE9</basic>", "caf\xC3\xA9", ""},
+      {"\xEF\xBB\xBF<basic><![CDATA[<&]]></basic>", "<&", ""},
+      {wide, "wide", ""}};
+  for (const auto& row : rows) {
+    const KtLogCapture log;
+    KtXmlBasicType<std::string> value(std::string("kept"));
+    EXPECT_EQ(KtXmlReader::readString(row.text, value), row.message.empty());
+    EXPECT_EQ(value, row.value);
+    EXPECT_TRUE(row.message.empty() ? log.text().empty() : log.contains(row.message)) << log.text();
+  }
 }
 
 TEST(BadInput, DocumentsThatCantBeRead) {

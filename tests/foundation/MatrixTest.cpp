@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <numeric>
 
 #include "ktManipulator/foundation/matrix/KtReArray.h"
 #include "ktManipulator/foundation/matrix/KtSecondMoment.h"
@@ -91,12 +92,10 @@ TEST_F(ReArray, ProductsAgreeWithPlainLoopsAtAllShapes) {
         a.overconstrainedNormal(out);
         EXPECT_LE(gap(out, times(transposed(a), a)), 10 * kEpsilon);
         EXPECT_EQ(out, out.transpose());
-        std::vector<double> column(inner);
-        for (KtU32 k = 0; columns > 0 && k < inner; ++k) column[k] = b[k][0];
-        const std::vector<double> result = a * column;
-        ASSERT_EQ(result.size(), rows);
-        for (KtU32 i = 0; columns > 0 && i < rows; ++i) {
-          EXPECT_NEAR(result[i], expected[i][0], 10 * kEpsilon);
+        const std::vector<double> sums = a * std::vector<double>(inner, 1.0);
+        ASSERT_EQ(sums.size(), rows);
+        for (KtU32 i = 0; i < rows; ++i) {
+          EXPECT_NEAR(sums[i], std::accumulate(a[i], a[i] + inner, 0.0), 10 * kEpsilon);
         }
       }
     }
@@ -336,31 +335,6 @@ TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   EXPECT_EQ(w, KtReArray());  // NOLINT(bugprone-use-after-move)
 }
 
-TEST_F(SpatialMatrix, CrossProductsAndRotationsActAsTheirVectorsDo) {
-  for (int trial = 0; trial < 20; ++trial) {
-    const KtSpatialMatrix m(randomVector(), randomVector(), randomVector());
-    const KtVector v = randomVector();
-    const KtVector u = randomVector();
-    const KtOrientation r = randomOrientation();
-    const KtSpatialMatrix cross = KtSpatialMatrix::crossProductMatrix(v);
-    EXPECT_TRUE((cross * u).approxEq(v.cross(u), 1e-15));
-    KtSpatialMatrix left = m;
-    left.multiplyOnLeftByCrossProductMatrix(v);
-    EXPECT_TRUE((left * u).approxEq(v.cross(m * u), 1e-14));
-    KtSpatialMatrix right = m;
-    right.multiplyOnRightByCrossProductMatrix(v);
-    EXPECT_TRUE((right * u).approxEq(m * v.cross(u), 1e-14));
-    EXPECT_TRUE(((m * cross.transpose() - right * -1.0) * u).approxEq({}, 1e-14));
-    KtSpatialMatrix dcm;
-    dcm.setToDcm(r);
-    EXPECT_TRUE((dcm * u).approxEq(r * u, 1e-14));
-    KtSpatialMatrix turned = m;
-    turned.transformBy(r);
-    EXPECT_TRUE((turned * u).approxEq(r * (m * (r.inverse() * u)), 1e-14));
-    EXPECT_NEAR((m.transpose() * u).dot(v), u.dot(m * v), 1e-14);
-  }
-}
-
 TEST_F(SpatialMatrix, FactorAndInverseOfPositiveMatrices) {
   for (int trial = 0; trial < 20; ++trial) {
     const KtSpatialMatrix a(randomVector(), randomVector(), randomVector());
@@ -427,20 +401,6 @@ TEST_F(SecondMoment, PrincipalOrientationMakesItDiagonal) {
     j.principalOrientation(r);
     EXPECT_EQ(r, KtOrientation());
   }
-}
-
-TEST_F(SecondMoment, TurnsAndMultipliesAsItsMatrixDoes) {
-  const KtSecondMoment j = cloud();
-  const KtOrientation r = randomOrientation();
-  KtSecondMoment turned = j;
-  turned.transformBy(r);
-  KtSpatialMatrix matrix = j.spatialMatrix();
-  EXPECT_TRUE((j * KtVector(1, 2, 3)).approxEq(matrix * KtVector(1, 2, 3), 1e-14));
-  matrix.transformBy(r);
-  KtSecondMoment back;
-  back.setFromSpatialMatrix(matrix);
-  EXPECT_TRUE(back.approxEq(turned, 1e-14));
-  EXPECT_FALSE(back.approxEq(turned + KtSecondMoment(0, 0, 0, 0, 0, 1e-12), 1e-14));
 }
 
 TEST_F(SecondMoment, BodiesAreValidAndImpossibleOnesAreNot) {

@@ -17,7 +17,6 @@ using namespace sampling;
 class Orientation : public Seeded {};
 class Transformation : public Seeded {};
 class MotionAndForce : public Seeded {};
-class BinaryForm : public Seeded {};
 class Line : public Seeded {};
 class Sphere : public Seeded {};
 
@@ -57,12 +56,10 @@ TEST_F(Orientation, RotatesAsRodriguesSays) {
     EXPECT_LE(backAngle, kPi + 1e-15);
     EXPECT_TRUE(rodrigues(backAngle, backAxis, v).approxEq(q * v, kTight));
   }
-  EXPECT_TRUE((KtOrientation::xRotation(kPi / 2) * KtVector::yVector(1.0))
-                  .approxEq(KtVector::zVector(1.0), kTight));
-  EXPECT_TRUE((KtOrientation::yRotation(kPi / 2) * KtVector::zVector(1.0))
-                  .approxEq(KtVector::xVector(1.0), kTight));
-  EXPECT_TRUE((KtOrientation::zRotation(kPi / 2) * KtVector::xVector(1.0))
-                  .approxEq(KtVector::yVector(1.0), kTight));
+  const KtVector x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
+  EXPECT_TRUE((KtOrientation::xRotation(kPi / 2) * y).approxEq(z, kTight));
+  EXPECT_TRUE((KtOrientation::yRotation(kPi / 2) * z).approxEq(x, kTight));
+  EXPECT_TRUE((KtOrientation::zRotation(kPi / 2) * x).approxEq(y, kTight));
   // A half turn about each axis is where a single formula for the columns fails.
   for (const KtOrientation& half : {KtOrientation(0, 1, 0, 0), KtOrientation(0, 0, 1, 0),
                                     KtOrientation(0, 0, 0, 1), KtOrientation()}) {
@@ -92,15 +89,12 @@ TEST_F(Transformation, ComposesTowardsTheOutboardEnd) {
     const auto b = randomTransformation();
     const KtVector v = randomVector();
     EXPECT_TRUE(((a * b) * v).approxEq(a * (b * v), kTight));
-    auto inPlace = a;
-    inPlace *= b;
-    EXPECT_EQ(inPlace, a * b);
     auto outboard = a;
     outboard.outboardTransformBy(b.translation(), b.orientation());
     EXPECT_EQ(outboard, a * b);
-    EXPECT_TRUE((a.inverse() * a).approxEq(KtCoordinateSystemTransformation::identity(), kTight));
     auto inverted = a;
     inverted.invert();
+    EXPECT_TRUE((inverted * a).approxEq({}, kTight));
     EXPECT_TRUE(inverted.approxEq(a.inverse(), kTight));
 
     KtCoordinateSystemTransformation t;
@@ -132,27 +126,20 @@ TEST_F(MotionAndForce, KeepTheirPowerInEveryFrame) {
     const auto x = randomTransformation();
     const KtGeneralMotion s = randomMotion();
     const KtGeneralForce f(randomVector(), randomVector());
-    KtGeneralMotion moved = s;
-    moved.transformBy(x);
-    KtGeneralForce movedForce = f;
-    movedForce.transformBy(x);
-    EXPECT_NEAR(power(moved, movedForce), power(s, f), kTight * 10);
-    EXPECT_EQ(x * s, moved);
-    EXPECT_EQ(x * f, movedForce);
-    moved.transformBy(x.inverse());
-    EXPECT_TRUE(moved.approxEq(s, kTight));
-    movedForce.transformBy(x.inverse());
-    EXPECT_TRUE(movedForce.approxEq(f, kTight));
-
-    // Rotation and translation apart give the whole.
-    KtGeneralMotion steps = s;
-    steps.transformBy(x.orientation());
-    steps.transformBy(x.translation());
-    EXPECT_TRUE(steps.approxEq(x * s, kTight));
-    KtGeneralForce forceSteps = f;
-    forceSteps.transformBy(x.orientation());
-    forceSteps.transformBy(x.translation());
-    EXPECT_TRUE(forceSteps.approxEq(x * f, kTight));
+    EXPECT_NEAR(power(x * s, x * f), power(s, f), kTight * 10);
+    const auto check = [&x](const auto& one) {
+      auto moved = one;
+      moved.transformBy(x);
+      EXPECT_EQ(x * one, moved);
+      moved.transformBy(x.inverse());
+      EXPECT_TRUE(moved.approxEq(one, kTight));
+      // Rotation and translation apart give the whole.
+      moved.transformBy(x.orientation());
+      moved.transformBy(x.translation());
+      EXPECT_TRUE(moved.approxEq(x * one, kTight));
+    };
+    check(s);
+    check(f);
   }
   // The velocity of a body's point by the rule for rigid bodies: v_B = v_A + omega x r.
   const KtGeneralMotion atA({1.0, 0.0, 0.0}, {0.0, 0.0, 2.0});
@@ -161,41 +148,17 @@ TEST_F(MotionAndForce, KeepTheirPowerInEveryFrame) {
 }
 
 TEST_F(MotionAndForce, AreIndexedLinearFirst) {
-  KtGeneralMotion m;
   KtGeneralForce f;
-  for (unsigned i = 0; i < 8; ++i) {
-    m.setScalarValue(i, i + 1.0);
-    f.setScalarValue(i, i + 1.0);
-  }
-  EXPECT_EQ(m, KtGeneralMotion({1, 2, 3}, {4, 5, 6}));
+  for (unsigned i = 0; i < 8; ++i) f.setScalarValue(i, i + 1.0);
   EXPECT_EQ(f, KtGeneralForce({1, 2, 3}, {4, 5, 6}));
-  EXPECT_EQ(m[4], 5.0);
   EXPECT_EQ(f[7], 0.0);
   KtReArray column;
   f.copyToArray(column);
-  KtGeneralMotion back;
-  back.copyFromArray(column);
-  EXPECT_EQ(back, m);
-  back.copyFromArray(KtReArray(5, 1));
-  EXPECT_EQ(back, m);
-  EXPECT_EQ(2.0 * m - m, m);
-  EXPECT_EQ(-f + f, KtGeneralForce());
-}
-
-TEST_F(BinaryForm, ComesBackAndRefusesACut) {
-  const auto t = randomTransformation();
-  const KtGeneralMotion m = randomMotion();
-  std::stringstream stream;
-  EXPECT_TRUE(t.writeBin(stream));
-  EXPECT_TRUE(m.writeBin(stream));
-  EXPECT_EQ(stream.str().size(), 13 * sizeof(double));
-  std::istringstream cut(stream.str().substr(0, 13 * sizeof(double) - 1));
-  KtCoordinateSystemTransformation readT;
-  KtGeneralMotion readM;
-  EXPECT_TRUE(readT.readBin(cut));
-  EXPECT_EQ(readT, t);
-  EXPECT_FALSE(readM.readBin(cut));
-  EXPECT_EQ(readM, KtGeneralMotion());
+  KtGeneralMotion m;
+  m.copyFromArray(column);
+  m.copyFromArray(KtReArray(5, 1));
+  EXPECT_EQ(m, KtGeneralMotion({1, 2, 3}, {4, 5, 6}));
+  EXPECT_EQ(m[4], 5.0);
 }
 
 TEST(Guards, KeepArithmeticFinite) {
@@ -246,10 +209,6 @@ TEST_F(Line, DistanceIsTheLeastOne) {
     EXPECT_NEAR(gap(s, t).magSquared(), squared, kTight);
     EXPECT_NEAR(gap(s, t).dot(a.unitVector()), 0.0, 1e-11);
     EXPECT_NEAR(gap(s, t).dot(b.unitVector()), 0.0, 1e-11);
-    const auto x = randomTransformation();
-    double s2 = 0.0;
-    double t2 = 0.0;
-    EXPECT_NEAR((x * a).distanceSquared(x * b, s2, t2), squared, 1e-13);
   }
   double s = 1.0;
   double t = 1.0;
