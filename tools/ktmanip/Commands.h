@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/App.hpp>
+#include <vector>
 
 /// @file
 /// The subcommands of ktmanip, one source each. Each function adds one to the application; where it
@@ -15,3 +16,8 @@ void addInspect(CLI::App& app, int& status);
 void addEvaluate(CLI::App& app, int& status);
 /// `ktmanip simulate`: carries a stated system on in time.
 void addSimulate(CLI::App& app, int& status);
+
+/// The option `--gravity X Y Z` of a subcommand: the acceleration upwards, m/s^2.
+///
+/// @param gravity  receives the three numbers; stays empty without the option
+void addGravityOption(CLI::App& command, std::vector<double>& gravity);

@@ -354,16 +354,7 @@ void addEvaluate(CLI::App& app, int& status) {
   auto arguments = std::make_shared<Arguments>();
   command->add_option("system", arguments->file, "the file of the system")->required();
   command->add_option("--manipulator", arguments->manipulator, "the only one, counted from 0");
-  command
-      ->add_option("--gravity", arguments->gravity,
-                   "acceleration upwards, as in files: 0 0 9.81 pulls along -z")
-      ->expected(3)
-      ->allow_extra_args(false)  // else it swallows the file
-      ->check([](const std::string& text) {
-        std::vector<double> value;
-        std::string wrong;
-        return readNumbers(text, " ", value, wrong) ? "" : '"' + text + "\" is not a number";
-      });
+  addGravityOption(*command, arguments->gravity);
   command->add_option("--q", arguments->q, "joint positions, like --q=0.1,-2");
   command->add_option("--qd", arguments->qd, "joint rates");
   command->add_option("--qdd", arguments->qdd,

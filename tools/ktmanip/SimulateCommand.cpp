@@ -65,11 +65,7 @@ void addSimulate(CLI::App& app, int& status) {
                    "how accelerations are found: articulated (fast), or composite, which honours "
                    "equality constraints (default: composite for manipulators that have some)")
       ->check(CLI::IsMember(kMethods));
-  command
-      ->add_option("--gravity", arguments->gravity,
-                   "acceleration upwards, as in files: 0 0 9.81 pulls along -z (default: the "
-                   "file's)")
-      ->expected(3);
+  addGravityOption(*command, arguments->gravity);
   command
       ->add_option("--limits", arguments->limits,
                    "what becomes of a joint's rate at a limit: keep (default, the library's step) "
