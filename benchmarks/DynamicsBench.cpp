@@ -33,7 +33,8 @@ namespace {
 
 constexpr std::size_t kPool = 256;  // so that nothing cached for an equal state can be of use
 constexpr std::size_t kChecked = 8;
-constexpr double kTolerance = 1e-8;  // relative
+constexpr std::size_t kCheckedTracks = 2;  // of steps: the reference takes long for them
+constexpr double kTolerance = 1e-8;        // relative
 constexpr int kRounds = 51;
 constexpr double kBlock = 3e-3;  // s
 
@@ -59,6 +60,8 @@ constexpr NamedOperation kOperations[] = {
     {Operation::kMassMatrix, "mass"},
     {Operation::kArticulatedDynamics, "fd-articulated"},
     {Operation::kMassMatrixDynamics, "fd-mass"},
+    {Operation::kArticulatedStep, "step-articulated"},
+    {Operation::kMassMatrixStep, "step-mass"},
 };
 
 struct NamedLibrary {
@@ -155,12 +158,14 @@ class Bench {
         if (check(mechanism, states, operation, columns)) {
           time(operation.operation, columns);
           print(rowName(mechanism, operation), columns);
+          if (isStep(operation.operation)) keepStepRates(rowName(mechanism, operation), columns);
         } else {
           allRight = false;
         }
       }
     }
     if (rows_ > 0) {
+      printStepRates();
       std::printf(
           "\nMedians of %d rounds; x: the library's time over the other's, the median of "
           "the ratios within\neach round. Largest relative difference from the reference: "
@@ -176,12 +181,13 @@ class Bench {
   bool check(const mechanisms::Mechanism& mechanism, const States& states,
              const NamedOperation& operation, const std::vector<Column>& columns) {
     double differences[kLibraryCount] = {};
-    for (std::size_t s = 0; s < kChecked; ++s) {
+    const bool steps = isStep(operation.operation);
+    for (std::size_t s = 0; s < (steps ? kCheckedTracks : kChecked); ++s) {
       const Numbers expected = referenceResult(mechanism, states[s], operation.operation);
       for (std::size_t i = 0; i < kLibraryCount; ++i) {
         Subject* subject = columns[i].subject;
         if (subject == nullptr) continue;
-        subject->run(operation.operation, s, 1);
+        subject->run(operation.operation, s, steps ? kStepsPerState : 1);
         const double difference =
             relativeDifference(subject->result(operation.operation, s), expected);
         differences[i] = std::max(differences[i], difference);
@@ -241,8 +247,27 @@ class Bench {
     std::fflush(stdout);
   }
 
+  void keepStepRates(const std::string& row, const std::vector<Column>& columns) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%-24s", row.c_str());
+    stepRates_ += text;
+    for (const Column& column : columns) {
+      const double rate = column.subject != nullptr ? 1.0 / median(column.times) : 0.0;
+      std::snprintf(text, sizeof text, " %12.0f", rate);
+      stepRates_ += rate > 0.0 ? text : "            -";
+    }
+    stepRates_ += "\n";
+  }
+  void printStepRates() const {
+    if (stepRates_.empty()) return;
+    std::printf("\n%-24s", "steps per second");
+    for (const NamedLibrary& library : kLibraries) std::printf(" %12s", library.name);
+    std::printf("\n%s", stepRates_.c_str());
+  }
+
   int rows_ = 0;
   double largestDifference_ = 0.0;
+  std::string stepRates_;  // a table of them
 };
 
 // Carries out one row's operation; answers false if there is no such row.

@@ -79,6 +79,15 @@ struct LibraryState {
 void append(Numbers& numbers, const KtVector& v) {
   numbers.insert(numbers.end(), {v.x, v.y, v.z});
 }
+// As a matrix, row by row.
+void append(Numbers& numbers, const KtOrientation& r) {
+  const KtVector x = r * KtVector(1.0, 0.0, 0.0);
+  const KtVector y = r * KtVector(0.0, 1.0, 0.0);
+  const KtVector z = r * KtVector(0.0, 0.0, 1.0);
+  append(numbers, KtVector(x.x, y.x, z.x));
+  append(numbers, KtVector(x.y, y.y, z.y));
+  append(numbers, KtVector(x.z, y.z, z.z));
+}
 
 class Library : public Subject {
  public:
@@ -94,6 +103,8 @@ class Library : public Subject {
     massMatrixTool_.setManipulator(&manipulator_);
     massMatrixTool_.setIsFixedBase(manipulator_.isFixedBase());
     external_.resize(manipulator_.jointDof());
+    gravity_.resize(manipulator_.jointDof());
+    gravity_.setGeneralAcceleration({system_.environment().upGravityVector(), KtVector()});
   }
 
   bool offers(Operation) const override { return true; }
@@ -136,6 +147,10 @@ class Library : public Subject {
           crbiTool_.acceleration(system_, manipulator_, s.position, s.velocity, s.torque, external_,
                                  acceleration_, nullptr, true);
         });
+      case Operation::kArticulatedStep:
+        return run(arbiTool_, first, count);
+      case Operation::kMassMatrixStep:
+        return run(crbiTool_, first, count);
     }
   }
 
@@ -165,20 +180,56 @@ class Library : public Subject {
         append(numbers, acceleration_.generalAcceleration().linear());
         append(numbers, acceleration_.generalAcceleration().angular());
         break;
+      case Operation::kArticulatedStep:
+      case Operation::kMassMatrixStep:
+        appendState(numbers);
+        break;
     }
     return numbers;
   }
 
  private:
+  // Steps with the accelerations of a tool, as a user's loop makes them.
+  template <class Tool>
+  void run(Tool& tool, std::size_t first, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (i % kStepsPerState == 0) {
+        const LibraryState& start = states_[(first + i / kStepsPerState) % states_.size()];
+        state_.positionStates().assign(1, start.position);
+        state_.velocityStates().assign(1, start.velocity);
+        state_.setTime(0.0);
+        jointTorques_.setJointTorques(start.torque.jointTorques());
+      }
+      stepState_.setNonredundantState(state_);
+      KtManipulatorActiveState& active = stepState_.manipulatorActiveStateVector()[0];
+      active.setAccelerationState(gravity_);
+      tool.acceleration(system_, manipulator_, jointTorques_, external_, acceleration_, active,
+                        true);
+      active.setAccelerationState(acceleration_);
+      system_.propagateTo(state_.time() + kStep, state_, stepResults_, stepState_);
+    }
+  }
+
+  void appendState(Numbers& numbers) const {
+    const KtPositionState& position = state_.positionStates()[0];
+    const KtVelocityState& velocity = state_.velocityStates()[0];
+    const double duration = kStep * kStepsPerState;
+    for (const double q : position.jointPositions().vectorContainer()) numbers.push_back(q);
+    if (!manipulator_.isFixedBase()) {
+      append(numbers, position.coordSysXForm().translation());
+      append(numbers, position.coordSysXForm().orientation());
+    }
+    for (const double rate : velocity.jointVelocities().vectorContainer()) {
+      numbers.push_back(rate * duration);
+    }
+    if (!manipulator_.isFixedBase()) {
+      append(numbers, velocity.generalVelocity().linear() * duration);
+      append(numbers, velocity.generalVelocity().angular() * duration);
+    }
+  }
   void appendMotion(Numbers& numbers, KtU32 i) const {
     const auto& frame = active_.activePositionState().linkPositionStates()[i].dhFrame();
-    const KtOrientation& r = frame.orientation();
-    const KtVector x = r * KtVector(1.0, 0.0, 0.0);
-    const KtVector y = r * KtVector(0.0, 1.0, 0.0);
-    const KtVector z = r * KtVector(0.0, 0.0, 1.0);
-    append(numbers, {x.x, y.x, z.x});
-    append(numbers, {x.y, y.y, z.y});
-    append(numbers, {x.z, y.z, z.z});
+    append(numbers, frame.orientation());
     append(numbers, frame.translation());
     const KtGeneralMotion& motion = std::as_const(active_)
                                         .activeVelocityState()
@@ -201,6 +252,12 @@ class Library : public Subject {
   const KtManipulatorTorque* torque_ = nullptr;
   const KtReArray* mass_ = nullptr;
   KtAccelerationState acceleration_;
+  // Of steps
+  KtManipulatorSystemState state_;
+  KtSystemActiveState stepState_;
+  KtStatedSystem::ResultVector stepResults_;
+  KtManipulatorTorque jointTorques_;
+  KtAccelerationState gravity_;  // alone
 };
 
 }  // namespace

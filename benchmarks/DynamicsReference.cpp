@@ -153,6 +153,51 @@ void append(Numbers& numbers, const Vec& v) {
   for (const Real x : {v.x, v.y, v.z}) numbers.push_back(static_cast<double>(x));
 }
 
+// Steps of the semi-implicit Euler method: new velocities by the accelerations at the old state,
+// new positions by the new velocities. A base turns about its angular velocity.
+Numbers steps(const mechanisms::Mechanism& mechanism, mechanisms::State s) {
+  const std::size_t joints = mechanism.bodies.size();
+  s.force = s.moment = {};
+  for (std::size_t k = 0; k < kStepsPerState; ++k) {
+    const Numbers acceleration = referenceResult(mechanism, s, Operation::kMassMatrixDynamics);
+    for (std::size_t i = 0; i < joints; ++i) {
+      s.qDot[i] += kStep * acceleration[i];
+      s.q[i] += kStep * s.qDot[i];
+    }
+    if (mechanism.fixedBase) continue;
+    for (std::size_t i = 0; i < 3; ++i) {
+      s.linearVelocity[i] += kStep * acceleration[joints + i];
+      s.angularVelocity[i] += kStep * acceleration[joints + 3 + i];
+      s.position[i] += kStep * s.linearVelocity[i];
+    }
+    const auto& [x, y, z] = s.angularVelocity;
+    const double rate = std::sqrt(x * x + y * y + z * z);
+    const double half = 0.5 * kStep * rate;
+    const double scale = rate > 0.0 ? std::sin(half) / rate : 0.0;
+    const mechanisms::Quaternion turn{std::cos(half), scale * x, scale * y, scale * z};
+    const auto& [w0, x0, y0, z0] = s.orientation;
+    const auto& [w1, x1, y1, z1] = turn;
+    s.orientation = {w1 * w0 - x1 * x0 - y1 * y0 - z1 * z0, w1 * x0 + x1 * w0 + y1 * z0 - z1 * y0,
+                     w1 * y0 - x1 * z0 + y1 * w0 + z1 * x0, w1 * z0 + x1 * y0 - y1 * x0 + z1 * w0};
+  }
+  Numbers numbers = s.q;
+  if (!mechanism.fixedBase) {
+    append(numbers, Vec(s.position));
+    const Rot r(s.orientation);
+    const Vec* c = r.column;
+    append(numbers, {c[0].x, c[1].x, c[2].x});
+    append(numbers, {c[0].y, c[1].y, c[2].y});
+    append(numbers, {c[0].z, c[1].z, c[2].z});
+  }
+  const Real duration = kStep * kStepsPerState;
+  for (const double rate : s.qDot) numbers.push_back(static_cast<double>(rate * duration));
+  if (!mechanism.fixedBase) {
+    append(numbers, Vec(s.linearVelocity) * duration);
+    append(numbers, Vec(s.angularVelocity) * duration);
+  }
+  return numbers;
+}
+
 }  // namespace
 
 Numbers referenceResult(const mechanisms::Mechanism& mechanism, const mechanisms::State& state,
@@ -177,6 +222,9 @@ Numbers referenceResult(const mechanisms::Mechanism& mechanism, const mechanisms
     case Operation::kMassMatrix:
       numbers.assign(kane.mass.begin(), kane.mass.end());
       break;
+    case Operation::kArticulatedStep:
+    case Operation::kMassMatrixStep:
+      return steps(mechanism, state);
     case Operation::kArticulatedDynamics:
     case Operation::kMassMatrixDynamics: {
       std::vector<Real> x(state.torque.begin(), state.torque.end());

@@ -12,8 +12,20 @@ enum class Operation {
   kInverseDynamics,      ///< "id": loads of the joints and of a free base.
   kMassMatrix,           ///< "mass": dense, with the rows of a free base.
   kArticulatedDynamics,  ///< "fd-articulated": accelerations, in time linear in the bodies.
-  kMassMatrixDynamics    ///< "fd-mass": accelerations through a factor of the mass matrix.
+  kMassMatrixDynamics,   ///< "fd-mass": accelerations through a factor of the mass matrix.
+  kArticulatedStep,      ///< "step-articulated": a step in time with the former accelerations.
+  kMassMatrixStep        ///< "step-mass": one with the latter.
 };
+
+/// Whether the operation is a step in time: of the semi-implicit Euler method, under the joint
+/// torques of the state, without a load on a free base. Other than the rest, which set the state
+/// in every call, it goes on from where the step before it came to.
+constexpr bool isStep(Operation operation) {
+  return operation == Operation::kArticulatedStep || operation == Operation::kMassMatrixStep;
+}
+constexpr double kStep = 1e-4;  ///< s
+/// After so many steps from a state of the pool those from the next one begin.
+constexpr std::size_t kStepsPerState = 64;
 
 /// Numbers of a result, so that those of two libraries can be compared. In this order:
 ///
@@ -26,7 +38,10 @@ enum class Operation {
 /// its
 ///   axes;
 /// - forward dynamics: joint accelerations, then the linear and angular ones of a free base, in the
-///   system's axes.
+///   system's axes;
+/// - steps: joint positions, those of a free base's origin and its rotation matrix (row by row),
+///   then joint rates and the linear and angular velocity of a free base, in the system's axes, the
+///   rates times the duration of `kStepsPerState` steps, which makes them comparable.
 using Numbers = std::vector<double>;
 
 /// A library with a mechanism and a pool of states in its own forms.
@@ -37,7 +52,7 @@ class Subject {
   /// Whether the library has the operation, for the mechanism.
   virtual bool offers(Operation operation) const = 0;
   /// Carries an operation out `count` times, setting the state included, on the states of the pool
-  /// in turn, from one on.
+  /// in turn, from one on. Steps begin anew at that state.
   virtual void run(Operation operation, std::size_t first, std::size_t count) = 0;
   /// The result of the run that was last, on a state.
   virtual Numbers result(Operation operation, std::size_t state) const = 0;

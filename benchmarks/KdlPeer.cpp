@@ -67,7 +67,7 @@ class Kdl : public Subject {
   Kdl(const mechanisms::Mechanism& mechanism, const States& states)
       : chain_(makeChain(mechanism)), states_(states.begin(), states.end()) {}
 
-  bool offers(Operation) const override { return true; }
+  bool offers(Operation operation) const override { return !isStep(operation); }
 
   void run(Operation operation, std::size_t first, std::size_t count) override {
     const auto each = [&](auto call) {
@@ -91,6 +91,9 @@ class Kdl : public Subject {
         return each([&](const KdlState& s) {
           forward_.CartToJnt(s.q, s.qDot, s.torque, noForces_, output_);
         });
+      case Operation::kArticulatedStep:
+      case Operation::kMassMatrixStep:
+        return;
     }
   }
 

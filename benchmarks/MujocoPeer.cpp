@@ -1,5 +1,6 @@
 // MuJoCo. Only the stages that an operation needs are called, so that no contact, constraint,
-// sensor or actuator takes time.
+// sensor or actuator takes time. A step is its whole `mj_step`, with these switched off; joints
+// have no damping, without which its Euler integration isn't implicit in the velocities.
 //
 // The coordinates of a free joint are the velocity of the base's origin in the world's axes and its
 // angular velocity in its own; they come before those of the joints.
@@ -134,6 +135,12 @@ class Mujoco : public Subject {
         velocities_(3 * static_cast<std::size_t>(model_->nbody)),
         output_(dof()),
         mass_(dof() * dof()) {
+    model_->opt.timestep = kStep;
+    model_->opt.integrator = mjINT_EULER;
+    model_->opt.disableflags |= mjDSBL_CONSTRAINT | mjDSBL_EQUALITY | mjDSBL_FRICTIONLOSS |
+                                mjDSBL_LIMIT | mjDSBL_CONTACT | mjDSBL_PASSIVE | mjDSBL_WARMSTART |
+                                mjDSBL_ACTUATION | mjDSBL_SENSOR;
+    model_->opt.enableflags = 0;
     for (const mechanisms::State& state : states) states_.emplace_back(state, fixedBase_);
   }
   ~Mujoco() override {
@@ -183,6 +190,15 @@ class Mujoco : public Subject {
           for (std::size_t i = 0; i < output_.size(); ++i) output_[i] = s.force[i] - output_[i];
           mj_solveM(model_, data_, output_.data(), output_.data(), 1);
         });
+      case Operation::kArticulatedStep:  // to compare with, though it is by the mass matrix
+      case Operation::kMassMatrixStep:
+        for (std::size_t i = 0; i < count; ++i) {
+          if (i % kStepsPerState == 0) {
+            begin(states_[(first + i / kStepsPerState) % states_.size()]);
+          }
+          mj_step(model_, data_);
+        }
+        return;
     }
   }
 
@@ -190,6 +206,7 @@ class Mujoco : public Subject {
     const double* rotation = states_[state].rotation;
     if (operation == Operation::kForwardKinematics) return motions();
     if (operation == Operation::kMassMatrix) return massInBase(rotation);
+    if (isStep(operation)) return stepped();
     Numbers numbers = output_;
     if (fixedBase_) return numbers;
     if (operation == Operation::kInverseDynamics) {
@@ -212,6 +229,32 @@ class Mujoco : public Subject {
   void setVelocities(const MujocoState& s) {
     std::copy(s.qDot.begin(), s.qDot.end(), data_->qvel);
     mj_comVel(model_, data_);
+  }
+  void begin(const MujocoState& s) {
+    data_->time = 0.0;
+    std::copy(s.q.begin(), s.q.end(), data_->qpos);
+    std::copy(s.qDot.begin(), s.qDot.end(), data_->qvel);
+    std::copy(s.force.begin(), s.force.end(), data_->qfrc_applied);
+    if (!fixedBase_) std::fill_n(data_->qfrc_applied, 6, 0.0);
+  }
+  Numbers stepped() const {
+    const double duration = kStep * kStepsPerState;
+    const int base = fixedBase_ ? 0 : 6;
+    Numbers numbers(data_->qpos + base + (fixedBase_ ? 0 : 1), data_->qpos + model_->nq);
+    double rotation[9];
+    if (!fixedBase_) {
+      mju_quat2Mat(rotation, data_->qpos + 3);
+      numbers.insert(numbers.end(), data_->qpos, data_->qpos + 3);
+      numbers.insert(numbers.end(), rotation, rotation + 9);
+    }
+    for (int i = base; i < model_->nv; ++i) numbers.push_back(data_->qvel[i] * duration);
+    if (!fixedBase_) {
+      double angular[3];
+      mju_rotVecMat(angular, data_->qvel + 3, rotation);
+      for (int i = 0; i < 3; ++i) numbers.push_back(data_->qvel[i] * duration);
+      for (const double rate : angular) numbers.push_back(rate * duration);
+    }
+    return numbers;
   }
   // Body velocities are kept about the centre of mass of the whole tree.
   void computeOriginVelocities() {
