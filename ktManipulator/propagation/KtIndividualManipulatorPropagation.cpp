@@ -1,20 +1,73 @@
 // One manipulator's step in time.
 #include <algorithm>
+#include <typeinfo>
 
 #include "ktManipulator/model/KtAccelerationState.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtPositionState.h"
 #include "ktManipulator/model/KtVelocityState.h"
 
+namespace {
+
+// A joint is asked in every step: without virtual calls where no derived class can have another
+// opinion. Comparing the addresses of types may miss an equal one; the virtual call answers then.
+template <class Cls, class Object>
+bool isPlain(const Object& object) {
+  return &typeid(object) == &typeid(Cls);
+}
+
+// What bounds a joint.
+struct Bounds {
+  double lower, upper, rate;
+};
+
+[[gnu::noinline]] Bounds askedBounds(const KtJointActuator& actuator) {
+  return {actuator.lowerLimit(), actuator.upperLimit(), actuator.maxOutputRate()};
+}
+
+// Link, actuator and holder contain each other by value, so that their own operations can be named.
+inline Bounds boundsOf(const KtManipulatorLink& link) {
+  using Mechanics = KtMechanicalActuatorComponent;
+  using Holder = KtMechanicalActuatorComponentContainer;
+  const KtJointActuator& actuator = link.actuator();
+  const Mechanics* part =
+      actuator.KtJointActuator::mechanicalComponentContainer().Holder::element();
+  if (part == nullptr || !isPlain<Mechanics>(*part)) return askedBounds(actuator);
+  return {part->Mechanics::lowerLimit(), part->Mechanics::upperLimit(),
+          part->Mechanics::maxOutputRate()};
+}
+
+// What `linkByIndex` answers.
+class Links {
+ public:
+  explicit Links(const KtIndividualManipulator& manipulator)
+      : manipulator_(manipulator),
+        isPlain_(isPlain<KtIndividualManipulator>(manipulator)),
+        table_(manipulator.links()) {}
+
+  const KtManipulatorLink* operator[](KtU32 index) const {
+    if (!isPlain_) return manipulator_.linkByIndex(index);
+    return index < table_.size() ? table_[index] : nullptr;
+  }
+
+ private:
+  const KtIndividualManipulator& manipulator_;
+  const bool isPlain_;
+  const KtIndividualManipulator::LinkTable& table_;
+};
+
+}  // namespace
+
 void KtIndividualManipulator::propagateVelocityState(const KtAccelerationState& acceleration,
                                                      double dt, KtVelocityState& velocity) const {
-  const auto& accelerations = acceleration.jointAccelerations();
-  auto& rates = velocity.jointVelocities();
-  const KtU32 count = std::min({jointDof(), accelerations.size(), rates.size()});
+  const auto& accelerations = acceleration.jointAccelerations().elements();
+  auto& rates = velocity.jointVelocities().elements();
+  const std::size_t count = std::min({std::size_t{jointDof()}, accelerations.size(), rates.size()});
+  const Links links(*this);
   for (KtU32 i = 0; i < count; ++i) {
     double rate = dt * accelerations[i] + rates[i];
-    if (const KtManipulatorLink* link = linkByIndex(i); link != nullptr) {
-      const double most = link->jointActuator().maxOutputRate();
+    if (const KtManipulatorLink* link = links[i]; link != nullptr) {
+      const double most = boundsOf(*link).rate;
       rate = std::max(std::min(rate, most), -most);
     }
     rates[i] = rate;
@@ -31,21 +84,21 @@ void KtIndividualManipulator::propagateState(const KtVelocityState& velocity, do
 void KtIndividualManipulator::propagateState(const KtVelocityState& velocity, double dt,
                                              KtPositionState& position,
                                              KtPropagationResultData& result) const {
-  const auto& rates = velocity.jointVelocities();
-  auto& positions = position.jointPositions();
-  const KtU32 count = std::min({jointDof(), rates.size(), positions.size()});
+  const auto& rates = velocity.jointVelocities().elements();
+  auto& positions = position.jointPositions().elements();
+  const std::size_t count = std::min({std::size_t{jointDof()}, rates.size(), positions.size()});
+  const Links links(*this);
   for (KtU32 i = 0; i < count; ++i) {
     double q = dt * rates[i] + positions[i];
-    if (const KtManipulatorLink* link = linkByIndex(i); link != nullptr) {
-      const double upper = link->jointActuator().upperLimit();
-      const double lower = link->jointActuator().lowerLimit();
+    if (const KtManipulatorLink* link = links[i]; link != nullptr) {
+      const Bounds bounds = boundsOf(*link);
       const auto stopAt = [&](double limit) {
         result.setHitJointLimit(true);
         result.setLinkIndexAtJointLimit(link->linkIndex());
         q = limit;
       };
-      if (q > upper) stopAt(upper);
-      if (lower > q) stopAt(lower);
+      if (q > bounds.upper) stopAt(bounds.upper);
+      if (bounds.lower > q) stopAt(bounds.lower);
     }
     positions[i] = q;
   }
