@@ -3,6 +3,16 @@
 #include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
 
+namespace {
+
+// The motion of most joints: a turn about z.
+bool turnsAboutZ(const KtVector& linear, const KtVector& angular) noexcept {
+  return angular.z == 1.0 && angular.x == 0.0 && angular.y == 0.0 && linear.x == 0.0 &&
+         linear.y == 0.0 && linear.z == 0.0;
+}
+
+}  // namespace
+
 void KtArticulatedBodyDynamics::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtInertiaToken, &inertia_);
@@ -99,12 +109,24 @@ void KtArticulatedBodyDynamics::joinThrough(const KtArticulatedBodyDynamics& chi
                                             const KtVector& p) noexcept {
   KtVector u;  // I s
   KtVector w;
-  child.inertia_.getSparseForce(linear, angular, u, w);
-  const double denominator = u.dot(linear) + w.dot(angular) + d;
-  const double k = denominator == 0.0 ? 0.0 : 1.0 / denominator;
   const double* l = child.inertia_.linear_.values();
   const double* a = child.inertia_.angular_.values();
   const double* x = child.inertia_.cross_[0];
+  const KtVector& biasForce = child.bias_.force();
+  const KtVector& biasMoment = child.bias_.moment();
+  double denominator = d;
+  double rest = tau;
+  if (turnsAboutZ(linear, angular)) {
+    u = {x[2], x[5], x[8]};
+    w = {a[4], a[5], a[2]};
+    denominator += w.z;
+    rest -= biasMoment.z;
+  } else {
+    child.inertia_.getSparseForce(linear, angular, u, w);
+    denominator += u.dot(linear) + w.dot(angular);
+    rest = tau - linear.dot(biasForce) - angular.dot(biasMoment);
+  }
+  const double k = denominator == 0.0 ? 0.0 : 1.0 / denominator;
   const KtVector ku = u * k;
   const KtVector kw = w * k;
   const double shownLinear[6] = {l[0] - ku.x * u.x, l[1] - ku.y * u.y, l[2] - ku.z * u.z,
@@ -115,9 +137,7 @@ void KtArticulatedBodyDynamics::joinThrough(const KtArticulatedBodyDynamics& chi
                                 x[3] - ku.y * w.x, x[4] - ku.y * w.y, x[5] - ku.y * w.z,
                                 x[6] - ku.z * w.x, x[7] - ku.z * w.y, x[8] - ku.z * w.z};
   inertia_.addRotatedAndMoved(shownLinear, shownAngular, shownCross, r, p);
-  const KtVector& biasForce = child.bias_.force();
-  const KtVector& biasMoment = child.bias_.moment();
-  const double c = (tau - linear.dot(biasForce) - angular.dot(biasMoment)) * k;
+  const double c = rest * k;
   const KtVector force = r * (biasForce + u * c);
   bias_.setForce(bias_.force() + force);
   bias_.setMoment(bias_.moment() + r * (biasMoment + w * c) + p.cross(force));
@@ -128,6 +148,15 @@ double KtArticulatedBodyDynamics::jointAcceleration(const KtVector& linear, cons
                                                     const KtVector& alpha) const noexcept {
   KtVector u;  // I s, which gives s . I a as well, I being symmetric
   KtVector w;
+  if (turnsAboutZ(linear, angular)) {
+    const double* inertia = inertia_.angular_.values();
+    const double* x = inertia_.cross_[0];
+    u = {x[2], x[5], x[8]};
+    w = {inertia[4], inertia[5], inertia[2]};
+    const double denominator = w.z + d;
+    return denominator == 0.0 ? 0.0
+                              : (tau - (u.dot(a) + w.dot(alpha) + bias_.moment().z)) / denominator;
+  }
   inertia_.getSparseForce(linear, angular, u, w);
   const double denominator = u.dot(linear) + w.dot(angular) + d;
   if (denominator == 0.0) return 0.0;

@@ -106,8 +106,16 @@ void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& parent,
     parent += own;  // a link without a joint is fixed to its parent, frame on frame
     return;
   }
-  linkKinematicsContainer_.addChildArbdToParent(parent, own, q, jointActuator_.effectiveInertia(q),
-                                                jointTorque(torque, linkIndex_));
+  const double inertia = jointActuator_.effectiveInertia(q);
+  const double tau = jointTorque(torque, linkIndex_);
+  if (const auto* motion = frameMotion(); motion != nullptr) {
+    // What that joint does itself, with the placement that is there already.
+    const KtLinkPositionState& joint = placedJoint(activeState.positionCache());
+    parent.joinThrough(own, motion->linear, motion->angular, inertia, tau, joint.dhRotation(),
+                       joint.dhTransform().translation());
+    return;
+  }
+  linkKinematicsContainer_.addChildArbdToParent(parent, own, q, inertia, tau);
 }
 
 const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInLocal(
