@@ -7,6 +7,22 @@
 
 namespace Kt::detail {
 
+namespace {
+
+// target -= factor * row, for so many entries.
+inline void subtractRow(double* __restrict target, const double* __restrict row, double factor,
+                        std::size_t count) {
+  for (std::size_t j = 0; j < count; ++j) target[j] -= factor * row[j];
+}
+
+// Whether each joint is carried by the one before it, given how many carriers all have together:
+// only then they are as many.
+bool isChain(std::size_t joints, std::size_t carriers) {
+  return 2 * carriers == joints * (joints - 1);
+}
+
+}  // namespace
+
 bool BranchFactor::isWorthIt(const std::vector<KtU32>& parents) {
   const std::size_t n = parents.size();
   if (n < 16) return true;  // too few for what a dense factorisation has to set up
@@ -37,6 +53,7 @@ void BranchFactor::factor(KtReArray& mass, const std::vector<KtU32>& parents) {
   // A pivot that is lost in rounding is raised, as `KtReArray::choleskyDecomposition` does it.
   const double rounding = n * std::numeric_limits<double>::epsilon();
   for (KtU32 k = 0; k < n; ++k) scales_[k] = KtMath::nonZeroPos(rounding * lower_[k][k]);
+  const bool chain = isChain(n, carriers_.size());
   // H = L^T D L first, whose pivots need no root, which each would have to wait for.
   for (KtU32 k = n; k-- > 0;) {
     double* row = lower_[k];
@@ -44,6 +61,14 @@ void BranchFactor::factor(KtReArray& mass, const std::vector<KtU32>& parents) {
     const bool raised = row[k] <= least;
     scales_[k] = 1.0 / (raised ? least : row[k]);
     const double reciprocal = raised ? 0.0 : scales_[k];
+    if (chain) {
+      for (KtU32 i = k; i-- > 0;) {
+        const double factor = row[i] * reciprocal;
+        subtractRow(lower_[i], row, factor, i + 1);
+        row[i] = factor;
+      }
+      continue;
+    }
     const KtU32* first = carriers_.data() + starts_[k];
     const KtU32* last = carriers_.data() + starts_[k + 1];
     for (const KtU32* i = first; i != last; ++i) {
@@ -61,6 +86,13 @@ void BranchFactor::factor(KtReArray& mass, const std::vector<KtU32>& parents) {
 template <KtU32 kColumns>
 void BranchFactor::solveInwards(double* x, KtU32 given) const {
   const std::size_t columns = kColumns != 0 ? kColumns : given;
+  if (kColumns == 1 && isChain(lower_.rows(), carriers_.size())) {
+    for (KtU32 i = lower_.rows(); i-- > 0;) {
+      subtractRow(x, lower_[i], x[i], i);
+      x[i] *= scales_[i];
+    }
+    return;
+  }
   for (KtU32 i = lower_.rows(); i-- > 0;) {
     double* own = x + i * columns;
     const double* row = lower_[i];
@@ -76,6 +108,15 @@ void BranchFactor::solveInwards(double* x, KtU32 given) const {
 template <KtU32 kColumns>
 void BranchFactor::solveOutwards(double* x, KtU32 given) const {
   const std::size_t columns = kColumns != 0 ? kColumns : given;
+  if (kColumns == 1 && isChain(lower_.rows(), carriers_.size())) {
+    for (KtU32 i = 0; i < lower_.rows(); ++i) {
+      const double* row = lower_[i];
+      double sum = x[i] * scales_[i];
+      for (KtU32 k = i; k-- > 0;) sum -= row[k] * x[k];
+      x[i] = sum;
+    }
+    return;
+  }
   for (KtU32 i = 0; i < lower_.rows(); ++i) {
     double* __restrict own = x + i * columns;
     const double* row = lower_[i];

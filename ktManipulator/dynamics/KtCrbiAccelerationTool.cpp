@@ -65,7 +65,7 @@ void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
     const KtGeneralForce force = baseForce(manipulator, torque, external, activeState, asker);
     for (KtU32 k = 0; k < 6; ++k) rightSide_[k][0] = force[k];
   }
-  for (KtU32 i = 0; i < n; ++i) rightSide_[first + i][0] = jointTorques_[i][0];
+  if (n > 0) std::copy_n(jointTorques_[0], n, rightSide_[first]);
   addConstraintForces(manipulator, activeState);
   solution_ = rightSide_;
   solve(solution_);
@@ -304,12 +304,16 @@ void KtCrbiAccelerationTool::calculateJointTorqueArray(const KtIndividualManipul
   const auto& given = torque.jointTorques().elements();
   const auto& links = manipulator.links();
   jointTorques_.setToZeros(manipulator.jointDof(), 1);
-  for (KtU32 i = 0; i < std::min(links.size(), given.size()); ++i) {
-    if (links[i] == nullptr) continue;
+  const std::size_t count = std::min(links.size(), given.size());
+  if (count == 0) return;
+  double* torques = jointTorques_[0];
+  for (KtU32 i = 0; i < count; ++i) {
+    const KtManipulatorLink* link = links[i];
+    if (link == nullptr) continue;
     const double load = totalTorqueTool_.torque(i, external, activeState, asker);
-    jointTorques_[i][0] = links[i]->actuator().mechanicalComponentContainer().outputTorque(
-                              given[i], load, activeState) -
-                          load;
+    torques[i] =
+        link->actuator().mechanicalComponentContainer().outputTorque(given[i], load, activeState) -
+        load;
   }
 }
 
@@ -334,9 +338,13 @@ bool KtCrbiAccelerationTool::calculateExtendedMassMatrixInBase(
 void KtCrbiAccelerationTool::addActuatorInertias(const KtIndividualManipulator& manipulator,
                                                  KtManipulatorActiveState& activeState) {
   const auto& positions = activeState.positionCache();
-  for (KtU32 i = 0; i < manipulator.jointDof(); ++i) {
-    const KtManipulatorLink* link = manipulator.links()[i];
+  const auto& links = manipulator.links();
+  const KtU32 joints = manipulator.jointDof();
+  if (joints == 0) return;
+  double* entry = massMatrix_[0];  // on the diagonal
+  for (KtU32 i = 0; i < joints; ++i, entry += massMatrix_.columns() + 1) {
+    const KtManipulatorLink* link = links[i];
     if (link == nullptr) continue;
-    massMatrix_[i][i] += link->actuator().effectiveInertia(positions.jointPosition(i));
+    *entry += link->actuator().KtJointActuator::effectiveInertia(positions.jointPosition(i));
   }
 }

@@ -31,9 +31,7 @@ double KtTotalTorqueTool::torque(KtU32 index, const KtManipulatorExternalForce& 
   const KtGeneralForce& force = link->dhFrameForceInLocal(external, activeState, asker);
   const KtJointActuator& actuator = link->actuator();
   double torque = power(*link, q, force) + link->totalLocalTorque(activeState);
-  const KtU32 linkIndex = link->mappedIndex();
-  const auto& accelerations = activeState.accelerationState().jointAccelerations().elements();
-  const double qDotDot = linkIndex < accelerations.size() ? accelerations[linkIndex].value() : 0.0;
+  const double qDotDot = activeState.accelerationCache().jointAcceleration(link->mappedIndex());
   if (qDotDot != 0.0) torque += actuator.effectiveInertia(q) * qDotDot;
   switch (totalTorqueType_) {
     case kTotalTorqueWithFriction:
