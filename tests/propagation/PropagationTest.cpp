@@ -373,7 +373,9 @@ TEST(PropagationOfAPendulum, ConvergesAtFirstOrder) {
   scene.addManipulator(pendulum);
   pullTo(scene, {0.0, 9.81, 0.0});
   const auto error = [&scene](int steps) {
-    const double q = simulated<KtArbiAccelerationTool>(scene, 5.0 / steps, steps).positionStates()[0].jointPositions()[0];
+    const double q = simulated<KtArbiAccelerationTool>(scene, 5.0 / steps, steps)
+                         .positionStates()[0]
+                         .jointPositions()[0];
     return std::hypot(std::cos(q) - 0.942305435044, std::sin(q) + 0.334754338414);
   };
   const double coarse = error(5000);
