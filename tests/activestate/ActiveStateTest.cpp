@@ -4,12 +4,10 @@
 
 #include "ktManipulator/ktManipulator.h"
 #include "support/KtLogCapture.h"
-#include "support/Random.h"
 
 namespace {
 
 using Active = KtManipulatorActiveState;
-using sampling::randomMotion;
 
 KtPositionState positions(KtU32 joints, double value) {
   KtPositionState state;
@@ -27,13 +25,6 @@ KtAccelerationState accelerations(KtU32 joints) {
   KtAccelerationState state;
   state.resize(joints);
   return state;
-}
-
-// The entries of a state of `links` links, that of the base among them.
-std::vector<KtU32> entries(KtU32 links) {
-  std::vector<KtU32> indices(links + 1, ktBaseIndex);
-  for (KtU32 i = 0; i < links; ++i) indices[i] = i;
-  return indices;
 }
 
 // With an entry of each kind for link 1.
@@ -133,43 +124,6 @@ TEST(ActiveState, AListThatIsKeptIsAlwaysWalkedOver) {
   }
 }
 
-// Sets each value of each entry by its index before asking for any.
-template <class State>
-void expectValuesOfTheirOwn(
-    std::initializer_list<std::pair<const KtGeneralMotion& (State::*)(KtU32) const,
-                                    void (State::*)(KtU32, const KtGeneralMotion&)>>
-        accessors) {
-  State state;
-  state.resize(2);
-  std::vector<KtGeneralMotion> values;
-  for (const KtU32 i : entries(2)) {
-    for (const auto& [get, set] : accessors) (state.*set)(i, values.emplace_back(randomMotion()));
-  }
-  auto next = values.begin();
-  for (const KtU32 i : entries(2)) {
-    for (const auto& [get, set] : accessors) EXPECT_EQ((state.*get)(i), *next++);
-  }
-}
-
-TEST(ActiveState, IndicesReachOneValueOfOneEntry) {
-  using V = KtManipulatorActiveVelocityState;
-  expectValuesOfTheirOwn<V>(
-      {{&V::linkDhVelocityInLocal, &V::setLinkDhVelocityInLocal},
-       {&V::linkDhVelocityInSystem, &V::setLinkDhVelocityInSystem},
-       {&V::linkPrimaryVelocityInSystem, &V::setLinkPrimaryVelocityInSystem},
-       {&V::linkComVelocityInLocal, &V::setLinkComVelocityInLocal},
-       {&V::linkMomentumInLocal, &V::setLinkMomentumInLocal},
-       {&V::linkCompositeMomentumInLocal, &V::setLinkCompositeMomentumInLocal}});
-  using A = KtManipulatorActiveAccelerationState;
-  expectValuesOfTheirOwn<A>(
-      {{&A::linkDhAccelerationInLocal, &A::setLinkDhAccelerationInLocal},
-       {&A::linkDhAccelerationInSystem, &A::setLinkDhAccelerationInSystem},
-       {&A::linkPrimaryAccelerationInSystem, &A::setLinkPrimaryAccelerationInSystem},
-       {&A::linkComAccelerationInLocal, &A::setLinkComAccelerationInLocal},
-       {&A::linkMomentumRateInLocal, &A::setLinkMomentumRateInLocal},
-       {&A::linkCompositeMomentumRateInLocal, &A::setLinkCompositeMomentumRateInLocal}});
-}
-
 TEST(ActiveState, DescriptionsBeyondTheEndAreReported) {
   KtManipulatorActiveForceState forces;
   forces.resize(2);
@@ -185,6 +139,9 @@ TEST(ActiveState, DescriptionsBeyondTheEndAreReported) {
                                    "KtManipulatorActiveForceState::setExternalForceDescription(): "
                                    "index 2 out of range 2.\n"}));
   EXPECT_FALSE(KtManipulatorActiveForceState::m_theZeroForceDescription.valid());
+  forces.setExternalForceDescription(ktBaseIndex, description);
+  EXPECT_TRUE(forces.externalForceDescription(ktBaseIndex).valid());
+  EXPECT_EQ(log.messages().size(), 2U);
 }
 
 }  // namespace

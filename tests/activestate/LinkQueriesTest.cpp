@@ -217,19 +217,8 @@ TEST_F(LinkQueries, MomentaAndForcesAreSumsOverTheBodies) {
                                        body.frame.orientation() * load.moment() -
                                        (body.frame.translation() - origin).cross(push)};
       }
-      const Body& own = bodies[0];
-      const auto comVelocity = link->comVelocityInLocal(active, nullptr);
-      EXPECT_TRUE(near(comVelocity.linear(), toLocal * own.velocity, kSecond));
-      EXPECT_EQ(comVelocity.angular(), link->dhFrameVelocityInLocal(active).angular());
-      const auto comAcceleration = link->comAccelerationInLocal(active, nullptr);
-      EXPECT_TRUE(near(comAcceleration.linear(), toLocal * own.acceleration, kSecond));
-      EXPECT_EQ(comAcceleration.angular(), link->dhFrameAccelerationInLocal(active).angular());
-      EXPECT_TRUE(near(link->spatialMomentumInLocal(active, nullptr),
-                       toLocal * KtGeneralMotion(own.velocity * own.mass, own.spin), kSecond));
-      EXPECT_TRUE(near(link->spatialMomentumRateInLocal(active, nullptr),
-                       toLocal * KtGeneralMotion(own.acceleration * own.mass, own.spinRate),
-                       kSecond));
-      // Angular parts are added as they stand, each about its own body's centre.
+      // Of a leaf they are its own. Angular parts are added as they stand, each about its own
+      // body's centre.
       EXPECT_TRUE(near(link->compositeSpatialMomentumInLocal(active, nullptr), toLocal * momentum,
                        kSecond));
       EXPECT_TRUE(near(link->compositeSpatialMomentumRateInLocal(active, nullptr), toLocal * rate,
@@ -318,18 +307,68 @@ TEST_F(LinkQueries, MissingAccelerationsAreZeroAndALiftedTreeWeighs) {
   EXPECT_TRUE(log.messages().empty()) << log.text();
 }
 
+// A query, and what keeps its answers in a state of velocities or accelerations.
+template <class State>
+struct Kept {
+  KtGeneralMotion (*ask)(const Link&, Active&);
+  const KtGeneralMotion& (State::*get)(KtU32) const;
+  void (State::*set)(KtU32, const KtGeneralMotion&);
+};
+
+// What a query has answered is kept, and what is kept is answered, of each link on its own.
+template <class State>
+void expectKept(const Course& course, Active& active, State& state,
+                const std::vector<Kept<State>>& queries) {
+  std::vector<KtGeneralMotion> values;
+  for (const auto& [ask, get, set] : queries) {
+    for (KtU32 i = 0; i < course.count; ++i) {
+      EXPECT_EQ(ask(*course.arm.linkByIndex(i), active), (state.*get)(i));
+    }
+  }
+  for (const auto& [ask, get, set] : queries) {
+    for (KtU32 i = 0; i < course.count; ++i) (state.*set)(i, values.emplace_back(randomMotion()));
+  }
+  auto next = values.begin();
+  for (const auto& [ask, get, set] : queries) {
+    for (KtU32 i = 0; i < course.count; ++i) {
+      EXPECT_EQ(ask(*course.arm.linkByIndex(i), active), *next);
+      EXPECT_EQ((state.*get)(i), *next++);
+    }
+  }
+}
+
 TEST_F(LinkQueries, AnswersFromTheStateUntilItChanges) {
   const Course course(4);
   Active active = course.present();
-  const Link& tip = *course.arm.linkByIndex(3);
-  const KtGeneralMotion known = randomMotion();
-  KtManipulatorActiveVelocityState& velocities = active.activeVelocityState();
-  velocities.setLinkDhVelocityInSystem(3, known);
-  EXPECT_EQ(tip.dhFrameVelocityInSystem(active), known);
-  velocities.setLinkPrimaryVelocityInSystem(3, known);
-  EXPECT_EQ(tip.primaryFrameVelocityInSystem(active), known);
+  using V = KtManipulatorActiveVelocityState;
+  using A = KtManipulatorActiveAccelerationState;
+  using L = const Link&;
+  V& velocities = active.activeVelocityState();
+  A& accelerations = active.activeAccelerationState();
+  expectKept<A>(course, active, accelerations,
+                {{[](L l, Active& a) { return l.dhFrameAccelerationInLocal(a); },
+                  &A::linkDhAccelerationInLocal, &A::setLinkDhAccelerationInLocal},
+                 {[](L l, Active& a) { return l.comAccelerationInLocal(a, nullptr); },
+                  &A::linkComAccelerationInLocal, &A::setLinkComAccelerationInLocal},
+                 {[](L l, Active& a) { return l.spatialMomentumRateInLocal(a, nullptr); },
+                  &A::linkMomentumRateInLocal, &A::setLinkMomentumRateInLocal},
+                 {[](L l, Active& a) { return l.compositeSpatialMomentumRateInLocal(a, nullptr); },
+                  &A::linkCompositeMomentumRateInLocal, &A::setLinkCompositeMomentumRateInLocal}});
+  expectKept<V>(course, active, velocities,
+                {{[](L l, Active& a) { return l.dhFrameVelocityInLocal(a); },
+                  &V::linkDhVelocityInLocal, &V::setLinkDhVelocityInLocal},
+                 {[](L l, Active& a) { return l.dhFrameVelocityInSystem(a); },
+                  &V::linkDhVelocityInSystem, &V::setLinkDhVelocityInSystem},
+                 {[](L l, Active& a) { return l.primaryFrameVelocityInSystem(a); },
+                  &V::linkPrimaryVelocityInSystem, &V::setLinkPrimaryVelocityInSystem},
+                 {[](L l, Active& a) { return l.comVelocityInLocal(a, nullptr); },
+                  &V::linkComVelocityInLocal, &V::setLinkComVelocityInLocal},
+                 {[](L l, Active& a) { return l.spatialMomentumInLocal(a, nullptr); },
+                  &V::linkMomentumInLocal, &V::setLinkMomentumInLocal},
+                 {[](L l, Active& a) { return l.compositeSpatialMomentumInLocal(a, nullptr); },
+                  &V::linkCompositeMomentumInLocal, &V::setLinkCompositeMomentumInLocal}});
   // The base's velocity in the system is the state's, whatever its entry says.
-  velocities.setLinkDhVelocityInSystem(ktBaseIndex, known);
+  velocities.setLinkDhVelocityInSystem(ktBaseIndex, randomMotion());
   EXPECT_EQ(course.arm.dhFrameVelocityInSystem(active), course.baseVelocity);
 }
 

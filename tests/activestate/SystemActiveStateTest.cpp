@@ -13,7 +13,7 @@ using SystemActiveStates = sampling::Seeded;
 
 const std::vector<KtU32> kJoints{2, 1, 3};
 
-// Manipulators of 2, 1 and 3 joints; all links of different ones can collide.
+// Manipulators of 2, 1 and 3 joints.
 KtManipulatorSystem threeArms() {
   return trees::randomSystem({3, 2, 4});
 }
