@@ -59,10 +59,17 @@ inline KtIndividualManipulator randomManipulator(int count, const std::string& l
   return manipulator;
 }
 
-/// A system of manipulators with so many links each, roots included.
+/// A system of manipulators with so many links each, roots included. All links can collide.
 inline KtManipulatorSystem randomSystem(std::initializer_list<int> links) {
   KtManipulatorSystem system;
-  for (const int count : links) system.addManipulator(randomManipulator(count));
+  for (const int count : links) {
+    KtIndividualManipulator manipulator = randomManipulator(count);
+    KtManipulatorSelfCollisionLinkMap map;
+    map.buildMapFromSystem(manipulator);
+    map.setAllAsCollisionCandidates();
+    manipulator.setSelfCollisionLinkMap(map);
+    system.addManipulator(manipulator);
+  }
   return system;
 }
 
