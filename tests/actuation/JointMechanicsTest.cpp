@@ -139,15 +139,6 @@ TEST_F(JointMechanics, FrictionSlidesSticksAndBreaksLoose) {
   EXPECT_DOUBLE_EQ(m.dryFrictionTorque(8.0, active), 8.0);
 }
 
-// By default the joint always sticks, and the friction it can take up is none.
-TEST_F(JointMechanics, NoFrictionByDefault) {
-  KtMechanicalActuatorComponent m;
-  m.setManipulatorLink(driven.elbow());
-  m.setStaticCoulombDamperCoefficient(140.0);
-  driven.setMotor(1.0, 1e9);
-  for (const double drive : {1e-9, -5.0, 1e9}) EXPECT_EQ(m.dryFrictionTorque(drive, active), 0.0);
-}
-
 // The gap [h - b, h] lies below the motor position h in step with the joint; outside of it the
 // coupling is a spring of stiffness S / G against the motor position.
 TEST_F(JointMechanics, BacklashIsOpenOnOneSide) {
