@@ -209,8 +209,11 @@ TEST_F(Dynamics, MassMatricesAreWhatUnitAccelerationsTake) {
         if (j < n) moving.jointVelocities()[j] = 3.0;
         if (j >= n) moving.generalVelocity().setScalarValue(j - n, 3.0);
         active.setVelocityState(moving);
-        EXPECT_DOUBLE_EQ(m.arm().computeKineticEnergy(active, nullptr, nullptr),
-                         4.5 * inBase[j][j]);
+        tool.setIsFixedBase(!m.arm().isFixedBase());
+        for (KtMassMatrixTool* each : {&tool, static_cast<KtMassMatrixTool*>(nullptr)}) {
+          EXPECT_DOUBLE_EQ(m.arm().computeKineticEnergy(active, each, nullptr), 4.5 * inBase[j][j]);
+        }
+        EXPECT_EQ(tool.isFixedBase(), m.arm().isFixedBase());
       }
       for (KtU32 i = 0; j < n && i < n; ++i) {
         EXPECT_EQ(mass[i][j], inBase[i][j]);
