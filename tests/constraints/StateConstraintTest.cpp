@@ -98,6 +98,7 @@ TEST(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
   KtPositionState p;
   KtVelocityState v;
   EXPECT_TRUE(all.constrainPosition({}, p) && all.constrainVelocity({}, p, v));
+  EXPECT_EQ(all.jacobian({}, p).rows(), 0U);
   Probe probe;
   for (probe.value = 1.0; probe.value < 4.0; ++probe.value) all.pushBack(probe);
   EXPECT_FALSE(all.constrainPosition({}, p) || all.constrainVelocity({}, p, v));
