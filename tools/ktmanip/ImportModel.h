@@ -21,6 +21,7 @@ struct ImportOptions {
 /// of its map of mass properties, their shapes shapes of it, their frames named frames, all by the
 /// link's name. A planar joint becomes two slides and a hinge, joined by links without mass. Joints
 /// stand at 0, or at the limit next to it, and those that mimic another one where that puts them.
+/// No two links are candidates for a collision yet; the map of them lists those with shapes.
 ///
 /// @param model     the robot
 /// @param document  its text, for the order of joints

@@ -96,7 +96,7 @@ void warnAboutInertia(const KtRigidBodyMassProperties& mass, bool moves, const s
   } else if (!about.isValid()) {
     warnings.push_back(where +
                        "no body has this inertia about its centre of mass: a principal "
-                       "moment is negative, or greater than the sum of the others");
+                       "moment is not positive, or greater than the sum of the others");
   }
 }
 
