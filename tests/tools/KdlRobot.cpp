@@ -73,45 +73,55 @@ RobotAnswers askKdl(const RobotQuestion& question) {
   addBelow(tree, *model, root, answers.whyNot);
   if (!answers.whyNot.empty()) return answers;
 
-  answers.mass = 0.0;
+  double mass = 0.0;
   for (const auto& [name, element] : tree.getSegments()) {
-    answers.mass += element.segment.getInertia().getMass();
+    mass += element.segment.getInertia().getMass();
   }
   const std::size_t six = joints.size(), n = question.links.size(), all = six + n;
   joints.insert(joints.end(), question.links.begin(), question.links.end());
   std::vector<unsigned> at;
   for (const std::string& name : joints) at.push_back(tree.getSegment(name)->second.q_nr);
 
-  const auto torques = [&](const std::vector<double>& qd, std::size_t unit, double g) {
+  using List = std::vector<double>;
+  const auto torques = [&](const List& rates, const List& accelerations, double g) {
     const unsigned size = tree.getNrOfJoints();
     KDL::JntArray position(size), rate(size), acceleration(size), torque(size);
     for (std::size_t i = 0; i < n; ++i) position(at[six + i]) = question.q[i];
-    for (std::size_t i = 0; i < qd.size(); ++i) rate(at[six + i]) = qd[i];
-    if (unit < all) acceleration(at[unit]) = 1.0;
+    for (std::size_t i = 0; i < all; ++i) rate(at[i]) = rates[i];
+    for (std::size_t i = 0; i < all; ++i) acceleration(at[i]) = accelerations[i];
     KDL::TreeIdSolver_RNE solver(tree, KDL::Vector(0.0, 0.0, -g));
     solver.CartToJnt(position, rate, acceleration, KDL::WrenchMap(), torque);
     Eigen::VectorXd result(static_cast<Eigen::Index>(all));
     for (std::size_t i = 0; i < all; ++i) result[static_cast<Eigen::Index>(i)] = torque(at[i]);
     return result;
   };
-  const Eigen::VectorXd weights = torques({}, all, 9.81);
-  Eigen::MatrixXd mass(all, all);
-  for (std::size_t i = 0; i < all; ++i)
-    mass.col(static_cast<Eigen::Index>(i)) = torques({}, i, 0.0);
-  Eigen::VectorXd net = -torques(question.qd, all, 9.81);
-  for (std::size_t i = 0; i < n; ++i) net[static_cast<Eigen::Index>(six + i)] += question.tau[i];
-  const Eigen::VectorXd acceleration = mass.ldlt().solve(net);
-
-  for (std::size_t i = six; i < six + all; ++i) {
-    // Those of the joints, then those of the base, which the lists here have first.
-    answers.accelerations.push_back(acceleration[static_cast<Eigen::Index>(i % all)]);
+  // The base is at rest, and its lists come first here.
+  const auto whole = [six](List list) {
+    list.insert(list.begin(), six, 0.0);
+    return list;
+  };
+  const auto inOrder = [six](const Eigen::VectorXd& v) {
+    List list(v.begin() + static_cast<long>(six), v.end());
+    list.insert(list.end(), v.begin(), v.begin() + static_cast<long>(six));
+    return list;
+  };
+  const List none(all, 0.0), rates = whole(question.qd);
+  Eigen::MatrixXd matrix(all, all);
+  for (std::size_t i = 0; i < all; ++i) {
+    List unit = none;
+    unit[i] = 1.0;
+    matrix.col(static_cast<Eigen::Index>(i)) = torques(none, unit, 0.0);
   }
-  for (std::size_t i = six; i < all; ++i) {
-    answers.gravityTorques.push_back(weights[static_cast<Eigen::Index>(i)]);
-    for (std::size_t k = six; k < all; ++k) {
-      answers.massMatrix.push_back(
-          mass(static_cast<Eigen::Index>(i), static_cast<Eigen::Index>(k)));
-    }
-  }
+  const List pushes = whole(question.tau);
+  const Eigen::VectorXd net =
+      Eigen::Map<const Eigen::VectorXd>(pushes.data(), static_cast<Eigen::Index>(all)) -
+      torques(rates, none, 9.81);
+  const auto joint = Eigen::seqN(static_cast<Eigen::Index>(six), n);
+  const Eigen::MatrixXd ofJoints = matrix(joint, joint);
+  answers.lists["mass"] = {mass};
+  answers.lists["gravity"] = inOrder(torques(none, none, 9.81));
+  answers.lists["mass matrix"] = List(ofJoints.data(), ofJoints.data() + ofJoints.size());
+  answers.lists["inverse dynamics"] = inOrder(torques(rates, whole(question.qdd), 9.81));
+  answers.lists["forward dynamics"] = inOrder(matrix.ldlt().solve(net));
   return answers;
 }

@@ -2,6 +2,7 @@
 #include <tinyxml2.h>
 
 #include <Eigen/Dense>
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -119,9 +120,10 @@ RobotAnswers askMujoco(const RobotQuestion& question) {
     sharpen(*link, *model);
   }
   model->opt.disableflags |= mjDSBL_CONSTRAINT | mjDSBL_PASSIVE;
+  model->opt.enableflags |= mjENBL_ENERGY;
   const std::unique_ptr<mjData, decltype(&mj_deleteData)> data(mj_makeData(model.get()),
                                                                mj_deleteData);
-  std::vector<int> at;
+  std::vector<int> at, bodies;
   for (std::size_t i = 0; i < question.links.size(); ++i) {
     const int joint = mj_name2id(model.get(), mjOBJ_JOINT, joints[question.links[i]].c_str());
     if (joint < 0) {
@@ -129,30 +131,47 @@ RobotAnswers askMujoco(const RobotQuestion& question) {
       return answers;
     }
     at.push_back(model->jnt_dofadr[joint]);
+    bodies.push_back(model->jnt_bodyid[joint]);
     data->qpos[model->jnt_qposadr[joint]] = question.q[i];
   }
+  std::vector<int> all = at;  // those of the base too
+  if (question.freeBase) {
+    const int base = model->jnt_dofadr[mj_name2id(model.get(), mjOBJ_JOINT, "the free joint")];
+    for (int i = 0; i < 6; ++i) all.push_back(base + i);
+  }
+  auto& lists = answers.lists;
+  const auto take = [](std::vector<double>& list, const mjtNum* from, const std::vector<int>& of) {
+    for (const int i : of) list.push_back(from[i]);
+  };
   mj_forward(model.get(), data.get());
+  take(lists["gravity"], data->qfrc_bias, all);
   std::vector<mjtNum> mass(static_cast<std::size_t>(model->nv) *
                            static_cast<std::size_t>(model->nv));
   mj_fullM(model.get(), mass.data(), data->qM);
-  for (const int i : at) {
-    answers.gravityTorques.push_back(data->qfrc_bias[i]);
-    for (const int k : at) {
-      answers.massMatrix.push_back(mass[static_cast<std::size_t>(i * model->nv + k)]);
-    }
-  }
+  for (const int i : at) take(lists["mass matrix"], mass.data() + i * model->nv, at);
   for (std::size_t i = 0; i < at.size(); ++i) {
     data->qvel[at[i]] = question.qd[i];
     data->qfrc_applied[at[i]] = question.tau[i];
   }
   mj_forward(model.get(), data.get());
-  for (const int i : at) answers.accelerations.push_back(data->qacc[i]);
+  take(lists["forward dynamics"], data->qacc, all);
+  for (const int body : bodies) {
+    take(lists["positions"], data->xpos + 3 * body, {0, 1, 2});
+    take(lists["axes"], data->xmat + 9 * body, {0, 3, 6, 1, 4, 7, 2, 5, 8});
+    mjtNum velocity[6];  // with the angular part first
+    mj_objectVelocity(model.get(), data.get(), mjOBJ_XBODY, body, velocity, 0);
+    take(lists["velocities"], velocity, {3, 4, 5, 0, 1, 2});
+  }
   if (question.freeBase) {
     // It counts no mass that is fixed to the outside.
-    answers.mass = 0.0;
-    for (int i = 0; i < model->nbody; ++i) answers.mass += model->body_mass[i];
-    const int base = model->jnt_dofadr[mj_name2id(model.get(), mjOBJ_JOINT, "the free joint")];
-    for (int i = 0; i < 6; ++i) answers.accelerations.push_back(data->qacc[base + i]);
+    lists["mass"] = {0.0};
+    for (int i = 0; i < model->nbody; ++i) lists["mass"][0] += model->body_mass[i];
+    take(lists["centre of mass"], data->subtree_com, {0, 1, 2});
+    take(lists["energies"], data->energy, {1, 0});
   }
+  std::fill_n(data->qacc, model->nv, 0.0);
+  for (std::size_t i = 0; i < at.size(); ++i) data->qacc[at[i]] = question.qdd[i];
+  mj_inverse(model.get(), data.get());
+  take(lists["inverse dynamics"], data->qfrc_inverse, all);
   return answers;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,17 +12,14 @@ struct RobotQuestion {
   std::string file;
   bool freeBase = false;
   std::vector<std::string> links;  ///< Names of the moving links; lists are in their order.
-  std::vector<double> q, qd, tau;
+  std::vector<double> q, qd, qdd, tau;
 };
 
-/// The answers, or why there are none.
+/// The answers, by what they answer, or why there are none: lists of numbers, links after each
+/// other, matrices row by row, what is of a free base behind what is of the joints.
 struct RobotAnswers {
   std::string whyNot;
-  double mass = -1.0;  ///< Negative if it isn't told.
-  std::vector<double> gravityTorques;
-  std::vector<double> massMatrix;  ///< Row by row.
-  /// Accelerations of the joints, behind them those of a free base: linear, angular.
-  std::vector<double> accelerations;
+  std::map<std::string, std::vector<double>> lists;
 };
 
 /// The Orocos Kinematics and Dynamics Library.
