@@ -20,7 +20,7 @@ struct Outcome {
 
 Outcome run(const std::string& arguments) {
   Outcome outcome;
-  FILE* pipe = popen((KTMANIP " " + arguments + " 2>&1").c_str(), "r");
+  FILE* pipe = popen(("exec 2>&1; " KTMANIP " " + arguments).c_str(), "r");
   if (pipe == nullptr) return outcome;
   char buffer[4096];
   while (const std::size_t n = fread(buffer, 1, sizeof buffer, pipe))
@@ -60,7 +60,7 @@ TEST(Command, ImportsInspectsAndEvaluates) {
   EXPECT_EQ(cart["joint"]["maxTorque"], 9.0);
   EXPECT_THAT(run("inspect " + xml).text, HasSubstr("rail: fixed base, 1 joints"));
 
-  const Outcome evaluate = run("evaluate --json --gravity 0 0 -2 --q=-0.25 " + xml);
+  const Outcome evaluate = run("evaluate --json --q=' -0.25' --gravity 0 0 -2 " + xml);
   EXPECT_EQ(evaluate.status, 0);
   const Json m = Json::parse(evaluate.text)["manipulators"][0];
   EXPECT_EQ(m["gravityTorques"], Json::array({-8.0}));
@@ -90,12 +90,16 @@ TEST(Command, FailsWithAReason) {
       {"import " + bad, "--output"},
       {"import " + bad + " -o /dev/null", bad + ":2: <link> has no name"},
       {"import no-file.urdf -o /dev/null", "no-file.urdf: can't be read"},
+      {"import " + bad + " -o " + bad, bad + ": would be written over"},
+      {"import / -o /dev/null", "/: can't be read"},
       {"inspect no-file.xml", "no-file.xml"},
+      {"inspect " + good + " >/dev/full", "output can't be written"},
       {"inspect " + bad, bad + ":1"},
       {"evaluate " + good + " --q=1", "--q has 1 values, but two-link arm has 2 joints"},
       {"evaluate " + good + " --tau=1,two", "--tau: \"two\" is not a number"},
       {"evaluate " + good + " --tau=1,", "--tau: \"\" is not a number"},
       {"evaluate " + good + " --manipulator 1", "counted from 0"},
+      {"evaluate " + good + " --qd=1e200,0", "is not finite"},
       {"evaluate " + good + " --gravity 0 9.81", "--gravity"},
       {"simulate " + good + " --step 1", "--duration"},
       {simulate + "0", good + ": a step of 0 s: it has to be more than 0"},
@@ -109,6 +113,7 @@ TEST(Command, FailsWithAReason) {
       {simulate + "0.1 --csv /no-folder/a.csv", "/no-folder/a.csv: can't be written"},
       {simulate + "0.1 --csv /dev/full", "/dev/full: not everything could be written"},
       {simulate + "0.1 --final /dev/full", "/dev/full: can't be written"},
+      {"evaluate " + good + " --gravity 0 0 nan", "--gravity: \"nan\" is not a number"},
   };
   for (const auto& c : cases) {
     const Outcome outcome = run(c.arguments);

@@ -1,5 +1,4 @@
 // What `ktmanip evaluate` answers, against closed forms and the laws that its answers obey.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,8 +8,6 @@
 #include "ktManipulator/ktManipulator.h"
 
 namespace {
-
-using testing::HasSubstr;
 
 // A bob of 2 kg, 0.5 m below a hinge about y that stands 1 m above the origin, with a rotor.
 KtStatedSystem pendulum() {
@@ -75,24 +72,6 @@ TEST(Evaluate, APendulumObeysItsClosedForms) {
   near(rod["primaryFrame"]["rotation"][2], std::sin(0.5 * q));
 }
 
-TEST(Evaluate, FreeBodiesFall) {
-  const ImportResult imported = importUrdf(
-      "<robot name='r'><link name='b'><inertial><origin xyz='1 0 0'/><mass value='3'/><inertia "
-      "ixx='1' iyy='1' izz='1' ixy='0' ixz='0' iyz='0'/></inertial></link></robot>",
-      {true, ""});
-  EvaluateOptions options;
-  options.upGravity = KtVector(0, 2, 0);
-  Json result;
-  std::string error;
-  ASSERT_TRUE(evaluate(imported.system, options, result, error)) << error;
-  const Json& m = result["manipulators"][0];
-  const double fall[] = {0, -2, 0, 0, 0, 0}, hold[] = {0, 6, 0, 0, 0, 6};
-  for (std::size_t i = 0; i < 6; ++i) {
-    EXPECT_NEAR(m["forwardDynamics"]["baseAcceleration"][i].get<double>(), fall[i], 1e-14);
-    EXPECT_NEAR(m["inverseDynamics"]["baseForce"][i].get<double>(), hold[i], 1e-14);
-  }
-}
-
 // The dynamics that are told undo each other, on an arm with rotors, gears and friction, and the
 // numbers survive their text.
 TEST(Evaluate, ForwardUndoesInverse) {
@@ -114,23 +93,6 @@ TEST(Evaluate, ForwardUndoesInverse) {
   for (std::size_t i = 0; i < 6; ++i) {
     EXPECT_NEAR(found[i].get<double>(), (*options.qdd)[i], 1e-9);
   }
-}
-
-TEST(Evaluate, RefusesListsThatDoNotFit) {
-  const KtStatedSystem system = pendulum();
-  Json result;
-  std::string error;
-  EvaluateOptions options;
-  options.tau = {{1.0, 2.0}};
-  EXPECT_FALSE(evaluate(system, options, result, error));
-  EXPECT_THAT(error, HasSubstr("--tau has 2 values, but post has 1 joints"));
-  options = {};
-  options.manipulator = 1;
-  EXPECT_FALSE(evaluate(system, options, result, error));
-  options = {};
-  options.qd = {{1e200}};
-  EXPECT_FALSE(evaluate(system, options, result, error));
-  EXPECT_THAT(error, HasSubstr("is not finite"));
 }
 
 }  // namespace
