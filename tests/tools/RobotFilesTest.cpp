@@ -175,7 +175,7 @@ TEST_P(RobotFiles, SimulateByBothMethods) {
   for (const bool freeBase : {false, true}) {
     SCOPED_TRACE(freeBase ? "free base" : "fixed base");
     KtStatedSystem start;
-    import(freeBase, start);
+    import(GetParam(), freeBase, start);
     if (HasFatalFailure()) return;
     // Only the composite method has the constraints of mimicking joints.
     const bool comparable = start.system().manipulators()[0].stateEqualityConstraints().doc() == 0;
