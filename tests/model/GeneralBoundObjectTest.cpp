@@ -73,8 +73,7 @@ TEST(GeneralBoundObject, RepeatsItsLastPlaceWhereNothingFits) {
   const auto expectMessage = [&](Scene& in, const std::string& message) {
     const KtLogCapture log;
     EXPECT_EQ(body.locationInSystem(in.activeState, in.arm), before);
-    EXPECT_EQ(log.messages(),
-              (std::vector{KtLogCapture::Message{Kt::Print::kError, name + message}}));
+    EXPECT_EQ(log.errors(), name + message);
   };
   body.setlinkIdentifier("nobody");
   expectMessage(scene, "invalid link identifier.\n");

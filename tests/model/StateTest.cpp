@@ -114,15 +114,11 @@ TEST_F(States, OfUnequalSizesInterpolateAsFarAsTheyAgree) {
   const System untouched = out;
   EXPECT_FALSE(out.linearFactorInterpolation(systemState({1}, 1.0), systemState({1, 1}, 2.0), 0.5));
   EXPECT_EQ(out, untouched);
-  const std::vector<KtLogCapture::Message> expected = {
-      {Kt::Print::kError,
-       "KtPositionState::linearInterpolation(): the two joint-position sizes (3 and 2) do not "
-       "match"},
-      {Kt::Print::kError,
-       "KtVelocityState::linearInterpolation velocityState1.jointVelocities() size mismatch."},
-      {Kt::Print::kError,
-       "KtManipulatorSystemState::linearFactorInterpolation: positionStates size mismatch."}};
-  EXPECT_EQ(log.messages(), expected);
+  EXPECT_EQ(log.errors(),
+            "KtPositionState::linearInterpolation(): the two joint-position sizes (3 and 2) do not "
+            "match"
+            "KtVelocityState::linearInterpolation velocityState1.jointVelocities() size mismatch."
+            "KtManipulatorSystemState::linearFactorInterpolation: positionStates size mismatch.");
 
   // Velocity states that state 2 lacks are those of state 1.
   const System a = states::random({1, 1}, {1, 2}, 0.0);
@@ -366,10 +362,9 @@ TEST(ExternalForce, FindsTheForceOfALink) {
   EXPECT_EQ(forces.baseForce(), force * 2.0);
   EXPECT_EQ(log.text(), "");
   EXPECT_EQ(&constant[2], &KtManipulatorExternalForce::m_theNullGeneralForce);
-  const std::vector<KtLogCapture::Message> expected = {
-      {Kt::Print::kError,
-       "KtManipulatorExternalForce::operator[]: index 2 out of range.  Returning zero force.\n"}};
-  EXPECT_EQ(log.messages(), expected);
+  EXPECT_EQ(
+      log.errors(),
+      "KtManipulatorExternalForce::operator[]: index 2 out of range.  Returning zero force.\n");
   forces.setToZeros();
   EXPECT_EQ(forces[1], KtGeneralForce());
   EXPECT_EQ(forces.baseForce(), KtGeneralForce());

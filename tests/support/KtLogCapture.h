@@ -30,6 +30,14 @@ class KtLogCapture {
     for (const auto& message : messages_) all += message.text;
     return all;
   }
+  /// The same, with a mark before each that is no error.
+  std::string errors() const {
+    std::string all;
+    for (const auto& message : messages_) {
+      all += (message.type == Kt::Print::kError ? "" : "(no error) ") + message.text;
+    }
+    return all;
+  }
   bool contains(const std::string& part) const { return text().find(part) != std::string::npos; }
   void clear() { messages_.clear(); }
 
