@@ -181,6 +181,26 @@ TEST_F(Links, MassIsTheSumOfWhatIsThere) {
   Link tree = smallTree();
   EXPECT_FALSE(tree.replaceMassProperties("S", load));
   EXPECT_EQ(tree.childLinks()[0].childLinks()[0].massProperties(), load);
+  EXPECT_FALSE(tree.replaceJointActuator("Q", KtJointActuator::defaultObject()));
+  EXPECT_EQ(tree.childLinks()[1].jointActuator(), KtJointActuator::defaultObject());
+}
+
+TEST_F(Links, AttachedManipulatorsAddTheMassOfTheirRoot) {
+  KtStatedSystem stated;
+  for (const int links : {1, 2}) stated.addManipulator(trees::randomManipulator(links));
+  const Link& link = *stated.system().manipulators()[0].linkByIndex(0);
+  const T offset = randomTransformation();
+  KtManipulatorAttachmentMap attachments;
+  attachments.attachManipulator(1, 0, link.label(), offset);
+  stated.setManipulatorAttachmentMap(attachments);
+  KtStatedSystemStruct asker;
+  asker.statedSystem = &stated;
+  Mass all = stated.system().manipulators()[1].massProperties();
+  all.transformBy(offset);
+  all += link.massProperties();
+  EXPECT_TRUE(link.massProperties(&asker).approxEq(all, 1e-13));
+  all.transformBy(link.primaryFrame());
+  EXPECT_TRUE(link.massPropertiesInDHFrame(&asker).approxEq(all, 1e-12));
 }
 
 TEST_F(Links, MovingThePrimaryFrameLeavesTheBody) {
@@ -330,9 +350,16 @@ TEST_F(Links, PropertiesAreReplacedAndTheActuatorIsBound) {
   EXPECT_EQ(target.namedPoints(), source.namedPoints());
   EXPECT_EQ(target.numShapes(), 1U);
   expectSound(target);
-  // Its limit is one of its own joint.
+  // Its limit is one of its own joint, and its actuator reads its own entry of a state.
   const KtPositionState state = states::at(states::joints({0.0, 0.0, 0.0, 0.25, 0.0}));
   EXPECT_EQ(target.upperLimitConstraint().evaluate(state), 0.25);
+  const KtVelocityState velocity = states::moving(states::randomJoints(5));
+  KtManipulatorActiveState active;
+  active.setPositionState(state);
+  active.setVelocityState(velocity);
+  active.setAccelerationState(KtAccelerationState::zeroCompatibleState(velocity));
+  target.jointActuator().initializeActuatorStates(active);
+  EXPECT_EQ(active.actuatorState().motorPositions()[3], 0.25);
   Link copy;
   source.copyLinkProperties(copy);
   EXPECT_EQ(copy.label(), "source");

@@ -146,7 +146,9 @@ TEST_F(Manipulators, ReferencesKeepNoLinksThatHaveMoved) {
   // What it stood for is forgotten with the file that said so.
   KtXmlVectorType<Arm> others(1, trees::randomManipulator(3));
   others[0].changeLinkLabel("base", "");
+  EXPECT_FALSE(others[0].configureManipulatorReference(others));
   ASSERT_TRUE(arm.configureManipulatorReference(others));
+  EXPECT_EQ(arm.linkByIndex(2), others[0].linkByIndex(2));
   ASSERT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(Arm()), arm));
   EXPECT_EQ(arm.jointDof(), 0U);
 }

@@ -288,6 +288,16 @@ TEST_F(Shapes, LineSegmentsFromFarAwayMeetSmallBodies) {
   });
 }
 
+TEST_F(Shapes, EveryKindIsReadInAHolder) {
+  forEach([](const KtBasePhysicalExtent& one) {
+    KtShapeContainer holder, back;
+    holder.setTopElement(one);
+    const std::string text = KtXmlWriter::writeString(holder);
+    EXPECT_TRUE(KtXmlReader::readString(text, back));
+    EXPECT_EQ(KtXmlWriter::writeString(back), text);
+  });
+}
+
 TEST_F(Shapes, NothingMeetsWhatIsNoNumber) {
   forEach([&](const KtBasePhysicalExtent& one) {
     const KtVector inside = one.volumeMoments().first / one.volume();
