@@ -64,6 +64,7 @@ void expectBodies(const Arm& arm, const std::vector<Body>& bodies) {
 TEST(ExampleModels, AreReadAndComeBackWithoutAMessage) {
   int count = 0;
   for (const auto& entry : std::filesystem::directory_iterator(pathOf(""))) {
+    if (entry.path().extension() != ".xml") continue;  // a robot to import
     SCOPED_TRACE(entry.path().filename().string());
     ++count;
     const KtLogCapture log;
