@@ -26,8 +26,11 @@ class KT_EXPORT KtConvexPolyhedron
   ///         polyhedron is flat. With a point that is not finite (or beyond 1e100) nothing changes.
   bool setFromPoints(const std::vector<KtVector>& points);
 
-  /// Exact equality.
-  bool operator==(const KtConvexPolyhedron&) const = default;
+  /// Exact equality of what a file holds. The faces follow from it, in an order that depends on how
+  /// the polyhedron was made.
+  bool operator==(const KtConvexPolyhedron& other) const {
+    return KtBasePolyhedralExtent::operator==(other);
+  }
   /// Name of the class in files.
   static const KtToken& classToken();
 

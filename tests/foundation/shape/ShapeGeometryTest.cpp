@@ -295,6 +295,7 @@ TEST_F(Shapes, EveryKindIsReadInAHolder) {
     const std::string text = KtXmlWriter::writeString(holder);
     EXPECT_TRUE(KtXmlReader::readString(text, back));
     EXPECT_EQ(KtXmlWriter::writeString(back), text);
+    EXPECT_TRUE(back == holder);
   });
 }
 
