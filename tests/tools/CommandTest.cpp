@@ -112,7 +112,12 @@ TEST(Command, FailsWithAReason) {
       {simulate + "0.1 --torque " + torque, torque + ":3: \"x\" is not a number"},
       {simulate + "0.1 --csv /no-folder/a.csv", "/no-folder/a.csv: can't be written"},
       {simulate + "0.1 --csv /dev/full", "/dev/full: not everything could be written"},
-      {simulate + "0.1 --final /dev/full", "/dev/full: can't be written"},
+      {simulate + "0.1 --csv " + good, good + ": would be written over"},
+      {simulate + "0.1 --torque /", "/: can't be read"},
+      {simulate + "0.1 --final /no-folder/a.xml", "/no-folder/a.xml: can't be written"},
+      {simulate + "0.1 --final " + torque + " --torque " + torque, torque + ": would be written"},
+      {simulate + "0.1 --final ./no-file --csv no-file", "can't take both --csv and --final"},
+      {simulate + "0.1 --final /dev/full", "/dev/full: the document can't be written"},
       {"evaluate " + good + " --gravity 0 0 nan", "--gravity: \"nan\" is not a number"},
   };
   for (const auto& c : cases) {

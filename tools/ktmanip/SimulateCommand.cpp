@@ -1,5 +1,8 @@
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <memory>
 
@@ -22,7 +25,49 @@ struct Arguments {
 const std::map<std::string, SimulationMethod> kMethods = {
     {"articulated", SimulationMethod::kArticulated}, {"composite", SimulationMethod::kComposite}};
 
+// Whether two names stand for one file, of which writing the one would lose the other.
+bool isSameFile(const std::string& one, const std::string& other) {
+  std::error_code code;
+  if (std::filesystem::exists(one, code)) {
+    return std::filesystem::is_regular_file(one, code) &&
+           std::filesystem::equivalent(one, other, code);
+  }
+  return !one.empty() && std::filesystem::absolute(one, code).lexically_normal() ==
+                             std::filesystem::absolute(other, code).lexically_normal();
+}
+
+// Whether a file could be opened for writing, as far as can be told without doing it.
+bool canBeWritten(const std::string& file) {
+  std::error_code code;
+  if (std::filesystem::exists(file, code)) {
+    return !std::filesystem::is_directory(file, code) && access(file.c_str(), W_OK) == 0;
+  }
+  const std::string folder = std::filesystem::path(file).parent_path().string();
+  return access(folder.empty() ? "." : folder.c_str(), W_OK) == 0;
+}
+
+// What is wrong with the files that are to be written; empty if nothing is. The last state may take
+// the place of the first.
+std::string wrongWithOutputs(const Arguments& arguments) {
+  const std::string& csv = arguments.options.csvFile;
+  const std::string& torques = arguments.options.torqueFile;
+  for (const std::string& input : {arguments.file, torques}) {
+    if (isSameFile(csv, input)) return csv + ": would be written over";
+  }
+  if (isSameFile(arguments.final, torques)) return torques + ": would be written over";
+  if (isSameFile(csv, arguments.final)) return csv + ": can't take both --csv and --final";
+  // Known now, and not behind a long run.
+  if (!arguments.final.empty() && !canBeWritten(arguments.final)) {
+    return arguments.final + ": can't be written";
+  }
+  return {};
+}
+
 int run(const Arguments& arguments) {
+  if (const std::string wrong = wrongWithOutputs(arguments); !wrong.empty()) {
+    std::fprintf(stderr, "%s\n", wrong.c_str());
+    return 1;
+  }
   KtStatedSystem system;
   if (!loadSystem(arguments.file, system)) return 1;
   SimulateOptions options = arguments.options;
@@ -43,11 +88,8 @@ int run(const Arguments& arguments) {
     std::fprintf(stderr, "%s\n", error.c_str());
     return 1;
   }
-  if (!arguments.final.empty() && !KtXmlWriter::writeFile(arguments.final, system)) {
-    std::fprintf(stderr, "%s: can't be written\n", arguments.final.c_str());
-    return 1;
-  }
-  return 0;
+  if (arguments.final.empty()) return 0;
+  return KtXmlWriter::writeFile(arguments.final, system) ? 0 : 1;  // which tells why
 }
 
 }  // namespace
