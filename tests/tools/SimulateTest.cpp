@@ -401,6 +401,7 @@ TEST(TorqueTable, TellsWhatIsWrong) {
       {"time,a\n1,1\n1,2\n", "t.csv:3: the time 1 is not after"},
       {"time,a\n1,1,\n", "t.csv:2: 3 values, but the header has 2"},
       {"time,a\n1,\"1\n", "t.csv:2: quotation marks are not closed"},
+      {"time,\"a", "t.csv:1: quotation marks are not closed"},
   };
   const std::vector<std::string> joints = {"a", "twin", "twin", "b\"\n,c"};
   TorqueTable table;

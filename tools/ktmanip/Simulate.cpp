@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 #include "Numbers.h"
 #include "ProgressBar.h"
@@ -46,12 +47,14 @@ bool checkOptions(const KtStatedSystem& system, const SimulateOptions& options,
 bool readTorques(const std::string& file, const Simulation& simulation, TorqueTable& table,
                  std::string& error) {
   std::ifstream stream(file, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  if (!stream) {
+  std::ostringstream text;
+  std::error_code code;
+  if (!stream || std::filesystem::is_directory(file, code)) {
     error = file + ": can't be read";
     return false;
   }
-  return table.read(text, file, simulation.jointNames(), error);
+  text << stream.rdbuf();
+  return table.read(text.str(), file, simulation.jointNames(), error);
 }
 
 // How much viscous friction and its own damper hinder a joint, as torque per rate of the joint.

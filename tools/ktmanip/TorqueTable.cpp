@@ -79,6 +79,7 @@ bool TorqueTable::read(std::string_view text, const std::string& file,
   };
   std::vector<std::string> fields;
   if (!csv.next(fields)) return fail("empty; the first line has to be a header, time,<joint>,...");
+  if (csv.quotesAreOpen()) return fail("quotation marks are not closed");
   if (withoutBlanks(fields.front()) != "time") {
     return fail("the header begins with \"" + fields.front() + "\" in the place of \"time\"");
   }
