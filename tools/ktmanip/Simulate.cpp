@@ -229,7 +229,8 @@ std::string describeSimulation(const SimulateResult& result) {
          "), at the end ", shortTextOf(after), " J (", shortTextOf(result.kineticAfter), ", ",
          shortTextOf(result.potentialAfter), ")"});
     std::string drift = "energy drift " + shortTextOf(after - before) + " J";
-    if (result.greatestKinetic > 0.0) {
+    // A mechanism at rest has some kinetic energy by rounding, which is no measure.
+    if (result.greatestKinetic > 1e-9 * std::fmax(std::abs(before), std::abs(after))) {
       drift += ", " + shortTextOf(100.0 * (after - before) / result.greatestKinetic) +
                " % of the greatest kinetic energy seen, " + shortTextOf(result.greatestKinetic) +
                " J; torques, friction, dampers and limits count as drift, too";
