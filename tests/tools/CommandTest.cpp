@@ -86,7 +86,7 @@ TEST(Command, FailsWithAReason) {
     std::string arguments, reason;
   } cases[] = {
       {"", "subcommand"},
-      {"transmogrify", "subcommand"},
+      {"transmogrify", "not expected: transmogrify"},
       {"import " + bad, "--output"},
       {"import " + bad + " -o /dev/null", bad + ":2: <link> has no name"},
       {"import no-file.urdf -o /dev/null", "no-file.urdf: can't be read"},

@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
   try {
     CLI::App app{"Imports, inspects, evaluates and simulates mechanisms of rigid links."};
     app.set_version_flag("--version", KTMANIP_VERSION);
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);  // one of its own below, so that a misspelt one is named
     int status = 0;
     addImport(app, status);
     addInspect(app, status);
@@ -20,6 +20,7 @@ int main(int argc, char** argv) {
     addSimulate(app, status);
     try {
       app.parse(argc, argv);
+      if (app.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
     } catch (const CLI::ParseError& e) {
       return app.exit(e);
     }
