@@ -155,13 +155,13 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
                            KtSystemActiveState& activeState) const;
   /// Advances a state to a time, in one step. Joints stop at their limits, attached manipulators
   /// follow their parents, those that collide take back their positions, and so do those of which a
-  /// stopping criterion is satisfied. The time reaches the target in any case.
+  /// stopping criterion is satisfied. Velocities and time stay advanced in any case.
   ///
   /// @param time                 the target, s; it may lie before the state's
   /// @param state                the state; it should fit the system
   /// @param results              receives one record for each manipulator. Those that are there are
   ///                             not reset.
-  /// @param activeState          gives the accelerations
+  /// @param activeState          gives the accelerations; a collision check sets its state
   /// @param collisionCheckMode   1: in a collision all manipulators take back their positions; 2:
   ///                             those that collide do; else none is looked for
   /// @param reservedFactor       without effect; 1

@@ -15,8 +15,8 @@ class KT_EXPORT KtBaseStoppingCriterion : public KtXmlCompoundType {
   virtual const KtString& descriptiveText() const = 0;
   /// Whether the criterion is satisfied.
   ///
-  /// @param activeState       the state; may be filled further
-  /// @param statedSystem      the system and its state of before the step
+  /// @param activeState       as the caller left it, behind a collision check in the new state
+  /// @param statedSystem      the system; its own state is new already where it is propagated
   /// @param time              the time at the end of the step, s
   /// @param manipulatorIndex  the manipulator that carries the criterion
   /// @param result            where a satisfied criterion registers its text
