@@ -25,10 +25,11 @@ struct Bounds {
   return {actuator.lowerLimit(), actuator.upperLimit(), actuator.maxOutputRate()};
 }
 
-// Link, actuator and holder contain each other by value, so that their own operations can be named.
+// Actuator and holder are contained by value, so that their own operations can be named.
 inline Bounds boundsOf(const KtManipulatorLink& link) {
   using Mechanics = KtMechanicalActuatorComponent;
   using Holder = KtMechanicalActuatorComponentContainer;
+  if (!isPlain<KtManipulatorLink>(link)) return askedBounds(link.jointActuator());
   const KtJointActuator& actuator = link.actuator();
   const Mechanics* part =
       actuator.KtJointActuator::mechanicalComponentContainer().Holder::element();

@@ -58,7 +58,7 @@ TEST(Command, ImportsInspectsAndEvaluates) {
   EXPECT_EQ(inspect.status, 0);
   const Json cart = Json::parse(inspect.text)["manipulators"][0]["links"][1];
   EXPECT_EQ(cart["joint"]["maxTorque"], 9.0);
-  EXPECT_THAT(run("inspect " + xml).text, HasSubstr("rail: fixed base, 1 joints"));
+  EXPECT_THAT(run("inspect " + xml).text, HasSubstr("rail: fixed base, 1 joint,"));
 
   const Outcome evaluate = run("evaluate --json --q=' -0.25' --gravity 0 0 -2 " + xml);
   EXPECT_EQ(evaluate.status, 0);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "Commands.h"
+#include "Numbers.h"
 #include "ktManipulator/kinematics/KtDenavitHartenberg.h"
 
 namespace {
@@ -141,10 +142,14 @@ void printTable(const Json& description) {
   };
   const auto text = [](const Json& value) { return value.get<std::string>(); };
   for (const Json& m : description["manipulators"]) {
-    std::printf("%s: %s base, %u joints, %u degrees of freedom, %zu equality constraints\n",
-                text(m["label"]).c_str(), m["fixedBase"].get<bool>() ? "fixed" : "free",
-                m["joints"].get<unsigned>(), m["degreesOfFreedom"].get<unsigned>(),
-                m["equalityConstraints"].get<std::size_t>());
+    const auto count = [&m](const char* name, const char* one, const char* many) {
+      return counted(m[name].get<std::uint64_t>(), one, many);
+    };
+    std::printf(
+        "%s: %s base, %s, %s, %s\n", text(m["label"]).c_str(),
+        m["fixedBase"].get<bool>() ? "fixed" : "free", count("joints", "joint", "joints").c_str(),
+        count("degreesOfFreedom", "degree of freedom", "degrees of freedom").c_str(),
+        count("equalityConstraints", "equality constraint", "equality constraints").c_str());
     std::printf("mass %s kg, centre of mass at (%s, %s, %s) m\n\n", number(m["mass"]).c_str(),
                 number(m["centerOfMass"][0]).c_str(), number(m["centerOfMass"][1]).c_str(),
                 number(m["centerOfMass"][2]).c_str());

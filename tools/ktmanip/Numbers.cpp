@@ -66,3 +66,7 @@ bool isWritable(const std::string& text) {
     return false;  // it writes UTF-8 only
   }
 }
+
+std::string counted(std::uint64_t count, const char* one, const char* many) {
+  return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,3 +26,6 @@ std::string shortTextOf(double value);
 
 /// Whether a text may stand in a system's file: UTF-8, and no control characters.
 bool isWritable(const std::string& text);
+
+/// A number of things in words, such as "1 step" or "2 steps".
+std::string counted(std::uint64_t count, const char* one, const char* many);

@@ -212,11 +212,11 @@ std::string describeSimulation(const SimulateResult& result) {
     text += '\n';
   };
   const auto happened = [](const SimulationEvent& event) {
-    return "first at " + shortTextOf(event.first) + " s, in " + std::to_string(event.count) +
-           (event.count == 1 ? " step" : " steps");
+    return "first at " + shortTextOf(event.first) + " s, in " +
+           counted(event.count, "step", "steps");
   };
-  add({std::to_string(result.steps), " steps, ", shortTextOf(result.simulated), " s simulated in ",
-       shortTextOf(result.wall), " s"});
+  add({counted(result.steps, "step", "steps"), ", ", shortTextOf(result.simulated),
+       " s simulated in ", shortTextOf(result.wall), " s"});
   if (result.steps > 0) {
     add({shortTextOf(static_cast<double>(result.steps) / result.wall), " steps/s, ",
          shortTextOf(result.simulated / result.wall), " times real time"});

@@ -38,7 +38,7 @@ struct SimulateResult {
 ///
 /// A run that is continued from its last state gives the same bits as one that goes through, where
 /// start and duration are multiples of the step: but for what is no part of a state, the bristles
-/// of static friction, the rotors of joints that are not rigid, and door latches.
+/// of static friction, and the rotors of joints that are not rigid.
 ///
 /// @param system  in: where it starts. Out: where it ends, also if it ends early
 /// @param error   receives what went wrong
