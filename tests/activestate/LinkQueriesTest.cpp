@@ -152,6 +152,31 @@ TEST_F(LinkQueries, VelocitiesAndAccelerationsAreDifferencesOfFrames) {
   });
 }
 
+// Of a derived class it isn't known that the joint moves as the plain one does.
+class Derived : public KtXmlPersistent<Derived, KtDenavitHartenberg> {
+ public:
+  bool operator==(const Derived&) const = default;
+  static const KtToken& classToken() {
+    static const KtToken token("derivedJoint");
+    return token;
+  }
+};
+
+TEST_F(LinkQueries, AccelerationsOfJointsThatOnlyTellTheirMotionAreDifferencesToo) {
+  Course course(6);
+  for (KtU32 i = 0; i < course.count; ++i) {
+    Derived joint;
+    joint.setJointType(i % 2 == 0 ? Derived::kPrismatic : Derived::kRotational);
+    joint.setPrecursor(randomTransformation());
+    const_cast<Link*>(course.arm.linkByIndex(i))->setLinkKinematics(joint);
+  }
+  Active active = course.present();
+  for (const Link* link : course.links()) {
+    EXPECT_TRUE(near(link->dhFrameAccelerationInLocal(active),
+                     differences::acceleration(course.path(*link)), kSecond));
+  }
+}
+
 // One body in system axes, from the motion of its centre of mass by differences.
 struct Body {
   const Link* link;
