@@ -22,6 +22,13 @@ void* operator new(std::size_t bytes) {
 void* operator new[](std::size_t bytes) {
   return allocate(bytes);
 }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+  try {
+    return allocate(bytes);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
