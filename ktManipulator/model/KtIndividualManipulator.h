@@ -271,8 +271,8 @@ class KT_EXPORT KtIndividualManipulator
   virtual void computeZeroMomentPoint(const KtVector& gravity, const KtPlane& plane,
                                       KtManipulatorActiveState& activeState, KtVector& point,
                                       const KtStatedSystemStruct* asker) const;
-  /// The kinetic energy, J.
-  ///
+  /// The kinetic energy, J. The velocity of a free base counts as given in the axes of the base:
+  /// for a turned one, turn a copy of the state's, which is in those of the system.
   /// @param tool  one to be used; null takes one of its own
   virtual double computeKineticEnergy(KtManipulatorActiveState& activeState, KtMassMatrixTool* tool,
                                       const KtStatedSystemStruct* asker) const;
