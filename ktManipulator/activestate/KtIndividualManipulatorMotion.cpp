@@ -2,7 +2,7 @@
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/geometry/KtPlane.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
-#include "ktManipulator/model/KtManipulatorExternalForce.h"
+#include "ktManipulator/state/KtManipulatorExternalForce.h"
 
 using Kt::detail::RotationMatrix;
 

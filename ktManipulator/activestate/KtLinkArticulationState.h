@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ktManipulator/dynamics/KtArticulatedBodyDynamics.h"
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
 #include "ktManipulator/foundation/containers/KtXmlFlagMask.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
@@ -8,6 +7,7 @@
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+#include "ktManipulator/inertia/KtArticulatedBodyDynamics.h"
 
 /// The articulated dynamics of one link: an entry of a `KtManipulatorActiveArticulationState`.
 ///

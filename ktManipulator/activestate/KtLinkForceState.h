@@ -6,7 +6,7 @@
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
-#include "ktManipulator/model/KtExternalForceDescription.h"
+#include "ktManipulator/state/KtExternalForceDescription.h"
 
 /// The forces on one link: an entry of a `KtManipulatorActiveForceState`.
 ///

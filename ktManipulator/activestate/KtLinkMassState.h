@@ -1,11 +1,11 @@
 #pragma once
 
-#include "ktManipulator/dynamics/KtRigidBodyMassProperties.h"
 #include "ktManipulator/foundation/containers/KtXmlFlagMask.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+#include "ktManipulator/inertia/KtRigidBodyMassProperties.h"
 
 /// The composite inertia of one link: an entry of a `KtManipulatorActiveMassState`.
 ///

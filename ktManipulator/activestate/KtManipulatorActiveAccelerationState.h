@@ -3,7 +3,7 @@
 #include "ktManipulator/activestate/KtLinkAccelerationState.h"
 #include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
-#include "ktManipulator/model/KtAccelerationState.h"
+#include "ktManipulator/state/KtAccelerationState.h"
 
 /// The accelerations of one manipulator, and how its links accelerate as far as that was asked for.
 ///

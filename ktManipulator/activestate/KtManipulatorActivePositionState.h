@@ -3,7 +3,7 @@
 #include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/activestate/KtLinkPositionState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
-#include "ktManipulator/model/KtPositionState.h"
+#include "ktManipulator/state/KtPositionState.h"
 
 /// The positions of one manipulator, and where its links are as far as that was asked for.
 ///

@@ -3,7 +3,7 @@
 #include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/activestate/KtLinkVelocityState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
-#include "ktManipulator/model/KtVelocityState.h"
+#include "ktManipulator/state/KtVelocityState.h"
 
 /// The velocities of one manipulator, and how its links move as far as that was asked for.
 ///

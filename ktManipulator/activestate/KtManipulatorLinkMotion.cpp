@@ -4,9 +4,9 @@
 // that it stands on, and answers the entry. A link reads and writes entries without virtual calls.
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
-#include "ktManipulator/model/KtExternalForceDescription.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
-#include "ktManipulator/model/KtManipulatorExternalForce.h"
+#include "ktManipulator/state/KtExternalForceDescription.h"
+#include "ktManipulator/state/KtManipulatorExternalForce.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/collision/KtManipulatorLinkProximityState.h"
 #include "ktManipulator/collision/KtSystemActiveBoundingBoxState.h"
-#include "ktManipulator/foundation/shape/KtSystemShapeCollisionCache.h"
-#include "ktManipulator/model/KtManipulatorExternalForce.h"
-#include "ktManipulator/model/KtManipulatorSystemState.h"
+#include "ktManipulator/collision/KtSystemShapeCollisionCache.h"
+#include "ktManipulator/state/KtManipulatorExternalForce.h"
+#include "ktManipulator/state/KtManipulatorSystemState.h"
 
 /// The positions and velocities of all manipulators of a system, with all that was computed from
 /// them so far.

@@ -30,3 +30,10 @@ void KtSystemActiveBoundingBoxState::shapeKeyIDToIntervalID(KtShapeStateCacheKey
   for (KtU32 k = 0; k < own; ++k) first += manipulators[k].jointDof() + 1;
   interval = first + link;
 }
+
+void KtManipulatorSystem::buildBoundingBoxTreeFromEnvironment(
+    KtXmlVectorType<KtManipulatorActiveState>& /*activeStates*/) {}
+
+void KtManipulatorSystem::computeCollisionDetectionPrecisionLevel() {
+  collisionDetectionPrecisionLevel_ = 0;
+}

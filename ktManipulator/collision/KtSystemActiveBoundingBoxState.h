@@ -1,7 +1,7 @@
 #pragma once
 
+#include "ktManipulator/collision/KtShapeKeys.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
-#include "ktManipulator/foundation/shape/KtShapeKeys.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"

@@ -4,8 +4,8 @@
 #include <set>
 
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
-#include "ktManipulator/model/KtManipulatorLinkIdentifier.h"
-#include "ktManipulator/model/KtManipulatorLinkIndex.h"
+#include "ktManipulator/state/KtManipulatorLinkIdentifier.h"
+#include "ktManipulator/state/KtManipulatorLinkIndex.h"
 
 class KtIndividualManipulator;
 class KtManipulatorSystem;

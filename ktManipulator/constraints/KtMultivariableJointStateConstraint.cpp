@@ -1,6 +1,6 @@
 #include "ktManipulator/constraints/KtMultivariableJointStateConstraint.h"
 
-#include "ktManipulator/model/KtPositionState.h"
+#include "ktManipulator/state/KtPositionState.h"
 
 void KtMultivariableJointStateConstraint::registerComponents() {
   KtBaseStateConstraint::registerComponents();

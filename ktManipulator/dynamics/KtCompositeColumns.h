@@ -6,7 +6,7 @@
 
 #include "ktManipulator/foundation/geometry/KtRotationMatrix.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
-#include "ktManipulator/model/KtStatedSystemStruct.h"
+#include "ktManipulator/state/KtStatedSystemStruct.h"
 
 class KtIndividualManipulator;
 class KtManipulatorActiveState;

@@ -7,8 +7,8 @@
 #include "ktManipulator/dynamics/KtMassMatrixTool.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
-#include "ktManipulator/model/KtManipulatorExternalForce.h"
-#include "ktManipulator/model/KtManipulatorTorque.h"
+#include "ktManipulator/state/KtManipulatorExternalForce.h"
+#include "ktManipulator/state/KtManipulatorTorque.h"
 
 namespace {
 

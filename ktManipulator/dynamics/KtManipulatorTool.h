@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
-#include "ktManipulator/model/KtStatedSystemStruct.h"
+#include "ktManipulator/state/KtStatedSystemStruct.h"
 
 class KtIndividualManipulator;
 

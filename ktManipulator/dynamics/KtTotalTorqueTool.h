@@ -2,8 +2,8 @@
 
 #include "ktManipulator/dynamics/KtManipulatorTool.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
-#include "ktManipulator/model/KtManipulatorExternalForce.h"
-#include "ktManipulator/model/KtManipulatorTorque.h"
+#include "ktManipulator/state/KtManipulatorExternalForce.h"
+#include "ktManipulator/state/KtManipulatorTorque.h"
 
 /// What a joint's torque has of the mechanical component of its actuator.
 enum KtTotalTorqueType : KtU32 {

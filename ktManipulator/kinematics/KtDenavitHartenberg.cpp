@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "ktManipulator/actuation/KtJointActuator.h"
-#include "ktManipulator/dynamics/KtArticulatedBodyDynamics.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
+#include "ktManipulator/inertia/KtArticulatedBodyDynamics.h"
 
 template class KtXmlVectorType<KtDenavitHartenberg>;
 

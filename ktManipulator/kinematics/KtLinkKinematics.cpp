@@ -1,8 +1,8 @@
 #include "ktManipulator/kinematics/KtLinkKinematics.h"
 
-#include "ktManipulator/dynamics/KtArticulatedBodyDynamics.h"
 #include "ktManipulator/foundation/geometry/KtGeneralForce.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
+#include "ktManipulator/inertia/KtArticulatedBodyDynamics.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include "ktManipulator/constraints/KtStateConstraintVector.h"
 #include "ktManipulator/constraints/KtStateEqualityConstraintVector.h"
 #include "ktManipulator/foundation/geometry/KtSphere.h"
-#include "ktManipulator/model/KtGeneralBoundObjectVector.h"
+#include "ktManipulator/kinematics/KtGeneralBoundObjectVector.h"
 #include "ktManipulator/model/KtManipulatorLink.h"
 #include "ktManipulator/model/KtManipulatorReferenceDescription.h"
-#include "ktManipulator/propagation/KtPropagationResultData.h"
 #include "ktManipulator/propagation/KtStoppingCriterionVector.h"
+#include "ktManipulator/state/KtPropagationResultData.h"
 
 class KtAccelerationState;
 class KtManipulatorPointEvent;

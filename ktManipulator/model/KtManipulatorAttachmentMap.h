@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/containers/KtXmlPairType.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
-#include "ktManipulator/model/KtManipulatorLinkIdentifier.h"
+#include "ktManipulator/state/KtManipulatorLinkIdentifier.h"
 
 class KtIndividualManipulator;
 class KtManipulatorActivePositionState;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "ktManipulator/collision/KtShapeKeys.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
-#include "ktManipulator/foundation/shape/KtShapeKeys.h"
 #include "ktManipulator/kinematics/KtDenavitHartenberg.h"
 
 KtManipulatorSystem::KtManipulatorSystem(const KtManipulatorSystem& other)

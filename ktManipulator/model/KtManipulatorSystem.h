@@ -11,10 +11,10 @@
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtManipulatorAttachmentMap.h"
-#include "ktManipulator/model/KtManipulatorSystemState.h"
-#include "ktManipulator/model/KtManipulatorTorque.h"
 #include "ktManipulator/model/KtSystemEnvironment.h"
 #include "ktManipulator/propagation/KtLinkInteractionsVector.h"
+#include "ktManipulator/state/KtManipulatorSystemState.h"
+#include "ktManipulator/state/KtManipulatorTorque.h"
 
 class KtManipulatorActiveState;
 class KtShapeStateCacheKey;

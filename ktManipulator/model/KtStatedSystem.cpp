@@ -266,3 +266,86 @@ bool KtStatedSystem::scaleManipulatorBy(KtU32 index, double factor) {
   setSystem(scaledSystem);
   return true;
 }
+
+// Through the system
+
+const KtSystemEnvironment& KtStatedSystem::environment() const {
+  return system().environment();
+}
+
+void KtStatedSystem::rightSizeState(KtManipulatorSystemState& state) const {
+  system().rightSizeState(state);
+}
+
+KtSphere KtStatedSystem::absoluteBoundingSphere() const {
+  return system().absoluteBoundingSphere(state_);
+}
+
+KtU32 KtStatedSystem::jointDof() const {
+  return system().jointDof();
+}
+
+void KtStatedSystem::setEnvironment(const KtSystemEnvironment& environment) {
+  aboutToModifySystem();
+  system_->setEnvironment(environment);
+}
+
+bool KtStatedSystem::findAndConvertToReferences() {
+  aboutToModifySystem();
+  return system_->findAndConvertToReferences();
+}
+
+bool KtStatedSystem::setJointLimit(KtU32 index, const std::string& label, bool lower,
+                                   double value) {
+  aboutToModifySystem();
+  return system_->setJointLimit(index, label, lower, value);
+}
+
+bool KtStatedSystem::replaceLinkProperties(KtU32 index, const std::string& label,
+                                           const KtManipulatorLink& link, bool withShape) {
+  aboutToModifySystem();
+  return system_->replaceLinkProperties(index, label, link, withShape);
+}
+
+bool KtStatedSystem::setSurfacesByKey(const KtShapeStateCacheKey& key,
+                                      const KtSurfaceMap& surfaces) {
+  aboutToModifySystem();
+  return system_->setSurfacesByKey(key, surfaces);
+}
+
+// Through the system, for all that share it: programs count on seeing these in every copy.
+
+void KtStatedSystem::setCollisionExclusionMap(const KtSystemCollisionExclusionMap& map) {
+  if (system_ != nullptr) system_->setCollisionExclusionMap(map);
+}
+
+void KtStatedSystem::setManipulatorAttachmentMap(const KtManipulatorAttachmentMap& map) {
+  if (system_ != nullptr) system_->setManipulatorAttachmentMap(map);
+}
+
+void KtStatedSystem::truncateValues(const double& precision) {
+  if (system_ != nullptr) system_->truncateValues(precision);
+}
+
+bool KtStatedSystem::setSelfCollisionMap(const KtManipulatorSelfCollisionLinkMap& map,
+                                         const KtU32& index) {
+  return system_ != nullptr && system_->setSelfCollisionMap(map, index);
+}
+
+// Lookups
+
+bool KtStatedSystem::lookupManipulatorIndexFromLabel(const std::string& label, KtU32& index) const {
+  const auto& all = system().manipulators().elements();
+  const auto found = std::ranges::find_if(all, [&](const auto& m) { return m.label() == label; });
+  if (found == all.end()) return false;
+  index = static_cast<KtU32>(found - all.begin());
+  return true;
+}
+
+const KtShape* KtStatedSystem::shapeByKey(const KtShapeStateCacheKey& key) const {
+  const KtManipulatorSystem& all = system();
+  if (key.manipulatorIndex() >= all.numberOfManipulators()) return nullptr;
+  const KtManipulatorLink* const link =
+      all.manipulators()[key.manipulatorIndex()].linkByIndex(key.linkIndex());
+  return link != nullptr ? link->shapeByIndex(key.shapeIndex()) : nullptr;
+}

@@ -5,17 +5,17 @@
 #include <vector>
 
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
+#include "ktManipulator/collision/KtShapeKeys.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtOnDemand.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/foundation/geometry/KtSphere.h"
-#include "ktManipulator/foundation/shape/KtShapeKeys.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 #include "ktManipulator/model/KtManipulatorSystem.h"
-#include "ktManipulator/model/KtManipulatorSystemState.h"
-#include "ktManipulator/propagation/KtPropagationResultData.h"
+#include "ktManipulator/state/KtManipulatorSystemState.h"
+#include "ktManipulator/state/KtPropagationResultData.h"
 
 class KtAccelerationState;
 class KtLineSegment;

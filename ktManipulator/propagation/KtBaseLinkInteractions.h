@@ -3,8 +3,8 @@
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
-#include "ktManipulator/model/KtManipulatorExternalForce.h"
-#include "ktManipulator/model/KtManipulatorTorque.h"
+#include "ktManipulator/state/KtManipulatorExternalForce.h"
+#include "ktManipulator/state/KtManipulatorTorque.h"
 
 class KtManipulatorSystem;
 class KtSystemActiveState;

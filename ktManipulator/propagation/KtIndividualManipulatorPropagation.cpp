@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <typeinfo>
 
-#include "ktManipulator/model/KtAccelerationState.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
-#include "ktManipulator/model/KtPositionState.h"
-#include "ktManipulator/model/KtVelocityState.h"
+#include "ktManipulator/state/KtAccelerationState.h"
+#include "ktManipulator/state/KtPositionState.h"
+#include "ktManipulator/state/KtVelocityState.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <type_traits>
 
+#include "ktManipulator/foundation/core/KtAngle.h"
+#include "ktManipulator/foundation/core/KtNonNegReal.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
-#include "ktManipulator/foundation/geometry/KtAngle.h"
-#include "ktManipulator/foundation/geometry/KtNonNegReal.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
 

@@ -4,8 +4,8 @@
 
 #include <memory>
 
+#include "ktManipulator/foundation/containers/KtXmlBaseVariableCompoundType.h"
 #include "ktManipulator/foundation/core/KtExport.h"
-#include "ktManipulator/foundation/xml/KtXmlBaseVariableCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlFactory.h"
 #include "ktManipulator/foundation/xml/KtXmlReader.h"
 #include "ktManipulator/foundation/xml/KtXmlWriter.h"

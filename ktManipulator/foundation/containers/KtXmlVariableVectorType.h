@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
+#include "ktManipulator/foundation/containers/KtXmlBaseVariableCompoundType.h"
 #include "ktManipulator/foundation/containers/KtXmlHolding.h"
 #include "ktManipulator/foundation/containers/KtXmlList.h"
-#include "ktManipulator/foundation/xml/KtXmlBaseVariableCompoundType.h"
 
 /// A persistent list of owned objects of classes derived from `E`; an entry may be null.
 ///

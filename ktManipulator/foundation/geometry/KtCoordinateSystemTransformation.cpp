@@ -1,7 +1,7 @@
 #include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
 
 #include "ktManipulator/foundation/containers/KtXmlMapType.h"
-#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
+#include "ktManipulator/foundation/geometry/KtXmlRecordImpl.h"
 
 template class KtXmlRecord<KtCoordinateSystemTransformation>;
 template class KtXmlMapType<KtXmlBasicType<std::string>, KtCoordinateSystemTransformation>;

@@ -1,5 +1,5 @@
 #include "ktManipulator/foundation/geometry/KtEllipsoid.h"
 
-#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
+#include "ktManipulator/foundation/geometry/KtXmlRecordImpl.h"
 
 template class KtXmlRecord<KtEllipsoid>;

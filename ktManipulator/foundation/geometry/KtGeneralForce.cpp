@@ -1,7 +1,7 @@
 #include "ktManipulator/foundation/geometry/KtGeneralForce.h"
 
+#include "ktManipulator/foundation/geometry/KtXmlRecordImpl.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
-#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
 
 template class KtXmlRecord<KtGeneralForce>;
 template class KtXmlVectorType<KtGeneralForce>;

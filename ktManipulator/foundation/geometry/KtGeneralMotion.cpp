@@ -1,7 +1,7 @@
 #include "ktManipulator/foundation/geometry/KtGeneralMotion.h"
 
+#include "ktManipulator/foundation/geometry/KtXmlRecordImpl.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
-#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
 
 template class KtXmlRecord<KtGeneralMotion>;
 

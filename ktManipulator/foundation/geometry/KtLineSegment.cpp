@@ -1,5 +1,5 @@
 #include "ktManipulator/foundation/geometry/KtLineSegment.h"
 
-#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
+#include "ktManipulator/foundation/geometry/KtXmlRecordImpl.h"
 
 template class KtXmlRecord<KtLineSegment>;

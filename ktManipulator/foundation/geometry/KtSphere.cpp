@@ -1,6 +1,6 @@
 #include "ktManipulator/foundation/geometry/KtSphere.h"
 
-#include "ktManipulator/foundation/xml/KtXmlRecordImpl.h"
+#include "ktManipulator/foundation/geometry/KtXmlRecordImpl.h"
 
 template class KtXmlRecord<KtSphere>;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ktManipulator/foundation/shape/KtShape.h"
-#include "ktManipulator/foundation/shape/KtVolumeMoments.h"
+#include "ktManipulator/foundation/shape/algorithms/KtVolumeMoments.h"
 
 /// A shape with an extent of its own in space: matter, where it is solid.
 class KT_EXPORT KtBasePhysicalExtent : public KtShape {

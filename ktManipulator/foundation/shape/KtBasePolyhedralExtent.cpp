@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "ktManipulator/foundation/shape/KtMeshIndex.h"
+#include "ktManipulator/foundation/shape/algorithms/KtMeshIndex.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 
 KtBasePolyhedralExtent::KtBasePolyhedralExtent() = default;

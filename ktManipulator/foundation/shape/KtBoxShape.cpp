@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "ktManipulator/foundation/shape/KtLineClip.h"
+#include "ktManipulator/foundation/shape/algorithms/KtLineClip.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 
 const KtToken& KtBoxShape::classToken() {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "ktManipulator/foundation/shape/KtLineClip.h"
+#include "ktManipulator/foundation/shape/algorithms/KtLineClip.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 
 const KtToken& KtCapsuleShape::classToken() {

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "ktManipulator/foundation/shape/KtBoundingVolumeFit.h"
-#include "ktManipulator/foundation/shape/KtLineClip.h"
+#include "ktManipulator/foundation/shape/algorithms/KtBoundingVolumeFit.h"
+#include "ktManipulator/foundation/shape/algorithms/KtLineClip.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 
 const KtToken& KtConeShape::classToken() {

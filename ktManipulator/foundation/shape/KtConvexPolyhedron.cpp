@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "ktManipulator/foundation/core/KtPrint.h"
-#include "ktManipulator/foundation/shape/KtConvexHull.h"
-#include "ktManipulator/foundation/shape/KtLineClip.h"
-#include "ktManipulator/foundation/shape/KtMeshIndex.h"
+#include "ktManipulator/foundation/shape/algorithms/KtConvexHull.h"
+#include "ktManipulator/foundation/shape/algorithms/KtLineClip.h"
+#include "ktManipulator/foundation/shape/algorithms/KtMeshIndex.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 
 namespace {

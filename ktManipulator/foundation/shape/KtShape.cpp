@@ -5,12 +5,12 @@
 #include <utility>
 
 #include "ktManipulator/foundation/core/KtPrint.h"
-#include "ktManipulator/foundation/shape/KtBoundingVolumeFit.h"
 #include "ktManipulator/foundation/shape/KtBoxShape.h"
 #include "ktManipulator/foundation/shape/KtCapsuleShape.h"
 #include "ktManipulator/foundation/shape/KtConvexPolyhedron.h"
 #include "ktManipulator/foundation/shape/KtShapeContainer.h"
 #include "ktManipulator/foundation/shape/KtSphereShape.h"
+#include "ktManipulator/foundation/shape/algorithms/KtBoundingVolumeFit.h"
 #include "ktManipulator/foundation/tokens/KtFoundationTokens.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 

@@ -8,9 +8,9 @@
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
 #include "ktManipulator/foundation/geometry/KtCapsule.h"
 #include "ktManipulator/foundation/geometry/KtSphere.h"
-#include "ktManipulator/foundation/shape/KtAxisAlignedBoundingBox.h"
-#include "ktManipulator/foundation/shape/KtConvexPart.h"
 #include "ktManipulator/foundation/shape/KtDataMap.h"
+#include "ktManipulator/foundation/shape/algorithms/KtAxisAlignedBoundingBox.h"
+#include "ktManipulator/foundation/shape/algorithms/KtConvexPart.h"
 #include "ktManipulator/foundation/xml/KtBaseExpressionTreeElement.h"
 
 class KtBasePhysicalExtent;

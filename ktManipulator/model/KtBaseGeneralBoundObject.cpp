@@ -1,7 +1,0 @@
-#include "ktManipulator/model/KtBaseGeneralBoundObject.h"
-
-void KtBaseGeneralBoundObject::registerComponents() {
-  KtXmlCompoundType::registerComponents();
-  registerComponent(KtManip::KtGeneralBoundObjectShapeContainerToken, &shapeContainer_);
-  registerComponent(KtManip::KtPrimaryFrameToken, &primaryFrame_);
-}
