@@ -13,13 +13,12 @@ bool KtBaseQuadrilateralBoundObject::operator==(const KtBaseQuadrilateralBoundOb
   return KtBaseGeneralBoundObject::operator==(other) && linkIdentifier_ == other.linkIdentifier_;
 }
 
-const KtCoordinateSystemTransformation& KtBaseQuadrilateralBoundObject::locationOn(
-    const Seat& seat, KtManipulatorActiveState& activeState,
-    const KtIndividualManipulator& manipulator) const {
+const KtCoordinateSystemTransformation& KtBaseQuadrilateralBoundObject::locationInSystem(
+    KtManipulatorActiveState& activeState, const KtIndividualManipulator& manipulator) const {
   Kt::Print& log = Kt::Print::instance();
   const KtManipulatorLink* const link = manipulator.linkByIdentifier(linkIdentifier_);
   if (link == nullptr) {
-    log.write(Kt::Print::kError, "%s::location - invalid link identifier.\n", seat.className);
+    log.write(Kt::Print::kError, "%s::location - invalid link identifier.\n", seat_.className);
     return location_;
   }
   const auto* const linkage =
@@ -27,19 +26,19 @@ const KtCoordinateSystemTransformation& KtBaseQuadrilateralBoundObject::location
   if (linkage == nullptr) {
     log.write(Kt::Print::kError,
               "%s::location - link kinematics must be of type KtQuadrilateralTypeLink.\n",
-              seat.className);
+              seat_.className);
     return location_;
   }
-  if (linkage->jointType() != seat.jointType) {
-    const bool fixed = seat.jointType == KtQuadrilateralTypeLink::kFixedSlider;
+  if (linkage->jointType() != seat_.jointType) {
+    const bool fixed = seat_.jointType == KtQuadrilateralTypeLink::kFixedSlider;
     log.write(Kt::Print::kError, "%s::location - incompatible joint type. %s expected.\n",
-              seat.className, fixed ? "FIXED_SLIDER" : "PIVOTED_SLIDER");
+              seat_.className, fixed ? "FIXED_SLIDER" : "PIVOTED_SLIDER");
     return location_;
   }
   const KtPositionState::JointVector& positions = activeState.positionState().jointPositions();
   const KtU32 index = link->linkIndex();
   if (index >= positions.size()) {
-    log.write(Kt::Print::kError, "%s::location - out of range index.\n", seat.className);
+    log.write(Kt::Print::kError, "%s::location - out of range index.\n", seat_.className);
     return location_;
   }
   const KtManipulatorLink* const parent = link->parentLink();
@@ -48,39 +47,27 @@ const KtCoordinateSystemTransformation& KtBaseQuadrilateralBoundObject::location
   } else {
     location_.setToIdentity();
   }
-  location_ *= (linkage->*seat.frame)(positions[index]);
+  location_ *= (linkage->*seat_.frame)(positions[index]);
   location_ *= primaryFrame();
   return location_;
 }
 
-const KtCoordinateSystemTransformation& KtQuadrilateralFixedSliderJointOAObject::locationInSystem(
-    KtManipulatorActiveState& activeState, const KtIndividualManipulator& manipulator) const {
-  static constexpr Seat kSeat{"KtQuadrilateralFixedSliderJointOAObject",
-                              KtQuadrilateralTypeLink::kFixedSlider,
-                              &KtQuadrilateralTypeLink::frameATransform};
-  return locationOn(kSeat, activeState, manipulator);
-}
+KtQuadrilateralFixedSliderJointOAObject::KtQuadrilateralFixedSliderJointOAObject()
+    : KtXmlPersistent(Seat{"KtQuadrilateralFixedSliderJointOAObject",
+                           KtQuadrilateralTypeLink::kFixedSlider,
+                           &KtQuadrilateralTypeLink::frameATransform}) {}
 
-const KtCoordinateSystemTransformation& KtQuadrilateralFixedSliderJointCBObject::locationInSystem(
-    KtManipulatorActiveState& activeState, const KtIndividualManipulator& manipulator) const {
-  static constexpr Seat kSeat{"KtQuadrilateralFixedSliderJointCBObject",
-                              KtQuadrilateralTypeLink::kFixedSlider,
-                              &KtQuadrilateralTypeLink::frameBTransform};
-  return locationOn(kSeat, activeState, manipulator);
-}
+KtQuadrilateralFixedSliderJointCBObject::KtQuadrilateralFixedSliderJointCBObject()
+    : KtXmlPersistent(Seat{"KtQuadrilateralFixedSliderJointCBObject",
+                           KtQuadrilateralTypeLink::kFixedSlider,
+                           &KtQuadrilateralTypeLink::frameBTransform}) {}
 
-const KtCoordinateSystemTransformation& KtQuadrilateralPivotedSliderJointBObject::locationInSystem(
-    KtManipulatorActiveState& activeState, const KtIndividualManipulator& manipulator) const {
-  static constexpr Seat kSeat{"KtQuadrilateralPivotedSliderJointBObject",
-                              KtQuadrilateralTypeLink::kPivotedSlider,
-                              &KtQuadrilateralTypeLink::frameBTransform};
-  return locationOn(kSeat, activeState, manipulator);
-}
+KtQuadrilateralPivotedSliderJointBObject::KtQuadrilateralPivotedSliderJointBObject()
+    : KtXmlPersistent(Seat{"KtQuadrilateralPivotedSliderJointBObject",
+                           KtQuadrilateralTypeLink::kPivotedSlider,
+                           &KtQuadrilateralTypeLink::frameBTransform}) {}
 
-const KtCoordinateSystemTransformation& KtQuadrilateralPivotedSliderJointCObject::locationInSystem(
-    KtManipulatorActiveState& activeState, const KtIndividualManipulator& manipulator) const {
-  static constexpr Seat kSeat{"KtQuadrilateralPivotedSliderJointCObject",
-                              KtQuadrilateralTypeLink::kPivotedSlider,
-                              &KtQuadrilateralTypeLink::frameCTransform};
-  return locationOn(kSeat, activeState, manipulator);
-}
+KtQuadrilateralPivotedSliderJointCObject::KtQuadrilateralPivotedSliderJointCObject()
+    : KtXmlPersistent(Seat{"KtQuadrilateralPivotedSliderJointCObject",
+                           KtQuadrilateralTypeLink::kPivotedSlider,
+                           &KtQuadrilateralTypeLink::frameCTransform}) {}

@@ -9,11 +9,14 @@
 #include "ktManipulator/kinematics/KtBaseGeneralBoundObject.h"
 #include "ktManipulator/kinematics/KtQuadrilateralTypeLink.h"
 
-/// A body that rides on a frame of a link's four-bar linkage; what the classes of such bodies have
-/// in common.
+/// A body that rides on a frame of a link's four-bar linkage. The classes of such bodies differ by
+/// the form of linkage that they need and by the frame that they ride on.
 class KT_EXPORT KtBaseQuadrilateralBoundObject : public KtBaseGeneralBoundObject {
  public:
   void registerComponents() override;
+  const KtCoordinateSystemTransformation& locationInSystem(
+      KtManipulatorActiveState& activeState,
+      const KtIndividualManipulator& manipulator) const override;
 
   /// Label of the link, which must have a `KtQuadrilateralTypeLink` as its joint model.
   virtual const std::string& linkIdentifier() const { return linkIdentifier_; }
@@ -32,12 +35,11 @@ class KT_EXPORT KtBaseQuadrilateralBoundObject : public KtBaseGeneralBoundObject
     const KtCoordinateSystemTransformation& (KtQuadrilateralTypeLink::*frame)(double q) const;
   };
 
-  /// Does what `locationInSystem` says.
-  const KtCoordinateSystemTransformation& locationOn(
-      const Seat& seat, KtManipulatorActiveState& activeState,
-      const KtIndividualManipulator& manipulator) const;
+  /// A body on a seat.
+  explicit KtBaseQuadrilateralBoundObject(const Seat& seat) : seat_(seat) {}
 
  private:
+  Seat seat_;
   KtXmlBasicType<std::string> linkIdentifier_;
   mutable KtCoordinateSystemTransformation location_;
 };
@@ -47,9 +49,7 @@ class KT_EXPORT KtQuadrilateralFixedSliderJointOAObject
     : public KtXmlPersistent<KtQuadrilateralFixedSliderJointOAObject,
                              KtBaseQuadrilateralBoundObject> {
  public:
-  const KtCoordinateSystemTransformation& locationInSystem(
-      KtManipulatorActiveState& activeState,
-      const KtIndividualManipulator& manipulator) const override;
+  KtQuadrilateralFixedSliderJointOAObject();  ///< A body without a shape, on no link.
 
   /// Exact equality.
   bool operator==(const KtQuadrilateralFixedSliderJointOAObject&) const = default;
@@ -64,9 +64,7 @@ class KT_EXPORT KtQuadrilateralFixedSliderJointCBObject
     : public KtXmlPersistent<KtQuadrilateralFixedSliderJointCBObject,
                              KtBaseQuadrilateralBoundObject> {
  public:
-  const KtCoordinateSystemTransformation& locationInSystem(
-      KtManipulatorActiveState& activeState,
-      const KtIndividualManipulator& manipulator) const override;
+  KtQuadrilateralFixedSliderJointCBObject();  ///< A body without a shape, on no link.
 
   /// Exact equality.
   bool operator==(const KtQuadrilateralFixedSliderJointCBObject&) const = default;
@@ -82,9 +80,7 @@ class KT_EXPORT KtQuadrilateralPivotedSliderJointBObject
     : public KtXmlPersistent<KtQuadrilateralPivotedSliderJointBObject,
                              KtBaseQuadrilateralBoundObject> {
  public:
-  const KtCoordinateSystemTransformation& locationInSystem(
-      KtManipulatorActiveState& activeState,
-      const KtIndividualManipulator& manipulator) const override;
+  KtQuadrilateralPivotedSliderJointBObject();  ///< A body without a shape, on no link.
 
   /// Exact equality.
   bool operator==(const KtQuadrilateralPivotedSliderJointBObject&) const = default;
@@ -99,9 +95,7 @@ class KT_EXPORT KtQuadrilateralPivotedSliderJointCObject
     : public KtXmlPersistent<KtQuadrilateralPivotedSliderJointCObject,
                              KtBaseQuadrilateralBoundObject> {
  public:
-  const KtCoordinateSystemTransformation& locationInSystem(
-      KtManipulatorActiveState& activeState,
-      const KtIndividualManipulator& manipulator) const override;
+  KtQuadrilateralPivotedSliderJointCObject();  ///< A body without a shape, on no link.
 
   /// Exact equality.
   bool operator==(const KtQuadrilateralPivotedSliderJointCObject&) const = default;
