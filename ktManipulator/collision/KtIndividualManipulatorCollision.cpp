@@ -1,8 +1,23 @@
 // Which links of a manipulator may collide.
+#include <algorithm>
 #include <map>
 
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
+
+namespace {
+
+void reportNullPairs(const std::vector<const KtManipulatorLink*>& links) {
+  for (std::size_t i = 0; i < links.size(); ++i) {
+    for (std::size_t j = 0; j < links.size(); ++j) {
+      if (links[i] != nullptr && links[j] != nullptr) continue;
+      Kt::Print::instance().write(Kt::Print::kError, "Invalid link pointer [%d][%d]",
+                                  static_cast<int>(i), static_cast<int>(j));
+    }
+  }
+}
+
+}  // namespace
 
 const KtManipulatorSelfCollisionLinkMap& KtIndividualManipulator::selfCollisionLinkMap() const {
   return selfCollisionLinkMap_;
@@ -23,21 +38,25 @@ const KtLinkCollisionTable& KtIndividualManipulator::linkCollisionTest() const {
   return linkCollisionTable_;
 }
 
-// From the entries of the map to the pairs of links: the pairs are many more.
+// From the entries of the map to the pairs of links: the pairs are many more. A derived class may
+// have no link for an index.
 void KtIndividualManipulator::mapLinkCollisionCandidates() {
   const std::size_t joints = jointDof();
   linkCollisionTable_.reset(joints + 1);
+  std::vector<const KtManipulatorLink*> links(joints + 1, this);
+  for (std::size_t i = 0; i < joints; ++i) links[i] = linkByIndex(static_cast<KtU32>(i));
+  if (std::ranges::find(links, nullptr) != links.end()) reportNullPairs(links);
   if (selfCollisionLinkMap_.size() == 0) return;
   std::multimap<std::string, std::size_t> indices;
-  for (std::size_t i = 0; i < joints; ++i) {
-    indices.emplace(linkByIndex(static_cast<KtU32>(i))->label(), i);
+  for (std::size_t i = 0; i <= joints; ++i) {
+    if (links[i] != nullptr) indices.emplace(links[i]->label(), i);
   }
-  indices.emplace(label(), joints);
   for (const auto& [label1, others] : selfCollisionLinkMap_.mapContainer()) {
     const auto [begin1, end1] = indices.equal_range(label1.value());
     if (begin1 == end1) continue;
     for (const auto& [label2, candidate] : others.mapContainer()) {
-      if (!candidate) continue;
+      // A file may have an entry under the larger label, where no lookup of a pair finds it.
+      if (!candidate || label2 < label1) continue;
       const auto [begin2, end2] = indices.equal_range(label2.value());
       for (auto i = begin1; i != end1; ++i) {
         for (auto j = begin2; j != end2; ++j) {
