@@ -188,7 +188,9 @@ bool KtIndividualManipulator::mapManipulator(LinkTable& links, LabelTable& label
     good = child.mapLinks(links, labels) && good;
   }
   setLinkReferences(labels);
-  for (const KtManipulatorLink* link : links) link->setManipulatorPointer(this);
+  for (const KtManipulatorLink* link : links) {
+    if (link != nullptr) link->setManipulatorPointer(this);
+  }
   return good;
 }
 
@@ -221,7 +223,7 @@ KtManipulatorLink* KtIndividualManipulator::linkByIdentifier(const std::string& 
 KtU32 KtIndividualManipulator::linkIndexByIdentifier(const std::string& label) const {
   const LinkTable& links = referenceManipulator_->linkTable_;
   for (std::size_t i = 0; i < links.size(); ++i) {
-    if (links[i]->label() == label) return static_cast<KtU32>(i);
+    if (links[i] != nullptr && links[i]->label() == label) return static_cast<KtU32>(i);
   }
   return label == this->label() ? ktBaseIndex : ktUnmappedIndex;
 }
@@ -395,28 +397,45 @@ bool KtIndividualManipulator::transformPrimaryFrame(const std::string& label,
 
 bool KtIndividualManipulator::transformAllPrimaryFramesToIdentity() {
   const KtCoordinateSystemTransformation identity;
-  std::map<const KtManipulatorLink*, KtCoordinateSystemTransformation> moved;
+  // A reference may have been made, or its target moved, since the last mapping.
+  if (!isReference()) setLinkReferences(labelTable_);
+  std::map<const KtManipulatorLink*, KtCoordinateSystemTransformation> framesBefore;
+  std::map<const KtShapeContainer*, KtCoordinateSystemTransformation> moved;
+  const auto targetOf = [this](const KtManipulatorLink& link) {
+    return linkByIdentifier(link.linkReferenceDescription().referencedLinkLabel());
+  };
+  // These stay as they are.
+  const auto leadsNowhere = [&](const KtManipulatorLink& link) {
+    return link.linkReferenceDescription().isShapeReferenced() && targetOf(link) == nullptr;
+  };
   for (const auto& [label, link] : labelTable_) {
+    if (link == nullptr || leadsNowhere(*link)) continue;
+    const KtCoordinateSystemTransformation frame = link->primaryFrame();
+    framesBefore.emplace(link, frame);
+    const KtShapeContainer* const used = &link->shapeContainer();
     if (link->linkReferenceDescription().isShapeReferenced()) {
-      const KtManipulatorLink* target =
-          linkByIdentifier(link->linkReferenceDescription().referencedLinkLabel());
-      if (target == nullptr) continue;
-      if (link->primaryFrame() == target->primaryFrame()) {
+      const KtManipulatorLink* target = targetOf(*link);
+      // Where a circle of references ends at the link itself, its shapes are its own.
+      const bool shares = used != &link->memberShapeContainer();
+      const auto before = framesBefore.find(target);
+      if (shares && frame == target->primaryFrame() && !leadsNowhere(*target) &&
+          (before == framesBefore.end() || before->second == frame)) {
         KtRigidBodyMassProperties mass = link->massProperties(nullptr);
-        mass.transformBy(link->primaryFrame());
+        mass.transformBy(frame);
         link->setMassProperties(mass);
         link->setPrimaryFrame(identity);
         continue;
       }
-      link->removeLinkReferences();
-      // The shapes of a link that this walk has come by stand in its DH frame by now.
-      if (const auto before = moved.find(target); before != moved.end()) {
+      if (shares) link->removeLinkReferences();
+      // The shapes of a link that this walk has come by, at the end of a chain of references too,
+      // stand in its DH frame by now.
+      if (const auto done = moved.find(used); shares && done != moved.end()) {
         KtShapeContainer shapes = link->memberShapeContainer();
-        shapes.transformBy(before->second.inverse());
+        shapes.transformBy(done->second.inverse());
         link->setShapeContainer(shapes);
       }
     }
-    moved.emplace(link, link->primaryFrame());
+    moved.emplace(&link->memberShapeContainer(), frame);
     link->transformPrimaryFrame(identity);
   }
   return true;

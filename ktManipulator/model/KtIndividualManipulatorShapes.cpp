@@ -45,6 +45,7 @@ bool KtIndividualManipulator::setSurfacesByIDs(KtU32 linkIndex, KtU32 shapeIndex
 
 void KtIndividualManipulator::truncateValues(const double& precision) {
   for (const KtManipulatorLink* link : linkTable_) {
+    if (link == nullptr) continue;
     // The table gives links to be read; they are this manipulator's all the same.
     const_cast<KtManipulatorLink*>(link)  // NOLINT(cppcoreguidelines-pro-type-const-cast)
         ->truncateValues(precision);

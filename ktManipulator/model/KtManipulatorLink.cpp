@@ -297,20 +297,34 @@ bool KtManipulatorLink::setLinkReferences(const LabelTable& labels) {
   return true;
 }
 
+// The shapes must be the same after the next mapping, and after a file. A base keeps its own: its
+// file holds no reference. A label leads to the last link that has it. And a link that is converted
+// answers with the candidate's shapes at once, to those that reference it and come later.
 bool KtManipulatorLink::useReferencesWherePossible(const LinkTable& links) {
   bool changed = false;
-  const std::size_t count = std::min<std::size_t>(linkIndex(), links.size());
+  const std::size_t count =
+      linkIndex() == ktBaseIndex ? 0 : std::min<std::size_t>(linkIndex(), links.size());
+  const auto isFoundByItsLabel = [&links](const KtManipulatorLink* candidate) {
+    const auto last = std::find_if(links.rbegin(), links.rend(), [&](const auto* link) {
+      return link != nullptr && link->label() == candidate->label();
+    });
+    return *last == candidate;
+  };
   for (std::size_t i = 0; i < count; ++i) {
     const KtManipulatorLink* candidate = links[i];
-    if (candidate == nullptr || candidate == this ||
+    if (candidate == nullptr || candidate == this || candidate->referenceLink_ != candidate ||
         candidate->linkReferenceDescription().isShapeReferenced() ||
-        !(candidate->shapeContainer() == shapeContainer())) {
+        !(candidate->shapeContainer() == shapeContainer()) || !isFoundByItsLabel(candidate)) {
       continue;
     }
     linkReferenceDescription_.setReferencedLinkLabel(candidate->label());
     linkReferenceDescription_.setIsShapeReferenced(true);
     memberShapeContainer_ = KtShapeContainer();
     forgetShapeTables();
+    // The table gives links to be read; they are the manipulator's all the same.
+    referenceLink_ =
+        const_cast<KtManipulatorLink*>(  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+            candidate);
     changed = true;
     break;
   }

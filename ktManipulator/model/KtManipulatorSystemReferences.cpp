@@ -106,7 +106,11 @@ bool KtManipulatorSystem::findAndConvertToReferences() {
     KtIndividualManipulator& manipulator = manipulators_[i];
     for (KtU32 j = 0; j < i; ++j) {
       const KtIndividualManipulator& earlier = manipulators_[j];
-      if (isReference(earlier) || !manipulator.equalForReferencing(earlier)) continue;
+      // A label leads to the first manipulator that has it.
+      if (isReference(earlier) || manipulatorByIdentifier(earlier.label()) != &earlier ||
+          !manipulator.equalForReferencing(earlier)) {
+        continue;
+      }
       manipulator.setChildLinks({});
       manipulator.setShapeContainer({});
       manipulator.setSelfCollisionLinkMap({});
