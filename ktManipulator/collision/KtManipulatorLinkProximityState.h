@@ -36,8 +36,8 @@ class KT_EXPORT KtManipulatorLinkProximityState {
   virtual void setSystemActiveBoundingBoxState(const KtSystemActiveBoundingBoxState& state) {
     boxState_ = state;
   }
-  /// The entry of a pair, made now if there is none; a new one doesn't hold. It stays where it is
-  /// until `initialize` or an assignment.
+  /// The entry of a pair, made now if there is none, though this is constant; a new one doesn't
+  /// hold. It stays where it is until `initialize` or an assignment.
   virtual const KtLinkProximityData& getData(const KtLinkKey& key1, const KtLinkKey& key2) const;
   /// The same, to be changed.
   virtual KtLinkProximityData& getData(const KtLinkKey& key1, const KtLinkKey& key2);

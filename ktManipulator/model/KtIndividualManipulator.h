@@ -168,13 +168,13 @@ class KT_EXPORT KtIndividualManipulator
   /// actuators' maximum rates.
   virtual void propagateVelocityState(const KtAccelerationState& acceleration, double dt,
                                       KtVelocityState& velocity) const;
-  /// Finds where a line segment meets the manipulator; see
+  /// Is to find where a line segment meets the manipulator. It does nothing yet, as does
   /// `KtManipulatorLink::intersectLineSegment`.
   virtual void intersectLineSegmentWithManipulator(const KtLineSegment& segment,
                                                    KtManipulatorPointEvent& event,
                                                    KtManipulatorActiveState* activeState,
                                                    KtU32 level) const;
-  /// Lets links of equal shapes share them. Nothing where another manipulator's links are used.
+  /// Lets links but the base share equal shapes. Nothing where another manipulator's are used.
   ///
   /// @return true
   virtual bool findAndConvertToReferences();
@@ -203,7 +203,7 @@ class KT_EXPORT KtIndividualManipulator
   /// Makes all primary frames the identity, while shapes and base mass properties stay where they
   /// are; see `KtManipulatorLink::transformPrimaryFrame` for what follows from the mass. Links that
   /// share shapes go on sharing them where their primary frames were equal and the link that owns
-  /// them comes later by label.
+  /// them comes later by label. A link that refers to a label of no link stays as it is.
   ///
   /// @return true
   virtual bool transformAllPrimaryFramesToIdentity();
@@ -237,7 +237,7 @@ class KT_EXPORT KtIndividualManipulator
   virtual void setSelfCollisionLinkMap(const KtManipulatorSelfCollisionLinkMap& map);
   /// Which pairs of links are tested for collision, by label.
   virtual const KtManipulatorSelfCollisionLinkMap& selfCollisionLinkMap() const;
-  /// Compiles the self-collision map into `linkCollisionTest()`.
+  /// Compiles the self-collision map into `linkCollisionTest()`. Missing links are reported.
   virtual void mapLinkCollisionCandidates();
   /// Gives a shape of a link a map of surfaces. False without such a shape, and for the base.
   virtual bool setSurfacesByIDs(KtU32 linkIndex, KtU32 shapeIndex, const KtSurfaceMap& surfaces);

@@ -341,8 +341,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// Number of shapes that the link's physical representation consists of, without bounding
   /// volumes: the members of a union, otherwise 1, and 0 without a shape.
   virtual KtU32 numShapesInPhysicalRepresentation() const;
-  /// Scales this link's lengths at constant density: shapes, base mass properties, joint model and
-  /// actuator. `massProperties` follows at the next `updateMassProperties`.
+  /// Scales shapes, base mass at constant density, primary frame, joint model and actuator. The sum
+  /// of masses stays until `updateMassProperties`; that in the DH frame is it, in the new frame.
   virtual void scaleIndividualLinkBy(double factor);
   /// `scaleIndividualLinkBy` on this link and all below it.
   virtual void scaleBy(double factor);
@@ -355,10 +355,10 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// @param frame  the new primary frame, in the DH frame
   /// @return       true
   virtual bool transformPrimaryFrame(const KtCoordinateSystemTransformation& frame);
-  /// Finds where a line segment meets the shapes of this link.
+  /// Is to find where a line segment meets the shapes of this link. It does nothing yet.
   ///
   /// @param segment      in system axes
-  /// @param event        receives the nearest point that is met
+  /// @param event        is to receive the nearest point that is met; stays as it is
   /// @param activeState  the position; null finds nothing
   /// @param level        the bounding-volume level of the shapes to be met
   virtual void intersectLineSegment(const KtLineSegment& segment, KtLinkPointEvent& event,
@@ -368,8 +368,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   ///
   /// @return true
   virtual bool setLinkReferences(const LabelTable& labels);
-  /// Lets every link of this subtree use the shapes of the first link of lower index that has equal
-  /// ones; its own are emptied.
+  /// Lets every link of this subtree but a base use the shapes of the first link of lower index
+  /// that has equal ones and is the one that its label leads to; its own are emptied.
   ///
   /// @return whether any link was changed
   virtual bool useReferencesWherePossible(const LinkTable& links);

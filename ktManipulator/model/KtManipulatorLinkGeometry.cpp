@@ -63,7 +63,10 @@ void KtManipulatorLink::scaleBy(double factor) {
   for (KtManipulatorLink& child : childLinks_.elements()) child.scaleBy(factor);
 }
 
-// The total mass is left as it was, and so the mass in the DH frame is that one, moved.
+// Shapes, base mass, primary frame, mass in the DH frame, joint model and actuator, in this order.
+// A joint model scales its own lengths and leaves the primary frame to its link: that is scaled
+// here, or the body would not stay at its place in the larger link. The total mass is left as it
+// was: the mass in the DH frame is that total in the primary frame as it has just been scaled.
 void KtManipulatorLink::scaleIndividualLinkBy(double factor) {
   memberShapeContainer_.scaleBy(factor);
   baseMassProperties_.scaleBy(factor);

@@ -193,7 +193,9 @@ KtU32 KtStatedSystem::addShapeAsManipulator(const KtShape& shape,
   KtManipulatorLink body;
   body.setFromShape(shape);
   body.setLabel(label);
-  body.mapShapes();  // only numbered shapes take properties
+  // A decision: `setFromShape` leaves the shape without a number, and only numbered shapes take
+  // properties, so that without this the data would be lost without a word.
+  body.mapShapes();
   body.setSurfaceProperties(shape.surfaceLabel(), data);
   KtIndividualManipulator manipulator;
   manipulator.setFromLink(body);

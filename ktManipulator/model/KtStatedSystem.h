@@ -207,11 +207,11 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual bool isTransparentDisplay() const;
   /// Sets what `isTransparentDisplay()` answers.
   virtual void setIsTransparentDisplay(bool value) const;
-  /// Finds where a line segment meets the system; see
+  /// Is to find where a line segment meets the system. It does nothing yet, as does
   /// `KtIndividualManipulator::intersectLineSegmentWithManipulator`.
   ///
   /// @param segment      in system axes
-  /// @param event        receives the data of the last manipulator that is tried, and the index of
+  /// @param event        is to receive the data of the last manipulator tried, and the index of
   ///                     the one that is met first
   /// @param activeState  the positions; null finds nothing
   /// @param level        the bounding-volume level of the shapes to be met
