@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
 #include "support/Random.h"
 
 namespace {
@@ -40,32 +39,6 @@ TEST_F(Attachment, OneParentForEachDependent) {
   EXPECT_TRUE(map.removeManipulatorAttachment(9));
   EXPECT_FALSE(map.removeManipulatorAttachment(9));
   EXPECT_TRUE(map.attachManipulator(9, 3, "base", second));
-}
-
-TEST_F(Attachment, AMissingLinkGivesZeroMotionAndNoPlace) {
-  KtIndividualManipulator manipulator;
-  KtManipulatorActiveState active;
-  KtLinkAttachment attachment;
-  attachment.setLinkIdentifier("no %s link");
-  const Transformation before = sampling::randomTransformation();
-  Transformation place = before;
-  const KtLogCapture log;
-  attachment.calculatePlacement(manipulator, active, place);
-  EXPECT_EQ(place, before);
-  EXPECT_EQ(
-      log.errors(),
-      "KtAttachment::calculateFramePlacement():  bad label on link attachment: no %s link.\n");
-
-  std::vector<double> reals(10, 1.0);
-  attachment.calculateVelocity(manipulator, active, reals, 2);
-  EXPECT_EQ(reals, (std::vector<double>{1, 1, 0, 0, 0, 0, 0, 0})) << "cut to the right length";
-  reals.assign(10, 1.0);
-  attachment.calculateAcceleration(manipulator, active, reals, 2);
-  EXPECT_EQ(reals, (std::vector<double>{1, 1, 0, 0, 0, 0, 0, 0, 1, 1})) << "never cut";
-  reals.clear();
-  attachment.calculateAcceleration(manipulator, active, reals, 1);
-  EXPECT_EQ(reals, std::vector<double>(7, 0.0));
-  EXPECT_EQ(log.messages().size(), 1U);
 }
 
 }  // namespace

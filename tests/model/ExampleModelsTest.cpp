@@ -2,6 +2,8 @@
 
 #include <array>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <vector>
 
 #include "ktManipulator/ktManipulator.h"
@@ -85,6 +87,13 @@ TEST(ExampleModels, AreReadAndComeBackWithoutAMessage) {
     }
   }
   EXPECT_EQ(count, 3);
+}
+
+TEST(Version, IsThatOfTheBuild) {
+  std::ifstream file(KT_SOURCE_FOLDER "/CMakeLists.txt");
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  const std::string project = std::string("project(ktManipulator VERSION ") + ktVersion + " ";
+  EXPECT_NE(text.find(project), std::string::npos);
 }
 
 // Armstrong, Khatib and Burdick 1986; the wrist's centre by an independent program from its tables.

@@ -1,5 +1,6 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -14,283 +15,422 @@ using Arm = KtIndividualManipulator;
 using T = KtCoordinateSystemTransformation;
 using namespace sampling;
 using StatedSystems = Seeded;
+using states::at, states::moving, states::randomJoints;
+
+KtU32 pick(std::size_t count) {
+  return static_cast<KtU32>(uniform(0.0, 0.999 * static_cast<double>(count)));
+}
+
+// A stated system that tells which active state its collision reports look at.
+class Scene : public Stated {
+ public:
+  bool checkForCollisions(KtSystemActiveState& activeState, const KtReal&, const KtU32& level,
+                          const KtReal& tolerance, ResultVector&) const override {
+    active = &activeState;
+    return level == 2 && tolerance == 0.5;
+  }
+  auto& reported() const {
+    ResultVector results;
+    EXPECT_TRUE(generateCollisionReport(results, 2, 0.5));
+    return active->manipulatorActiveStateVector();
+  }
+  mutable KtSystemActiveState* active = nullptr;
+};
+
+// What a user sees of a manipulator's links: numbers that scale with the length's third power, with
+// the length, and with it at sliding joints.
+struct Content {
+  double mass, length, limit;
+  bool slides;
+  bool operator==(const Content&) const = default;
+};
+
+std::vector<Content> contentOf(const Arm& arm) {
+  std::vector<Content> content;
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    const auto& link = *arm.linkByIndex(i);
+    const auto& joint =
+        dynamic_cast<const KtDenavitHartenberg&>(*link.linkKinematicsContainer().topElement());
+    content.push_back({link.baseMassProperties().mass(), joint.dhA(),
+                       link.jointActuator().lowerLimit(),
+                       joint.jointType() == KtDenavitHartenberg::kPrismatic});
+  }
+  return content;
+}
 
 Arm armOf(const std::string& label, int links) {
-  return trees::randomManipulator(links, label);
+  Arm arm = trees::randomManipulator(links, label);
+  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+    arm.setJointLimit(arm.linkByIndex(i)->label(), true, -1.0);
+    arm.setJointLimit(arm.linkByIndex(i)->label(), false, 3.0);
+  }
+  return arm;
 }
 
-KtPositionState at(const std::vector<double>& q) {
-  return states::at(states::joints(q));
+bool isReference(const Arm& arm) {
+  return arm.manipulatorReferenceDescription().isManipulatorReferenced();
 }
 
-KtVelocityState moving(const std::vector<double>& q) {
-  return states::moving(states::joints(q));
-}
+struct Model {
+  std::vector<std::pair<std::string, std::vector<Content>>> arms;
+  KtManipulatorSystemState state;
+  int system = 0;  // equal where it is shared
+  bool modified = false;
 
-Stated twoArms() {
-  Stated stated;
-  stated.addManipulator(armOf("a", 2), at({0.5, -0.25}), moving({1.0, 2.0}));
-  stated.addManipulator(armOf("b", 1), at({0.125}), moving({3.0}));
-  return stated;
-}
-
-std::vector<double> positionsOf(const Stated& stated, KtU32 index) {
-  return states::valuesOf(stated.state().positionStates()[index].jointPositions());
-}
-
-std::vector<double> velocitiesOf(const Stated& stated, KtU32 index) {
-  return states::valuesOf(stated.state().velocityStates()[index].jointVelocities());
-}
-
-// Every change through one of several sharers, against what the others held before. In any order of
-// destruction.
-TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
-  const std::vector<std::function<void(Stated&)>> changes{
-      [](Stated& s) { s.mergeWith(Stated(s)); },
-      [](Stated& s) { s.mergeWith(s); },
-      [](Stated& s) { s.setSystem(Stated::m_theNullSystem); },
-      [](Stated& s) { s.setAndDeleteSystemPointer(new KtManipulatorSystem); },
-      [](Stated& s) { s.setFromSystem(KtManipulatorSystem()); },
-      [](Stated& s) { s.setFromManipulator(s.system().manipulators()[1]); },
-      [](Stated& s) { s.clearAndInitializeForOneManipulator(); },
-      [](Stated& s) { s.addManipulator(s.system().manipulators()[0]); },
-      [](Stated& s) {
-        s.addManipulator(s.system().manipulators()[0], s.state().positionStates()[0],
-                         s.state().velocityStates()[0]);
-      },
-      [](Stated& s) {
-        s.exchangeManipulator(1, s.system().manipulators()[0], s.state().positionStates()[0],
-                              s.state().velocityStates()[0]);
-      },
-      [](Stated& s) { s.addShapeAsManipulator(KtSphereShape(), T(), "ball", {}); },
-      [](Stated& s) { s.deleteManipulator(0); },
-      [](Stated& s) { s.deleteManipulator(s.system().manipulators()[1].label()); },
-      [](Stated& s) {
-        KtSystemEnvironment environment;
-        environment.setUpGravityVector({0.0, 0.0, 9.81});
-        s.setEnvironment(environment);
-      },
-      [](Stated& s) { s.scaleManipulatorBy(0, 2.0); },
-      [](Stated& s) { s.setJointLimit(0, "link1", true, -0.625); },
-      [](Stated& s) { s.replaceLinkProperties(0, "link1", KtManipulatorLink(), true); },
-      [](Stated& s) { KtXmlReader::readString(KtXmlWriter::writeString(Stated()), s); },
-      [](Stated& s) { s = Stated(); }};
-  for (std::size_t i = 0; i < changes.size(); ++i) {
-    SCOPED_TRACE(i);
-    for (int order = 0; order < 4; ++order) {
-      auto first = std::make_unique<Stated>(twoArms());
-      if (order % 2 == 1) KtXmlWriter::writeString(*first);  // makes its table of components
-      auto second = std::make_unique<Stated>(*first);
-      auto third = std::make_unique<Stated>();
-      *third = *second;
-      const Stated before(*first, true);
-      EXPECT_FALSE(before.isSystemModified());
-      EXPECT_NE(&before.system(), &first->system());
-      EXPECT_EQ(&second->system(), &first->system());
-      EXPECT_EQ(&third->system(), &first->system());
-      (order < 2 ? first : second)->resetIsSystemModified();
-      changes[i](order < 2 ? *first : *second);
-      const Stated& changed = order < 2 ? *first : *second;
-      const Stated& kept = order < 2 ? *second : *first;
-      EXPECT_NE(&changed.system(), &kept.system());
-      EXPECT_FALSE(changed == before);
-      EXPECT_TRUE(kept == before);
-      EXPECT_EQ(&third->system(), &kept.system());
-      // The table of components leads to the present system.
-      Stated back;
-      const KtLogCapture log;
-      EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(changed), back));
-      EXPECT_EQ(KtXmlWriter::writeString(back.system()),
-                KtXmlWriter::writeString(changed.system()));
-      (order < 2 ? second : first).reset();
-      EXPECT_TRUE(*third == before);
-      const auto* last = &third->system();
-      third->aboutToModifySystem();
-      EXPECT_EQ(&third->system(), last) << "the last one needs no copy";
+  // To the bit where all sizes fit. Otherwise states are cut or filled up, and joints moved by the
+  // offset, whether they were there or not.
+  void fit() {
+    auto& p = state.positionStates();
+    auto& v = state.velocityStates();
+    bool fits = p.size() == arms.size() && v.size() == arms.size();
+    for (KtU32 i = 0; fits && i < arms.size(); ++i) {
+      const std::size_t joints = arms[i].second.size();
+      fits = p[i].jointPositions().size() == joints && v[i].jointVelocities().size() == joints;
+    }
+    if (fits) return;
+    p.resize(static_cast<KtU32>(arms.size())), v.resize(p.size());
+    for (KtU32 i = 0; i < arms.size(); ++i) {
+      const auto joints = static_cast<KtU32>(arms[i].second.size());
+      p[i].jointPositions().resize(joints), v[i].jointVelocities().resize(joints);
+      for (auto& q : p[i].jointPositions().vectorContainer()) q = 1e-9 + q;
     }
   }
+  void add(const Arm& arm) { arms.emplace_back(arm.label(), contentOf(arm)); }
+};
+
+void expectLike(const Scene& scene, const Model& model) {
+  const KtManipulatorSystem& system = scene.system();
+  ASSERT_EQ(system.numberOfManipulators(), model.arms.size());
+  KtU32 joints = 0;
+  for (KtU32 i = 0; i < model.arms.size(); ++i) {
+    const auto& [label, content] = model.arms[i];
+    const Arm& arm = system.manipulators()[i];
+    EXPECT_EQ(arm.label(), label);
+    EXPECT_EQ(arm.manipulatorIndex(), i);
+    EXPECT_EQ(contentOf(arm), content);
+    EXPECT_EQ(system.manipulatorByIdentifier(label), &arm);
+    const auto& description = arm.manipulatorReferenceDescription();
+    EXPECT_EQ(arm.referenceManipulator(),
+              isReference(arm)
+                  ? system.manipulatorByIdentifier(description.referencedManipulatorLabel())
+                  : &arm);
+    KtU32 found = 99;
+    EXPECT_TRUE(scene.lookupManipulatorIndexFromLabel(label, found));
+    EXPECT_EQ(found, i);
+    joints += static_cast<KtU32>(content.size());
+  }
+  EXPECT_EQ(scene.jointDof(), joints);
+  EXPECT_EQ(system.jointAndBaseDof(), joints + 6 * model.arms.size());
+  EXPECT_EQ(scene.state(), model.state);
+  EXPECT_EQ(scene.isSystemModified(), model.modified);
+}
+
+// Sharing must never show, neither that of systems nor that of links: whatever is done to one, the
+// others look the same. States follow their systems.
+TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
+  std::vector<std::unique_ptr<Scene>> scenes(3);
+  std::vector<Model> models(3);
+  for (int k = 0; k < 3; ++k) scenes[k] = std::make_unique<Scene>();
+  int systems = 1, step = 0;
+  Scene* scene = nullptr;
+  Model* model = nullptr;
+  KtU32 index = 0;
+  Arm arm;
+  KtPositionState position;
+  KtVelocityState velocity;
+  bool coin = false;
+  enum {
+    kChanges,
+    kMoves,
+    kKeeps,
+    kEither
+  } effect = kChanges;  // on the system; moves: another one
+  const auto label = [&] { return model->arms[index].first; };
+  const auto isShared = [&] {
+    return std::ranges::count(models, model->system, &Model::system) > 1;
+  };
+  const auto removed = [&] {
+    model->arms.erase(model->arms.begin() + index);
+    auto& p = model->state.positionStates();
+    auto& v = model->state.velocityStates();
+    if (index < p.size()) p.erase(index);
+    if (index < v.size()) v.erase(index);
+    model->fit();
+  };
+  const auto midpoint = [&] {
+    model->state = {};
+    model->fit();
+    for (KtU32 i = 0; i < model->arms.size(); ++i) {
+      for (KtU32 j = 0; j < model->arms[i].second.size(); ++j) {
+        const auto* link = scene->system().manipulators()[i].linkByIndex(j);
+        model->state.positionStates()[i].jointPositions()[j] =
+            0.5 * (link->jointActuator().upperLimit() + model->arms[i].second[j].limit);
+      }
+    }
+  };
+  const auto keep = [&] { effect = kKeeps; };
+  // First those that need no manipulator.
+  const std::vector<std::function<void()>> actions{
+      [&] {
+        scene->addManipulator(arm, position, velocity);
+        auto& p = model->state.positionStates();
+        auto& v = model->state.velocityStates();
+        p.resize(static_cast<KtU32>(model->arms.size())), v.resize(p.size());
+        p.pushBack(position), v.pushBack(velocity);
+        model->add(arm), model->fit();
+      },
+      [&] { scene->addManipulator(arm), model->add(arm), model->fit(); },
+      [&] {
+        KtSphereShape ball;
+        const std::string name = arm.label();
+        KtDataMap own, data;
+        own.add("grip", 1.0), data.add("grip", 2.0);
+        ball.setSurfaceLabel("rubber");
+        ball.setSurfaces({std::string("rubber"), own});
+        const KtU32 added =
+            scene->addShapeAsManipulator(ball, position.coordSysXForm(), name, data);
+        EXPECT_EQ(added, model->arms.size());
+        EXPECT_EQ(*scene->shapeByKey({added, ktBaseIndex, 0})->defaultSurface(), data);
+        KtPositionState there;
+        there.setCoordSysXForm(position.coordSysXForm());
+        auto& p = model->state.positionStates();
+        p.resize(added), p.pushBack(there);
+        model->state.velocityStates().resize(added + 1);
+        model->arms.emplace_back(name, std::vector<Content>()), model->fit();
+      },
+      [&] {
+        Scene other;
+        other.addManipulator(arm, position, velocity);
+        EXPECT_TRUE(scene->mergeWith(other));
+        model->state.mergeWith(other.state()), model->add(arm);
+        Scene twice(*scene);
+        EXPECT_TRUE(twice.mergeWith(twice));
+        EXPECT_EQ(twice.system().numberOfManipulators(), 2 * model->arms.size());
+      },
+      [&] { scene->setFromManipulator(arm), model->arms.clear(), model->add(arm), midpoint(); },
+      [&] {
+        scene->clearAndInitializeForOneManipulator() = arm;
+        scene->finalizeOneManipulator();
+        model->arms.clear(), model->add(arm), midpoint();
+      },
+      [&] {
+        KtManipulatorSystem system;
+        for (const auto& each : scenes)
+          if (coin) system = each->system();
+        const auto copied = coin ? models.back().arms : decltype(model->arms)();
+        model->arms = copied, model->state = {};
+        if (step % 3 == 1) {
+          scene->setSystem(system), scene->addCompatibleState(), model->fit();
+        } else if (uniform() < 0.0) {
+          effect = kMoves;
+          scene->setAndDeleteSystemPointer(new KtManipulatorSystem(system));
+          scene->addCompatibleState(), model->fit();
+        } else {
+          scene->setFromSystem(system), midpoint();
+        }
+      },
+      [&] {
+        KtSystemEnvironment environment;
+        environment.setUpGravityVector(position.coordSysXForm().translation());
+        scene->setEnvironment(environment);
+        EXPECT_EQ(scene->environment(), environment);
+      },
+      [&] {  // what it wrote is what it is, whatever system it wrote before
+        Stated back;
+        EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(*scene), back));
+        EXPECT_EQ(KtXmlWriter::writeString(back), KtXmlWriter::writeString(*scene));
+        if (coin) static_cast<Stated&>(*scene) = back;
+        effect = kEither;
+      },
+      // From here on with one.
+      [&] {
+        if (isReference(scene->system().manipulators()[index])) return keep();
+        KtManipulatorReferenceDescription description;
+        description.setIsManipulatorReferenced(true);
+        description.setReferencedManipulatorLabel(label());
+        Arm reference;
+        reference.setLabel(arm.label());
+        reference.setManipulatorReferenceDescription(description);
+        scene->addManipulator(reference);
+        model->arms.emplace_back(arm.label(), model->arms[index].second), model->fit();
+      },
+      [&] {  // of two that are alike the second becomes a reference
+        const auto& arms = scene->system().manipulators();
+        if (std::ranges::any_of(arms.vectorContainer(), isReference)) return keep();
+        Arm twin = arms[index];
+        twin.changeLinkLabel(label(), arm.label());
+        scene->addManipulator(twin), model->add(twin), model->fit();
+        EXPECT_TRUE(scene->findAndConvertToReferences());
+        EXPECT_TRUE(isReference(scene->system().manipulators()[model->arms.size() - 1]));
+      },
+      [&] {
+        EXPECT_TRUE(coin ? scene->deleteManipulator(index)
+                         : scene->deleteManipulator(label()) == index);
+        removed();
+      },
+      [&] {
+        EXPECT_TRUE(scene->exchangeManipulator(index, arm, position, velocity));
+        model->arms[index] = {arm.label(), contentOf(arm)};
+        model->state.positionStates()[index] = position;
+        model->state.velocityStates()[index] = velocity;
+        model->fit();
+      },
+      [&] {
+        if (model->arms[index].second.empty()) return keep();
+        const auto* link = scene->system().manipulators()[index].linkByIndex(0);
+        EXPECT_TRUE(scene->setJointLimit(index, link->label(), true, -0.5 - step));
+        model->arms[index].second[0].limit = -0.5 - step;
+      },
+      [&] {
+        if (model->arms[index].second.empty()) return keep();
+        const auto* link = scene->system().manipulators()[index].linkByIndex(0);
+        EXPECT_TRUE(scene->replaceLinkProperties(index, link->label(), *arm.linkByIndex(0), coin));
+        model->arms[index].second[0] = contentOf(arm)[0];
+      },
+      [&] {  // and what was known of its old places is forgotten
+        // Those that refer to it would change with it.
+        const auto& arms = scene->system().manipulators();
+        if (std::ranges::any_of(arms.vectorContainer(), isReference)) return keep();
+        auto& before = scene->reported()[index];
+        std::vector<T> frames;
+        const auto frame = [&](auto& active, KtU32 i) {
+          const Arm& scaled = scene->system().manipulators()[index];
+          return scaled.dhFrameInSystem(active.activePositionState()).inverse() *
+                 scaled.linkByIndex(i)->primaryFrameInSystem(active.activePositionState());
+        };
+        auto& content = model->arms[index].second;
+        for (KtU32 i = 0; i < content.size(); ++i) frames.push_back(frame(before, i));
+        const double factor = step % 2 == 0 ? 2.0 : 0.5;
+        EXPECT_TRUE(scene->scaleManipulatorBy(index, factor));
+        auto& q = model->state.positionStates()[index].jointPositions();
+        auto& rates = model->state.velocityStates()[index].jointVelocities();
+        auto& after = scene->reported()[index];
+        for (KtU32 i = 0; i < content.size(); ++i) {
+          auto& [mass, length, limit, slides] = content[i];
+          mass *= factor * factor * factor, length *= factor;
+          if (slides) limit *= factor, q[i].value() *= factor, rates[i].value() *= factor;
+          frames[i].setTranslation(frames[i].translation() * factor);
+          EXPECT_TRUE(frame(after, i).approxEq(frames[i], 1e-9));
+        }
+      },
+      [&] {
+        const auto joints = static_cast<KtU32>(model->arms[index].second.size());
+        position = at(randomJoints(joints)), velocity = moving(randomJoints(joints));
+        scene->setIndividualPositionState(index, position);
+        position.setCoordSysXForm(randomTransformation());
+        scene->setIndividualCoordinateSystemTransformation(index, position.coordSysXForm());
+        scene->setIndividualVelocityState(index, velocity);
+        model->state.positionStates()[index] = position;
+        model->state.velocityStates()[index] = velocity;
+        scene->rotateIndividualBaseVelocity(index, position.coordSysXForm().orientation());
+        model->state.velocityStates()[index].generalVelocity().transformBy(
+            position.coordSysXForm().orientation());
+        if (coin) scene->zeroIndividualVelocityState(index);
+        auto& still = model->state.velocityStates()[index];
+        if (coin) still.setGeneralVelocity({});
+        for (auto& rate : still.jointVelocities().vectorContainer())
+          rate = coin ? 0.0 : rate.value();
+        keep();
+      },
+      // A state may be shorter than the system: what changes that repairs it.
+      [&] {
+        const KtLogCapture repairs;
+        KtManipulatorSystemState few;
+        few.positionStates().resize(pick(4)), few.velocityStates().resize(pick(4));
+        scene->setState(few), model->state = few;
+        scene->absoluteBoundingSphere(), scene->validateLowLevelDimensions();
+        scene->setState(few);
+        EXPECT_TRUE(coin || scene->scaleManipulatorBy(index, 1.0));
+        if (index < few.positionStates().size() && uniform() < 0.0) {
+          EXPECT_TRUE(scene->exchangeManipulator(index, arm, {}, {}));
+          model->arms[index] = {arm.label(), contentOf(arm)}, model->fit();
+        } else {
+          EXPECT_TRUE(scene->deleteManipulator(index));
+          removed();
+        }
+      }};
+  const KtLogCapture log;
+  for (step = 0; step < 1500 && !HasFailure(); ++step) {
+    const std::size_t which = pick(3);
+    scene = scenes[which].get(), model = &models[which];
+    coin = uniform() < 0.0, arm = armOf("m" + std::to_string(step), 1 + step % 3);
+    position = at(randomJoints(arm.jointDof())), velocity = moving(randomJoints(arm.jointDof()));
+    const std::size_t from = pick(3);
+    const auto* before = &scene->system();
+    SCOPED_TRACE(testing::Message() << "step " << step);
+    if (step % 3 == 0) {  // shared anew, in one way or another
+      if (which == from) continue;
+      const bool modified = coin && model->modified;
+      if (coin) {
+        *scene = *scenes[from];
+      } else {
+        scenes[which] = std::make_unique<Scene>(*scenes[from]);
+      }
+      *model = models[from], model->modified = modified;
+    } else {
+      // A clone that is written has a system of its own.
+      const std::unique_ptr<KtXmlObject> clone(scene->clone());
+      auto& own = dynamic_cast<Stated&>(*clone);
+      EXPECT_TRUE(&own.system() == before && !own.isSystemModified());
+      KtXmlWriter::writeString(own);
+      EXPECT_TRUE(&own.system() != before && own.isSystemModified());
+      if (coin) scene->resetIsSystemModified();
+      index = pick(model->arms.size());
+      const KtU32 action = pick(model->arms.empty() ? 9 : actions.size());
+      SCOPED_TRACE(testing::Message() << "action " << action);
+      effect = kChanges;
+      actions[action]();
+      if (HasFailure()) return;
+      // The last one that shares a system needs no copy.
+      const bool isNew = before == &Stated::m_theNullSystem || isShared() || effect == kMoves;
+      if (effect == kChanges || effect == kMoves) {
+        EXPECT_TRUE(scene->isSystemModified());
+        EXPECT_EQ(&scene->system() != before, isNew);
+      } else if (effect == kKeeps) {
+        EXPECT_EQ(&scene->system(), before);
+      }
+      model->modified = scene->isSystemModified();
+      if (&scene->system() != before) model->system = systems++;
+    }
+    for (int k = 0; k < 3; ++k) {
+      SCOPED_TRACE(testing::Message() << "scene " << k);
+      expectLike(*scenes[k], models[k]);
+      for (int j = 0; j < k; ++j) {
+        EXPECT_EQ(&scenes[j]->system() == &scenes[k]->system(),
+                  models[j].system == models[k].system);
+      }
+    }
+  }
+  EXPECT_EQ(log.text(), "");
 }
 
 TEST_F(StatedSystems, SomeOperationsReachAllSharers) {
-  Stated first = twoArms();
-  const Stated second(first);
+  Scene first;
+  for (const char* label : {"a", "b"}) first.addManipulator(armOf(label, 2));
+  const Stated second(first), independent(first, true);
   KtManipulatorAttachmentMap attachments;
   attachments.attachManipulator(1, 0, "a", T());
-  first.setManipulatorAttachmentMap(attachments);
   KtSystemCollisionExclusionMap exclusions;
   exclusions.excludeManipulatorCollisionCandidates(0, 1);
-  first.setCollisionExclusionMap(exclusions);
   KtManipulatorSelfCollisionLinkMap selfCollision;
   selfCollision.setLinkCollisionCanditateByIdentifier("link1", "link2", true);
-  EXPECT_TRUE(first.setSelfCollisionMap(selfCollision, 0));
-  first.truncateValues(1e-3);
+  Scene none;
+  for (Scene* scene : {&first, &none}) {
+    scene->setManipulatorAttachmentMap(attachments);
+    scene->setCollisionExclusionMap(exclusions);
+    EXPECT_EQ(scene->setSelfCollisionMap(selfCollision, 0), scene == &first);
+    scene->truncateValues(1e-3);
+  }
   EXPECT_EQ(&second.system(), &first.system());
   EXPECT_EQ(second.system().manipulatorAttachmentMap().size(), 1U);
   EXPECT_FALSE(second.system().canCollide(0, 0, 1, 0));
   EXPECT_EQ(second.system().manipulators()[0].selfCollisionLinkMap(), selfCollision);
-
-  Stated none;
-  none.setManipulatorAttachmentMap(attachments);
-  none.setCollisionExclusionMap(exclusions);
-  EXPECT_FALSE(none.setSelfCollisionMap(selfCollision, 0));
+  EXPECT_NE(&independent.system(), &first.system());
+  EXPECT_FALSE(independent.isSystemModified());
   EXPECT_EQ(&none.system(), &Stated::m_theNullSystem);
   EXPECT_EQ(none.system(), KtManipulatorSystem());
-}
-
-TEST_F(StatedSystems, StateFollowsTheSystem) {
-  Stated stated = twoArms();
-  const KtPositionState a = stated.state().positionStates()[0];
-  const KtPositionState b = stated.state().positionStates()[1];
-  // All sizes fit: to the bit.
-  stated.addManipulator(armOf("c", 3), at({1.0, 2.0, 3.0}), moving({0.0, 0.0, 0.0}));
-  EXPECT_EQ(stated.state().positionStates()[0], a);
-  EXPECT_EQ(stated.deleteManipulator("c"), 2U);
-  EXPECT_EQ(stated.state().positionStates()[1], b);
-  EXPECT_TRUE(stated.exchangeManipulator(1, armOf("d", 1), b, moving({7.0})));
-  EXPECT_EQ(stated.state().positionStates()[1], b);
-  EXPECT_EQ(velocitiesOf(stated, 1), std::vector{7.0});
-  EXPECT_TRUE(stated.deleteManipulator(0));
-  ASSERT_EQ(stated.state().positionStates().size(), 1U);
-  EXPECT_EQ(stated.state().positionStates()[0], b);
-  // Something doesn't fit: all joints move by the offset.
-  stated.addManipulator(armOf("e", 2));
-  EXPECT_EQ(positionsOf(stated, 0), std::vector{1e-9 + 0.125});
-  EXPECT_EQ(positionsOf(stated, 1), (std::vector{1e-9, 1e-9}));
-  stated.addManipulator(armOf("f", 2), at({5.0}), moving({6.0, 7.0, 8.0}));
-  EXPECT_EQ(positionsOf(stated, 2), (std::vector{1e-9 + 5.0, 1e-9}));
-  EXPECT_EQ(velocitiesOf(stated, 2), (std::vector{6.0, 7.0}));
-
-  KtU32 index = 9;
-  EXPECT_TRUE(stated.lookupManipulatorIndexFromLabel("f", index));
-  EXPECT_EQ(index, 2U);
-  EXPECT_FALSE(stated.lookupManipulatorIndexFromLabel("nobody", index));
-  EXPECT_EQ(index, 2U);
-  EXPECT_FALSE(stated.deleteManipulator(3));
-  EXPECT_EQ(stated.deleteManipulator("nobody"), ktUnmappedIndex);
-  EXPECT_FALSE(stated.exchangeManipulator(3, Arm(), {}, {}));
-}
-
-// A state may be shorter than the system: `setState` doesn't look.
-TEST_F(StatedSystems, ShortStatesDoNoHarm) {
-  const std::vector<std::function<void(Stated&)>> operations{
-      [](Stated& s) { s.deleteManipulator(1); },
-      [](Stated& s) { s.deleteManipulator("b"); },
-      [](Stated& s) { s.exchangeManipulator(0, armOf("x", 2), {}, {}); },
-      [](Stated& s) { s.addManipulator(armOf("x", 2), {}, {}); },
-      [](Stated& s) { s.validateTopLevelDimensions(), s.validateLowLevelDimensions(); },
-      [](Stated& s) { s.validateLowLevelDimensions(), s.addManipulator(armOf("x", 2)); }};
-  const KtLogCapture log;
-  for (const KtU32 positions : {0U, 1U, 3U}) {
-    for (const KtU32 velocities : {0U, 1U, 3U}) {
-      for (const auto& operation : operations) {
-        Stated stated = twoArms();
-        KtManipulatorSystemState state;
-        state.positionStates().resize(positions);
-        state.velocityStates().resize(velocities);
-        stated.setState(state);
-        stated.scaleManipulatorBy(1, 2.0);
-        operation(stated);
-        stated.absoluteBoundingSphere();
-        if (positions == 0) continue;  // where an exchange has nothing to exchange
-        EXPECT_TRUE(stated.system().isCompatible(stated.state()));
-      }
-    }
-  }
-}
-
-TEST_F(StatedSystems, MidpointIsHalfwayBetweenTheLimits) {
-  Arm arm = armOf("a", 1);
-  arm.setJointLimit("link1", true, -1.0);
-  arm.setJointLimit("link1", false, 3.0);
-  Stated stated;
-  stated.clearAndInitializeForOneManipulator() = arm;
-  stated.finalizeOneManipulator();
-  EXPECT_EQ(positionsOf(stated, 0), std::vector{1.0});
-  stated.addCompatibleState();
-  EXPECT_EQ(positionsOf(stated, 0), std::vector{1e-9});
-}
-
-TEST_F(StatedSystems, ScalingKeepsThePose) {
-  KtDenavitHartenberg slide;
-  slide.setJointType(KtDenavitHartenberg::kPrismatic);
-  slide.setDhA(0.5);
-  KtDenavitHartenberg turn = slide;
-  turn.setJointType(KtDenavitHartenberg::kRotational);
-  Arm arm;
-  for (const auto& joint : {slide, turn}) {
-    KtManipulatorLink link;
-    link.setLinkKinematics(joint);
-    arm.addLinkToEndOfChain(link);
-  }
-  Stated stated;
-  stated.addManipulator(arm, at({0.1, 0.7}), moving({0.3, 0.9}));
-  EXPECT_TRUE(stated.scaleManipulatorBy(0, 2.0));
-  EXPECT_EQ(positionsOf(stated, 0), (std::vector{0.1 * 2.0, 0.7}));
-  EXPECT_EQ(velocitiesOf(stated, 0), (std::vector{0.3 * 2.0, 0.9}));
-  for (KtU32 i = 0; i < 2; ++i) {
-    const auto& scaled =
-        stated.system().manipulators()[0].linkByIndex(i)->linkKinematicsContainer();
-    EXPECT_EQ(dynamic_cast<const KtDenavitHartenberg&>(*scaled.topElement()).dhA(), 1.0);
-  }
-  EXPECT_FALSE(stated.scaleManipulatorBy(1, 2.0));
-}
-
-TEST_F(StatedSystems, SingleManipulatorsAreSetByIndex) {
-  Stated stated = twoArms();
-  const KtGeneralMotion motion = stated.state().velocityStates()[1].generalVelocity();
-  const KtOrientation rotation = randomOrientation();
-  stated.rotateIndividualBaseVelocity(1, rotation);
-  const auto& velocity = stated.state().velocityStates()[1];
-  EXPECT_TRUE(velocity.generalVelocity().linear().approxEq(rotation * motion.linear(), 1e-12));
-  EXPECT_TRUE(velocity.generalVelocity().angular().approxEq(rotation * motion.angular(), 1e-12));
-  stated.zeroIndividualVelocityState(1);
-  EXPECT_EQ(velocity.generalVelocity(), KtGeneralMotion());
-  EXPECT_EQ(velocitiesOf(stated, 1), std::vector{0.0});
-  const Stated before = stated;
-  const KtLogCapture log;
-  stated.setIndividualPositionState(2, {});
-  stated.setIndividualVelocityState(3, {});
-  stated.setIndividualCoordinateSystemTransformation(4, T());
-  stated.rotateIndividualBaseVelocity(5, rotation);
-  stated.zeroIndividualVelocityState(6);
-  EXPECT_EQ(
-      log.text(),
-      "KtStatedSystem::setIndividualState(): manipulator index 2 to big for position state size, 2"
-      "KtStatedSystem::setIndividualState(): manipulator index 3 to big for velocity state size, 2"
-      "KtStatedSystem::setIndividualCoordinateSystemTransformation(): manipulator index 4 to big "
-      "for position state size, 2"
-      "KtStatedSystem::rotateIndividualBaseVelocity(): manipulator index 5 to big for velocity "
-      "state size, 2"
-      "KtStatedSystem::setIndividualState(): manipulator index 6 to big for velocity state size, "
-      "2");
-  EXPECT_EQ(stated, before);
-}
-
-TEST_F(StatedSystems, WrongStatesInFilesAreRepaired) {
-  Stated stated = twoArms();
-  KtManipulatorSystemState state = stated.state();
-  state.positionStates().erase(1);
-  state.velocityStates().erase(1);
-  state.positionStates()[0].jointPositions().erase(1);
-  state.velocityStates()[0].jointVelocities().erase(1);
-  stated.setState(state);
-  const std::string top =
-      "KtStatedSystem::validateTopLevelDimensions(): number of states does not equal the number of "
-      "systems in the input file--correcting.\n";
-  const std::string low = "KtStatedSystem::validateLowLevelDimensions: joint ";
-  const std::string end = " do not match the numbers of degrees of freedom--correcting.\n";
-  const std::string pair = low + "positions" + end + low + "velocities" + end;
-  const KtLogCapture log;
-  Stated back;
-  EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(stated), back));
-  EXPECT_EQ(log.text(), top + pair + pair);
-  EXPECT_EQ(positionsOf(back, 0), (std::vector{0.5, 1e-9})) << "values that stay stay";
-  EXPECT_EQ(velocitiesOf(back, 0), (std::vector{1.0, 0.0}));
-  EXPECT_EQ(positionsOf(back, 1), std::vector{1e-9});
-  EXPECT_EQ(velocitiesOf(back, 1), std::vector{0.0});
-  EXPECT_EQ(back.state().positionStates()[0].coordSysXForm(),
-            state.positionStates()[0].coordSysXForm());
-  EXPECT_EQ(back.state().positionStates()[1].coordSysXForm(), T());
+  KtXmlWriter::writeString(none);
+  EXPECT_EQ(none, Scene()) << "a missing system is an empty one";
 }
 
 TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
@@ -305,98 +445,60 @@ TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
   arm.addLinkToEndOfChain(link);
   Stated stated;
   stated.addManipulator(arm);
-  const T place(KtVector(1.0, 2.0, 3.0));
-  EXPECT_EQ(stated.addShapeAsManipulator(ball, place, "ball", data), 1U);
-  EXPECT_EQ(stated.state().positionStates()[1].coordSysXForm(), place);
   const Stated sharer(stated);
+  const KtLogCapture log;
   for (const KtShapeStateCacheKey& bad : {KtShapeStateCacheKey(2, 0, 0), {0, 1, 0}, {0, 0, 1}}) {
-    const KtLogCapture log;
     EXPECT_EQ(stated.shapeByKey(bad), nullptr);
     stated.changeDiffuseAlpha(bad, 0.5);
-    EXPECT_EQ(log.text(), "");
   }
-  const KtShape* added = stated.shapeByKey({1, ktBaseIndex, 0});
-  ASSERT_NE(added, nullptr);
-  ASSERT_NE(added->defaultSurface(), nullptr);
-  EXPECT_EQ(*added->defaultSurface(), data);
   const KtShapeStateCacheKey key(0, 0, 0);
-  const KtLogCapture log;
   stated.changeDiffuseAlpha(key, 0.5);
   stated.changeAmbientAlpha(key, 0.75);
-  EXPECT_EQ(log.text(),
+  stated.changeSpecularAlpha(key, 0.125);
+  stated.changeEmissionAlpha(key, 1.0);
+  EXPECT_EQ(log.errors(),
             "\nktDiffuseAlpha: 0.250000\n\nNew Alpha: 0.500000\n"
-            "\nktAmbientAlpha: 0.000000\n\nNew Alpha: 0.750000\n");
-  const auto valueOf = [&key](const Stated& in, const char* property) {
-    double value = -1.0;
-    in.shapeByKey(key)->defaultSurface()->lookup(property, value);
-    return value;
-  };
-  EXPECT_EQ(valueOf(stated, "ktDiffuseAlpha"), 0.5);
-  EXPECT_EQ(valueOf(stated, "ktAmbientAlpha"), 0.75);
-  EXPECT_EQ(valueOf(sharer, "ktDiffuseAlpha"), 0.25);
+            "\nktAmbientAlpha: 0.000000\n\nNew Alpha: 0.750000\n"
+            "\nktSpecularAlpha: 0.000000\n\nNew Alpha: 0.125000\n"
+            "\nktEmissionAlpha: 0.000000\n\nNew Alpha: 1.000000\n");
+  double value = 0.0;
+  EXPECT_TRUE(stated.shapeByKey(key)->defaultSurface()->lookup("ktDiffuseAlpha", value));
+  EXPECT_EQ(value, 0.5);
+  EXPECT_EQ(*sharer.shapeByKey(key)->defaultSurface(), data);
 
-  stated.addModifiedShapeKeyVec(key);
-  stated.addModifiedShapeKeyVec(KtShapeStateCacheKey::nullObject());
-  stated.addModifiedShapeKeyVec(key);
+  for (const auto& each : {key, KtShapeStateCacheKey::nullObject(), key}) {
+    stated.addModifiedShapeKeyVec(each);
+  }
   EXPECT_EQ(stated.modifiedShapeKeyVec(), std::vector{key});
 }
 
-TEST_F(StatedSystems, ModificationIsRemembered) {
-  Stated stated;
-  stated.setState({});
-  EXPECT_FALSE(stated.isSystemModified());
-  stated.aboutToModifySystem();
-  EXPECT_TRUE(stated.isSystemModified());
-  std::as_const(stated).resetIsSystemModified();
-  EXPECT_FALSE(stated.isSystemModified());
-  KtXmlWriter::writeString(stated);
-  EXPECT_TRUE(stated.isSystemModified()) << "the first write sees to a system of its own";
-  EXPECT_EQ(stated, Stated()) << "a missing system is an empty one";
-}
-
-// A stated system that tells which active state its collision reports look at.
-class Reporting : public Stated {
- public:
-  bool checkForCollisions(KtSystemActiveState& activeState, const KtReal&, const KtU32& level,
-                          const KtReal& tolerance, ResultVector&) const override {
-    active = &activeState;
-    return level == 2 && tolerance == 0.5;
-  }
-  bool report() const {
-    ResultVector results;
-    return generateCollisionReport(results, 2, 0.5);
-  }
-  mutable KtSystemActiveState* active = nullptr;
-};
-
 TEST_F(StatedSystems, CollisionReportsFollowTheSystem) {
-  Reporting stated;
-  stated.addManipulator(armOf("a", 2), at({0.5}), moving({1.0}));
-  EXPECT_TRUE(stated.report());
-  const auto positions = [&] {
-    std::vector<KtPositionState> all;
-    for (const auto& one : stated.active->manipulatorActiveStateVector().vectorContainer()) {
-      all.push_back(one.positionState());
-    }
-    return all;
+  Scene scene;
+  const auto boxes = [](const Scene& of) -> auto& {
+    return of.active->systemActiveBoundingBoxState();
   };
-  const auto& own = stated.state().positionStates().vectorContainer();
-  EXPECT_EQ(positions(), own);
-  stated.active->systemActiveBoundingBoxState().setIsInitialized(true);
-  stated.addManipulator(armOf("b", 3), at({0.125, 0.25}), moving({3.0, 4.0}));
-  EXPECT_EQ(positions(), own);
-  EXPECT_FALSE(stated.active->systemActiveBoundingBoxState().isInitialized());
-  stated.deleteManipulator(0U);
-  EXPECT_EQ(positions(), own);
-
+  const auto expectFollowed = [&] {
+    KtU32 i = 0;
+    for (const auto& one : scene.active->manipulatorActiveStateVector().vectorContainer()) {
+      EXPECT_EQ(one.positionState(), scene.state().positionStates()[i++]);
+    }
+    EXPECT_EQ(i, scene.system().numberOfManipulators());
+    EXPECT_FALSE(boxes(scene).isInitialized());
+    boxes(scene).setIsInitialized(true);
+  };
+  scene.addManipulator(armOf("a", 2));
+  scene.reported();
+  expectFollowed();
+  scene.addManipulator(armOf("b", 3), at(randomJoints(3)), moving(randomJoints(3)));
+  expectFollowed();
+  scene.deleteManipulator(0U);
+  expectFollowed();
   // Copies have their own, and data of another system are not kept.
-  const Reporting copy(stated);
-  KtSystemActiveState* const before = stated.active;
-  EXPECT_TRUE(copy.report());
-  EXPECT_NE(copy.active, before);
-  stated.active->systemActiveBoundingBoxState().setIsInitialized(true);
-  stated = Reporting();
-  EXPECT_FALSE(before->systemActiveBoundingBoxState().isInitialized());
+  const Scene copy(scene);
+  copy.reported();
+  EXPECT_NE(copy.active, scene.active);
+  static_cast<Stated&>(scene) = Scene();
+  EXPECT_FALSE(boxes(scene).isInitialized());
 }
 
 }  // namespace

@@ -31,18 +31,25 @@ TEST(PropagationRecord, DescriptionsAreJoinedAndClearedWithTheirFlag) {
 TEST(PropagationRecord, FilesHaveTheirOwnOrderAndLeaveOutTheOwnManipulator) {
   KtPropagationResultData result;
   result.setCollidedManipulator(6);
-  const std::string text = KtXmlWriter::writeString(result);
-  std::size_t before = 0;
-  for (const char* name :
-       {"hitJointLimit", "hitSingularity", "collisionOccurred", "collidedLink",
-        "linkIndexAtJointLimit", "otherCollidedLink", "otherCollidedManipulator",
-        "hitGeneralStoppingCriterion", "satisfiedGeneralStoppingCriteriaDescription"}) {
-    const std::size_t at = text.find(std::string("<") + name);
-    ASSERT_NE(at, std::string::npos) << name;
-    EXPECT_LT(before, at) << name;
-    before = at;
+  const KtManipulatorActiveAccelerationState accelerations;
+  using Names = std::vector<const char*>;
+  for (const auto& [text, names] :
+       {std::pair(
+            KtXmlWriter::writeString(result),
+            Names{"hitJointLimit", "hitSingularity", "collisionOccurred", "collidedLink",
+                  "linkIndexAtJointLimit", "otherCollidedLink", "otherCollidedManipulator",
+                  "hitGeneralStoppingCriterion", "satisfiedGeneralStoppingCriteriaDescription"}),
+        std::pair(KtXmlWriter::writeString(accelerations),
+                  Names{"accelerationState>", "accelerationStates", "baseAccelerationState"})}) {
+    std::size_t before = 0;
+    for (const char* name : names) {
+      const std::size_t at = text.find(std::string("<") + name);
+      ASSERT_NE(at, std::string::npos) << name;
+      EXPECT_LT(before, at) << name;
+      before = at;
+    }
+    EXPECT_EQ(text.find("<collidedManipulator"), std::string::npos);
   }
-  EXPECT_EQ(text.find("<collidedManipulator"), std::string::npos);
 }
 
 }  // namespace

@@ -96,35 +96,11 @@ TEST_F(States, InterpolateInPlace) {
   EXPECT_TRUE(other.positionStates()[0].linearInterpolation(
       a.positionStates()[0], b.positionStates()[0], other.positionStates()[0].jointPositions()[0]));
   EXPECT_EQ(other.positionStates()[0], expected.positionStates()[0]);
-}
-
-TEST_F(States, OfUnequalSizesInterpolateAsFarAsTheyAgree) {
-  KtLogCapture log;
-  const KtPositionState p3 = at(randomJoints(3));
-  const KtPositionState p2 = at(randomJoints(2));
-  KtPositionState p = at(randomJoints(5));
-  EXPECT_FALSE(p.linearInterpolation(p3, p2, 1.0));
-  EXPECT_TRUE(p.approxEq(p2, 1e-14));
-  const KtVelocityState v3 = moving(randomJoints(3));
-  const KtVelocityState before = v3;
-  KtVelocityState v = v3;
-  EXPECT_FALSE(v.linearInterpolation(v3, moving(randomJoints(2)), 0.5));
-  EXPECT_EQ(v, before);
-  System out = systemState({1}, 0.0);
-  const System untouched = out;
-  EXPECT_FALSE(out.linearFactorInterpolation(systemState({1}, 1.0), systemState({1, 1}, 2.0), 0.5));
-  EXPECT_EQ(out, untouched);
-  EXPECT_EQ(log.errors(),
-            "KtPositionState::linearInterpolation(): the two joint-position sizes (3 and 2) do not "
-            "match"
-            "KtVelocityState::linearInterpolation velocityState1.jointVelocities() size mismatch."
-            "KtManipulatorSystemState::linearFactorInterpolation: positionStates size mismatch.");
-
   // Velocity states that state 2 lacks are those of state 1.
-  const System a = states::random({1, 1}, {1, 2}, 0.0);
-  System b = states::random({1, 1}, {1}, 1.0);
-  EXPECT_TRUE(b.linearFactorInterpolation(a, b, 0.5));
-  EXPECT_TRUE(b.velocityStates()[1].approxEq(a.velocityStates()[1], 1e-15));
+  const System more = states::random({1, 1}, {1, 2}, 0.0);
+  System few = states::random({1, 1}, {1}, 1.0);
+  EXPECT_TRUE(few.linearFactorInterpolation(more, few, 0.5));
+  EXPECT_TRUE(few.velocityStates()[1].approxEq(more.velocityStates()[1], 1e-15));
 }
 
 TEST_F(States, AreRepaired) {
@@ -141,7 +117,7 @@ TEST_F(States, AreRepaired) {
   const std::string top =
       "KtManipulatorSystemState::validateTopLevelDimensions(): number of position states does not "
       "match the velocity states--correcting.\n";
-  EXPECT_EQ(log.text(), top + top);
+  EXPECT_EQ(log.errors(), top + top);
 
   log.clear();
   System wrong = states::random({2, 3, 3}, {3, 3, 1}, 0.0);
@@ -154,7 +130,7 @@ TEST_F(States, AreRepaired) {
   const std::string low =
       "KtManipulatorSystemState::validateLowLevelDimensions: joint positions do notmatch joint "
       "velocities--correcting.\n";
-  EXPECT_EQ(log.text(), low + low);
+  EXPECT_EQ(log.errors(), low + low);
   log.clear();
   EXPECT_TRUE(wrong.validateLowLevelDimensions());
 
@@ -164,7 +140,7 @@ TEST_F(States, AreRepaired) {
       KtXmlReader::readString(KtXmlWriter::writeString(states::random({2, 1}, {3}, 0.5)), back));
   EXPECT_EQ(back.velocityStates()[0].jointVelocities().size(), 2U);
   EXPECT_EQ(back.velocityStates()[1].jointVelocities().size(), 1U);
-  EXPECT_EQ(log.text(), top + low + low);
+  EXPECT_EQ(log.errors(), top + low + low);
 }
 
 TEST_F(States, KnowWhatFitsAndWhatIsClose) {
@@ -356,15 +332,8 @@ TEST(ExternalForce, FindsTheForceOfALink) {
   forces[1] = force;
   forces[ktBaseIndex] = force * 2.0;
   const KtManipulatorExternalForce& constant = forces;
-  KtLogCapture log;
   EXPECT_EQ(constant[1], force);
-  EXPECT_EQ(&constant[ktBaseIndex], &forces.baseForce());
   EXPECT_EQ(forces.baseForce(), force * 2.0);
-  EXPECT_EQ(log.text(), "");
-  EXPECT_EQ(&constant[2], &KtManipulatorExternalForce::m_theNullGeneralForce);
-  EXPECT_EQ(
-      log.errors(),
-      "KtManipulatorExternalForce::operator[]: index 2 out of range.  Returning zero force.\n");
   forces.setToZeros();
   EXPECT_EQ(forces[1], KtGeneralForce());
   EXPECT_EQ(forces.baseForce(), KtGeneralForce());
