@@ -74,6 +74,26 @@ Stated sceneOf(const std::vector<KtU32>& joints) {
   return scene;
 }
 
+std::string unfound(const std::string& label) {
+  return "KtManipulatorLink::setLinkReference(): could not find link with label " + label +
+         " for referencing.  Using self.";
+}
+
+std::string modifying(const std::string& problem) {
+  return "KtManipulatorSystem::aboutToModifyManipulator(): " + problem;
+}
+
+std::string tooBig(const std::string& operation, const std::string& index,
+                   const std::string& kind) {
+  return "KtStatedSystem::" + operation + "(): manipulator index " + index + " to big for " + kind +
+         " state size, 2";
+}
+
+std::string unfit(const std::string& kind) {
+  return "KtStatedSystem::validateLowLevelDimensions: joint " + kind +
+         " do not match the numbers of degrees of freedom--correcting.\n";
+}
+
 struct Row {
   const char* name;
   std::function<void()> act;
@@ -140,28 +160,19 @@ const Row kRows[] = {
      "KtIndividualManipulator::canCollide(): indices (0,1) out of range.  Returning False.\n"
      "KtIndividualManipulator::canCollide(): indices (0,-1) out of range.  Returning False.\n"
      "KtIndividualManipulator::canCollide(): indices (0,7) out of range.  Returning False.\n"},
-    {"nobody", [] { refer("nobody", ""); },
-     "KtManipulatorLink::setLinkReference(): could not find link with label nobody for "
-     "referencing.  Using self."},
-    {"circle", [] { refer("b", "a"); },
-     "KtManipulatorLink::setLinkReference(): could not find link with label b for referencing.  "
-     "Using self."
-     "KtManipulatorLink::setLinkReference(): could not find link with label a for referencing.  "
-     "Using self."
-     "KtManipulatorLink::setLinkReference(): could not find link with label a for referencing.  "
-     "Using self."},
-    {"modify", [] { modify({}, 7); },
-     "KtManipulatorSystem::aboutToModifyManipulator(): bad index (7).\n"},
+    {"nobody", [] { refer("nobody", ""); }, unfound("nobody")},
+    {"circle", [] { refer("b", "a"); }, unfound("b") + unfound("a") + unfound("a")},
+    {"modify", [] { modify({}, 7); }, modifying("bad index (7).\n")},
     {"target", [] { modify({referenceTo("Q", "X")}, 0); },
-     "KtManipulatorSystem::aboutToModifyManipulator(): could not find referenced manipulator X\n."},
+     modifying("could not find referenced manipulator X\n.")},
     {"self", [] { modify({referenceTo("Q", "Q")}, 0); },
-     "KtManipulatorSystem::aboutToModifyManipulator(): self-reference error for manipulator 0.\n"
-     "KtManipulatorSystem::aboutToModifyManipulator(): could not find referenced manipulator Q\n."},
+     modifying("self-reference error for manipulator 0.\n") +
+         modifying("could not find referenced manipulator Q\n.")},
     {"cycle",
      [] {
        modify({referenceTo("A", "B"), referenceTo("B", "A")}, 1);
      },
-     "KtManipulatorSystem::aboutToModifyManipulator(): could not find referenced manipulator A\n."},
+     modifying("could not find referenced manipulator A\n.")},
     {"indices",
      [] {
        System system;
@@ -198,14 +209,10 @@ const Row kRows[] = {
                     scene.scaleManipulatorBy(2, 2.0));
        EXPECT_EQ(scene.deleteManipulator("nobody"), ktUnmappedIndex);
      },
-     "KtStatedSystem::setIndividualState(): manipulator index 2 to big for position state size, 2"
-     "KtStatedSystem::setIndividualState(): manipulator index 3 to big for velocity state size, 2"
-     "KtStatedSystem::setIndividualCoordinateSystemTransformation(): manipulator index 4 to big "
-     "for position state size, 2"
-     "KtStatedSystem::rotateIndividualBaseVelocity(): manipulator index 5 to big for velocity "
-     "state size, 2"
-     "KtStatedSystem::setIndividualState(): manipulator index 6 to big for velocity state size, "
-     "2"},
+     tooBig("setIndividualState", "2", "position") + tooBig("setIndividualState", "3", "velocity") +
+         tooBig("setIndividualCoordinateSystemTransformation", "4", "position") +
+         tooBig("rotateIndividualBaseVelocity", "5", "velocity") +
+         tooBig("setIndividualState", "6", "velocity")},
     // Values that stay stay.
     {"repair",
      [] {
@@ -222,15 +229,8 @@ const Row kRows[] = {
        EXPECT_EQ(back.state(), expected);
      },
      "KtStatedSystem::validateTopLevelDimensions(): number of states does not equal the number of "
-     "systems in the input file--correcting.\n"
-     "KtStatedSystem::validateLowLevelDimensions: joint positions do not match the numbers of "
-     "degrees of freedom--correcting.\n"
-     "KtStatedSystem::validateLowLevelDimensions: joint velocities do not match the numbers of "
-     "degrees of freedom--correcting.\n"
-     "KtStatedSystem::validateLowLevelDimensions: joint positions do not match the numbers of "
-     "degrees of freedom--correcting.\n"
-     "KtStatedSystem::validateLowLevelDimensions: joint velocities do not match the numbers of "
-     "degrees of freedom--correcting.\n"},
+     "systems in the input file--correcting.\n" +
+         unfit("positions") + unfit("velocities") + unfit("positions") + unfit("velocities")},
     {"attachment",
      [] {
        KtManipulatorActiveState active;

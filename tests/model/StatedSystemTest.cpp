@@ -79,7 +79,7 @@ struct Model {
 
   // To the bit where all sizes fit. Otherwise states are cut or filled up, and joints moved by the
   // offset, whether they were there or not.
-  void fit() {
+  bool fit() {
     auto& p = state.positionStates();
     auto& v = state.velocityStates();
     bool fits = p.size() == arms.size() && v.size() == arms.size();
@@ -87,13 +87,14 @@ struct Model {
       const std::size_t joints = arms[i].second.size();
       fits = p[i].jointPositions().size() == joints && v[i].jointVelocities().size() == joints;
     }
-    if (fits) return;
+    if (fits) return true;
     p.resize(static_cast<KtU32>(arms.size())), v.resize(p.size());
     for (KtU32 i = 0; i < arms.size(); ++i) {
       const auto joints = static_cast<KtU32>(arms[i].second.size());
       p[i].jointPositions().resize(joints), v[i].jointVelocities().resize(joints);
       for (auto& q : p[i].jointPositions().vectorContainer()) q = 1e-9 + q;
     }
+    return false;
   }
   void add(const Arm& arm) { arms.emplace_back(arm.label(), contentOf(arm)); }
 };
@@ -336,13 +337,20 @@ TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
       [&] {
         const KtLogCapture repairs;
         KtManipulatorSystemState few;
+        few = states::random({pick(4), pick(4), pick(4)}, {pick(4), pick(4), pick(4)}, 0.5);
         few.positionStates().resize(pick(4)), few.velocityStates().resize(pick(4));
         scene->setState(few), model->state = few;
         scene->absoluteBoundingSphere(), scene->validateLowLevelDimensions();
-        scene->setState(few);
+        Model whole = *model;
+        EXPECT_EQ(scene->system().isCompatible(few), whole.fit());
+        scene->rightSizeState(few);
+        EXPECT_EQ(few, whole.state);
+        scene->setState(few = model->state);
         EXPECT_TRUE(coin || scene->scaleManipulatorBy(index, 1.0));
         if (index < few.positionStates().size() && uniform() < 0.0) {
           EXPECT_TRUE(scene->exchangeManipulator(index, arm, {}, {}));
+          model->state.positionStates()[index] = {};
+          if (index < few.velocityStates().size()) model->state.velocityStates()[index] = {};
           model->arms[index] = {arm.label(), contentOf(arm)}, model->fit();
         } else {
           EXPECT_TRUE(scene->deleteManipulator(index));

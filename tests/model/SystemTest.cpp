@@ -145,40 +145,6 @@ TEST_F(Systems, ExclusionsFollowTheLinks) {
   EXPECT_TRUE(system.canCollide(0, 1, 1, ktBaseIndex));
 }
 
-TEST_F(Systems, StatesAreGivenTheRightSize) {
-  const System system = systemOf({armOf("a", 2), armOf("b", 0), armOf("c", 3)});
-  const auto good = states::random({2, 0, 3}, {2, 0, 3}, 0.75);
-  auto same = good;
-  EXPECT_TRUE(system.isCompatible(good));
-  system.rightSizeState(same);
-  EXPECT_EQ(same, good);
-
-  using Counts = std::vector<KtU32>;
-  for (const auto& [positions, velocities] : {std::pair<Counts, Counts>{{}, {}},
-                                              {{2, 0}, {2, 0}},
-                                              {{2, 0, 3}, {2, 0}},
-                                              {{5, 1, 1, 1}, {1, 2}},
-                                              {{1}, {9, 9, 9, 9}}}) {
-    const auto before = states::random(positions, velocities, 0.75);
-    EXPECT_FALSE(system.isCompatible(before));
-    // Cut or filled up, and joints moved by the offset, whether they were there or not.
-    auto expected = before;
-    expected.positionStates().resize(3);
-    expected.velocityStates().resize(3);
-    for (KtU32 i = 0; i < 3; ++i) {
-      auto& q = expected.positionStates()[i].jointPositions();
-      q.resize(system.jointDof(i));
-      for (auto& position : q.vectorContainer()) position = 1e-9 + position;
-      expected.velocityStates()[i].jointVelocities().resize(system.jointDof(i));
-    }
-    auto after = before;
-    system.rightSizeState(after);
-    EXPECT_EQ(after, expected);
-    EXPECT_TRUE(system.isCompatible(after));
-  }
-  EXPECT_TRUE(System().isCompatible({}));
-}
-
 TEST_F(Systems, SphereContainsEveryManipulators) {
   std::vector<Arm> arms{armOf("a", 1), armOf("b", 1)};
   const auto state = states::random({1, 1}, {1, 1}, 0.75);
