@@ -2,8 +2,8 @@
 
 #include <typeinfo>
 
+#include "ktManipulator/model/KtAsker.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
-#include "ktManipulator/model/KtStatedSystem.h"
 
 namespace {
 
@@ -44,8 +44,7 @@ void KtArbiAccelerationTool::acceleration(
     const KtManipulatorTorque& torque, const KtManipulatorExternalForce& external,
     KtAccelerationState& acceleration, KtManipulatorActiveState& activeState, bool /*recompute*/) {
   const KtU32 n = manipulator.jointDof();
-  const KtStatedSystemStruct self{&system, manipulator.manipulatorIndex()};
-  const KtStatedSystemStruct* asker = system.hasAttachments() ? &self : nullptr;
+  const Kt::detail::Asker asker(system, manipulator.manipulatorIndex());
   const auto& given = torque.jointTorques().elements();
   const auto& links = manipulator.links();
   netTorque_.setGeneralForce(torque.generalForce());

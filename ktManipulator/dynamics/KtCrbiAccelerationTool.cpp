@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "ktManipulator/model/KtAsker.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
-#include "ktManipulator/model/KtStatedSystem.h"
 
 void KtCrbiAccelerationTool::acceleration(
     const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
@@ -51,11 +51,11 @@ void KtCrbiAccelerationTool::acceleration(const KtStatedSystem& system,
                                           KtAccelerationState& acceleration,
                                           KtManipulatorActiveState& activeState, bool recompute) {
   const KtU32 n = manipulator.jointDof();
-  const KtStatedSystemStruct self{&system, manipulator.manipulatorIndex()};
-  const KtStatedSystemStruct* asker = system.hasAttachments() ? &self : nullptr;
+  const Kt::detail::Asker asker(system, manipulator.manipulatorIndex());
   const bool fixed = manipulator.isFixedBase();
   calculateJointTorqueArray(manipulator, torque, external, activeState, asker);
   const KtU32 first = fixed ? 0 : 6;
+  // A factor of another size serves nobody: it is rebuilt even where the caller would have it kept.
   if (recompute || factoredJoints_ != n || factoredBase_ == fixed) {
     calculateMassMatrix(manipulator, activeState, asker);
     factorMassMatrix(manipulator, activeState, asker);
@@ -200,13 +200,15 @@ void KtCrbiAccelerationTool::hybridTorqueAcceleration(
     KtManipulatorTorque& torque, KtAccelerationState& acceleration,
     KtManipulatorActiveState& activeState, bool recompute) {
   const KtU32 n = manipulator.jointDof();
-  const KtStatedSystemStruct self{&system, manipulator.manipulatorIndex()};
-  const KtStatedSystemStruct* asker = system.hasAttachments() ? &self : nullptr;
+  const Kt::detail::Asker asker(system, manipulator.manipulatorIndex());
   const bool fixed = manipulator.isFixedBase();
   const KtU32 unknowns = fixed ? n : n + 6;
+  calculateJointTorqueArray(manipulator, torque, external, activeState, asker);
+  // Only now: a torque that the caller left out is not one of 0 behind an actuator.
   torque.jointTorques().resizeToAtLeast(n);
   acceleration.resize(n);
-  calculateJointTorqueArray(manipulator, torque, external, activeState, asker);
+  // Matrices of another size, or divided by another selection, serve nobody: they are rebuilt even
+  // where the caller would have them kept.
   bool changed = selection_.size() != unknowns || partitionedJoints_ != n;
   partitionedJoints_ = n;
   selection_.resize(unknowns);

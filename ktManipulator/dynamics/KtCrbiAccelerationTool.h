@@ -76,10 +76,10 @@ class KT_EXPORT KtCrbiAccelerationTool {
   /// @param external       see `acceleration`
   /// @param selection      true where the torque is known and the acceleration sought, false where
   ///                       it is the other way round; true beyond its end
-  /// @param torque         in: the known torques, which are 0 beyond the last. Out: what was sought
-  ///                       is added, as the command that through the gear gives that joint torque.
-  ///                       A joint of gear ratio 0 keeps its value. It gets one joint torque for
-  ///                       each joint.
+  /// @param torque         in: the known torques; see `acceleration` for joints beyond the last.
+  ///                       Out: what was sought is added, as the command that through the gear
+  ///                       gives that joint torque. A joint of gear ratio 0 keeps its value. It
+  ///                       gets one joint torque for each joint, those that were missing from 0.
   /// @param acceleration   in: the known accelerations. Out: those sought. It gets one for each
   ///                       joint. Unlike with `acceleration`, those of a free base stand in the
   ///                       axes of its DH frame, in and out; that of a fixed base becomes zero

@@ -12,6 +12,7 @@
 #include "ktManipulator/dynamics/KtGravitationalTorqueTool.h"
 #include "ktManipulator/dynamics/KtMassMatrixTool.h"
 #include "ktManipulator/dynamics/KtTotalTorqueTool.h"
+#include "ktManipulator/model/KtAsker.h"
 
 namespace {
 
@@ -47,8 +48,7 @@ class Evaluation {
   Evaluation(const KtStatedSystem& system, KtU32 index, const EvaluateOptions& options)
       : manipulator_(system.system().manipulators()[index]),
         options_(options),
-        struct_{&system, index},
-        asker_(system.hasAttachments() ? &struct_ : nullptr),
+        asker_(system, index),
         gravity_(options.upGravity.value_or(system.environment().upGravityVector())),
         active_(activeStateOf(system, index)) {
     if (options.q) {
@@ -79,8 +79,7 @@ class Evaluation {
 
   const KtIndividualManipulator& manipulator_;
   const EvaluateOptions& options_;
-  KtStatedSystemStruct struct_;
-  const KtStatedSystemStruct* asker_;
+  Kt::detail::Asker asker_;
   KtVector gravity_;
   KtManipulatorActiveState active_;
   KtManipulatorExternalForce none_;

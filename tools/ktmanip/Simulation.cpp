@@ -6,6 +6,7 @@
 #include "Energy.h"
 #include "Numbers.h"
 #include "ktManipulator/constraints/KtLinearStateEqualityConstraint.h"
+#include "ktManipulator/model/KtAsker.h"
 
 Simulation::Simulation(const KtStatedSystem& system, SimulationMethod method,
                        const KtVector& upGravity)
@@ -135,8 +136,7 @@ bool Simulation::stepTo(double time) {
 void Simulation::stopAtLimits(KtU32 m) {
   const KtIndividualManipulator& manipulator = manipulators()[m];
   KtVelocityState& velocity = state_.velocityStates()[m];
-  const KtStatedSystemStruct self{&system_, m};
-  const KtStatedSystemStruct* asker = system_.hasAttachments() ? &self : nullptr;
+  const Kt::detail::Asker asker(system_, m);
   const bool fixed = manipulator.isFixedBase();
   const KtU32 n = manipulator.jointDof();
   massMatrixTool_.setManipulator(&manipulator);
