@@ -1,23 +1,19 @@
 // Frames, velocities, accelerations and forces of the base, and what they say of the whole.
+#include "ktManipulator/activestate/KtLinkQuery.h"
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/geometry/KtPlane.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/state/KtManipulatorExternalForce.h"
 
+using Kt::detail::filled;
 using Kt::detail::RotationMatrix;
 
 const KtCoordinateSystemTransformation& KtIndividualManipulator::dhFrameInSystem(
     KtManipulatorActivePositionState& positionState) const {
-  KtLinkPositionState& entry = positionState.entry(ktBaseIndex);
-  if (!entry.locationInSystemValid()) {
-    entry.setDhFrame(coordSysXForm_ * positionState.positionState().coordSysXForm());
-    const KtCoordinateSystemTransformation& primary = primaryFrame();
-    entry.setPrimaryFrame(primary.mode() == KtCoordinateSystemTransformation::kIdentity
-                              ? entry.dhFrame()
-                              : entry.dhFrame() * primary);
-    entry.setLocationInSystemValid(true);
-  }
-  return entry.dhFrame();
+  return filled<&KtLinkPositionState::locationInSystemValid, &KtLinkPositionState::dhFrame>(
+      positionState.entry(ktBaseIndex), [&](KtLinkPositionState& entry) {
+        entry.place(coordSysXForm_ * positionState.positionState().coordSysXForm(), primaryFrame());
+      });
 }
 
 const KtCoordinateSystemTransformation& KtIndividualManipulator::primaryFrameInSystem(
@@ -32,14 +28,13 @@ const KtGeneralMotion& KtIndividualManipulator::dhFrameVelocityInSystem(
 
 const KtGeneralMotion& KtIndividualManipulator::dhFrameVelocityInLocal(
     KtManipulatorActiveState& activeState) const {
-  KtLinkVelocityState& entry = activeState.velocityCache().entry(ktBaseIndex);
-  if (!entry.localDhValid()) {
-    const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
-    const KtGeneralMotion& given = activeState.velocityState().generalVelocity();
-    entry.setDhFrameVelocityInLocal(r.inverseTimes(given.linear()),
-                                    r.inverseTimes(given.angular()));
-  }
-  return entry.dhFrameVelocityInLocal();
+  return filled<&KtLinkVelocityState::localDhValid, &KtLinkVelocityState::dhFrameVelocityInLocal>(
+      activeState.velocityCache().entry(ktBaseIndex), [&](KtLinkVelocityState& entry) {
+        const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
+        const KtGeneralMotion& given = activeState.velocityState().generalVelocity();
+        entry.setDhFrameVelocityInLocal(r.inverseTimes(given.linear()),
+                                        r.inverseTimes(given.angular()));
+      });
 }
 
 const KtGeneralMotion& KtIndividualManipulator::primaryFrameVelocityInSystem(
@@ -49,14 +44,14 @@ const KtGeneralMotion& KtIndividualManipulator::primaryFrameVelocityInSystem(
 
 const KtGeneralMotion& KtIndividualManipulator::dhFrameAccelerationInLocal(
     KtManipulatorActiveState& activeState) const {
-  KtLinkAccelerationState& entry = activeState.accelerationCache().entry(ktBaseIndex);
-  if (!entry.localDhValid()) {
-    const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
-    const KtGeneralMotion& given = activeState.accelerationState().generalAcceleration();
-    entry.setDhFrameAccelerationInLocal(r.inverseTimes(given.linear()),
-                                        r.inverseTimes(given.angular()));
-  }
-  return entry.dhFrameAccelerationInLocal();
+  return filled<&KtLinkAccelerationState::localDhValid,
+                &KtLinkAccelerationState::dhFrameAccelerationInLocal>(
+      activeState.accelerationCache().entry(ktBaseIndex), [&](KtLinkAccelerationState& entry) {
+        const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
+        const KtGeneralMotion& given = activeState.accelerationState().generalAcceleration();
+        entry.setDhFrameAccelerationInLocal(r.inverseTimes(given.linear()),
+                                            r.inverseTimes(given.angular()));
+      });
 }
 
 const KtGeneralForce& KtIndividualManipulator::dhFrameForceInLocal(

@@ -22,7 +22,7 @@ class KT_EXPORT KtLinkArticulationState
   /// The dynamics of the link and all links outboard of it, in the DH frame.
   const KtArticulatedBodyDynamics& arbd() const noexcept { return arbd_; }
   /// The same, to be computed in place; its flag is left to the caller.
-  KtArticulatedBodyDynamics& arbd() noexcept { return arbd_; }
+  KtArticulatedBodyDynamics& arbdToFill() noexcept { return arbd_; }
   /// Sets what `arbd()` answers and marks it as valid.
   void setArbd(const KtArticulatedBodyDynamics& dynamics) {
     arbd_ = dynamics;

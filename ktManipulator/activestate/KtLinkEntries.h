@@ -5,6 +5,9 @@
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtCacheFlag.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
+#include "ktManipulator/foundation/tokens/KtManipTokens.h"
+#include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
+#include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 
 namespace Kt::detail {
 
@@ -86,6 +89,46 @@ class LinkEntries {
   Entry base_;
   KtCacheFlag allInvalid_;
   Held held_;
+};
+
+/// The value of an element of a list, or 0 beyond its end.
+template <class List>
+double valueOrZero(const List& list, KtU32 index) noexcept {
+  const auto& elements = list.elements();
+  return index < elements.size() ? elements[index].value() : 0.0;
+}
+
+/// What the caches of an active state have in common.
+///
+/// @tparam State  the class of the cache, which is derived from this
+/// @tparam Entry  what it keeps of one link
+template <class State, class Entry>
+class LinkCache : public KtXmlPersistent<State, KtXmlCompoundType> {
+ public:
+  /// One entry for each link but the root.
+  using LinkStates = KtXmlVectorType<Entry>;
+
+  /// Reads the state, valid flags included; see `KtXmlObject::read`.
+  bool read(KtXmlReader& reader) override {
+    entries_.handOut();  // a file can have valid entries
+    return KtXmlCompoundType::read(reader);
+  }
+
+  // For passes over many links: the members, without virtual calls.
+
+  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
+  /// that calls it, not later.
+  Entry& entry(KtU32 index) noexcept { return entries_[index]; }
+  /// The same.
+  const Entry& entry(KtU32 index) const noexcept { return entries_[index]; }
+  /// How many entries there are beside that of the base.
+  KtU32 linkCount() const noexcept { return entries_.count(); }
+
+  /// Exact equality of what files hold.
+  bool operator==(const LinkCache&) const = default;
+
+ protected:
+  LinkEntries<Entry> entries_;  ///< What is kept.
 };
 
 }  // namespace Kt::detail

@@ -28,6 +28,17 @@ class KT_EXPORT KtLinkPositionState
   void setPrimaryFrame(const KtCoordinateSystemTransformation& frame) noexcept {
     primaryFrame_ = frame;
   }
+  /// Sets both frames and marks them as valid.
+  ///
+  /// @param dhFrame  what `dhFrame()` answers from now on
+  /// @param primary  the primary frame in the DH frame
+  void place(const KtCoordinateSystemTransformation& dhFrame,
+             const KtCoordinateSystemTransformation& primary) noexcept {
+    dhFrame_ = dhFrame;
+    primaryFrame_ = dhFrame_;
+    if (primary.mode() != KtCoordinateSystemTransformation::kIdentity) primaryFrame_ *= primary;
+    setLocationInSystemValid(true);
+  }
   /// The joint transform: the DH frame in that of the inboard link.
   const KtCoordinateSystemTransformation& dhTransform() const noexcept { return dhTransform_; }
   /// Sets what `dhTransform()` answers, but not its flag.

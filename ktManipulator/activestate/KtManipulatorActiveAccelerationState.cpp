@@ -1,10 +1,5 @@
 #include "ktManipulator/activestate/KtManipulatorActiveAccelerationState.h"
 
-bool KtManipulatorActiveAccelerationState::read(KtXmlReader& reader) {
-  entries_.handOut();  // a file can have valid entries
-  return KtXmlPersistent::read(reader);
-}
-
 void KtManipulatorActiveAccelerationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtAccelerationStateToken, &accelerationState_);

@@ -11,13 +11,8 @@
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked. The joints'
 /// accelerations may be fewer than the links: those that miss count as 0.
 class KT_EXPORT KtManipulatorActiveAccelerationState
-    : public KtXmlPersistent<KtManipulatorActiveAccelerationState, KtXmlCompoundType> {
+    : public Kt::detail::LinkCache<KtManipulatorActiveAccelerationState, KtLinkAccelerationState> {
  public:
-  /// One entry for each link but the root.
-  using LinkStates = KtXmlVectorType<KtLinkAccelerationState>;
-
-  /// Reads the state, valid flags included; see `KtXmlObject::read`.
-  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The accelerations of the joints and of the base.
@@ -95,17 +90,9 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
-  /// that calls it, not later.
-  KtLinkAccelerationState& entry(KtU32 index) noexcept { return entries_[index]; }
-  /// The same.
-  const KtLinkAccelerationState& entry(KtU32 index) const noexcept { return entries_[index]; }
-  /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return entries_.count(); }
   /// The acceleration of a joint, rad/s^2 or m/s^2; 0 beyond the last.
   double jointAcceleration(KtU32 index) const noexcept {
-    const auto& joints = accelerationState_.jointAccelerations().elements();
-    return index < joints.size() ? joints[index].value() : 0.0;
+    return Kt::detail::valueOrZero(accelerationState_.jointAccelerations(), index);
   }
 
   /// Exact equality of what files hold.
@@ -115,5 +102,4 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
 
  private:
   KtAccelerationState accelerationState_;
-  Kt::detail::LinkEntries<KtLinkAccelerationState> entries_;
 };

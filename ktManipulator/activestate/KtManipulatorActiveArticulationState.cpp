@@ -1,10 +1,5 @@
 #include "ktManipulator/activestate/KtManipulatorActiveArticulationState.h"
 
-bool KtManipulatorActiveArticulationState::read(KtXmlReader& reader) {
-  entries_.handOut();  // a file can have valid entries
-  return KtXmlPersistent::read(reader);
-}
-
 void KtManipulatorActiveArticulationState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtLinkArticulationStatesToken, entries_.linksComponent());

@@ -9,13 +9,8 @@
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
 class KT_EXPORT KtManipulatorActiveArticulationState
-    : public KtXmlPersistent<KtManipulatorActiveArticulationState, KtXmlCompoundType> {
+    : public Kt::detail::LinkCache<KtManipulatorActiveArticulationState, KtLinkArticulationState> {
  public:
-  /// One entry for each link but the root.
-  using LinkStates = KtXmlVectorType<KtLinkArticulationState>;
-
-  /// Reads the state, valid flags included; see `KtXmlObject::read`.
-  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The entries of the links.
@@ -67,20 +62,8 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   /// Gives the list of entries a size if it has another one; new entries are invalid.
   virtual void resize(KtU32 count) { entries_.resize(count); }
 
-  // For passes over many links: the members, without virtual calls.
-
-  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, not later.
-  KtLinkArticulationState& entry(KtU32 index) noexcept { return entries_[index]; }
-  /// The same.
-  const KtLinkArticulationState& entry(KtU32 index) const noexcept { return entries_[index]; }
-  /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return entries_.count(); }
-
   /// Exact equality.
   bool operator==(const KtManipulatorActiveArticulationState&) const = default;
   /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveArticulationStateToken; }
-
- private:
-  Kt::detail::LinkEntries<KtLinkArticulationState> entries_;
 };

@@ -4,11 +4,6 @@
 
 const KtExternalForceDescription KtManipulatorActiveForceState::m_theZeroForceDescription;
 
-bool KtManipulatorActiveForceState::read(KtXmlReader& reader) {
-  entries_.handOut();  // a file can have valid entries
-  return KtXmlPersistent::read(reader);
-}
-
 void KtManipulatorActiveForceState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtLinkForceStatesToken, entries_.linksComponent());

@@ -10,13 +10,8 @@
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked, but for those of
 /// descriptions.
 class KT_EXPORT KtManipulatorActiveForceState
-    : public KtXmlPersistent<KtManipulatorActiveForceState, KtXmlCompoundType> {
+    : public Kt::detail::LinkCache<KtManipulatorActiveForceState, KtLinkForceState> {
  public:
-  /// One entry for each link but the root.
-  using LinkStates = KtXmlVectorType<KtLinkForceState>;
-
-  /// Reads the state, valid flags included; see `KtXmlObject::read`.
-  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// Gives the list of entries a size if it has another one, and makes all entries invalid.
@@ -49,15 +44,6 @@ class KT_EXPORT KtManipulatorActiveForceState
   /// Makes all entries and descriptions invalid.
   virtual void invalidateAll();
 
-  // For passes over many links: the members, without virtual calls.
-
-  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, not later.
-  KtLinkForceState& entry(KtU32 index) noexcept { return entries_[index]; }
-  /// The same.
-  const KtLinkForceState& entry(KtU32 index) const noexcept { return entries_[index]; }
-  /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return entries_.count(); }
-
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveForceState&) const = default;
   /// Name of the class in files.
@@ -68,6 +54,4 @@ class KT_EXPORT KtManipulatorActiveForceState
 
  private:
   bool hasEntry(const char* operation, KtU32 index) const;
-
-  Kt::detail::LinkEntries<KtLinkForceState> entries_;
 };

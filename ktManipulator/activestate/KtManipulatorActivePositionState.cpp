@@ -2,11 +2,6 @@
 
 template class KtXmlVectorType<KtManipulatorActivePositionState>;
 
-bool KtManipulatorActivePositionState::read(KtXmlReader& reader) {
-  entries_.handOut();  // a file can have valid entries
-  return KtXmlPersistent::read(reader);
-}
-
 void KtManipulatorActivePositionState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtPositionStateToken, &positionState_);

@@ -10,13 +10,8 @@
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
 class KT_EXPORT KtManipulatorActivePositionState
-    : public KtXmlPersistent<KtManipulatorActivePositionState, KtXmlCompoundType> {
+    : public Kt::detail::LinkCache<KtManipulatorActivePositionState, KtLinkPositionState> {
  public:
-  /// One entry for each link but the root.
-  using LinkStates = KtXmlVectorType<KtLinkPositionState>;
-
-  /// Reads the state, valid flags included; see `KtXmlObject::read`.
-  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The positions of the joints and the place of the base.
@@ -55,17 +50,9 @@ class KT_EXPORT KtManipulatorActivePositionState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
-  /// that calls it, not later.
-  KtLinkPositionState& entry(KtU32 index) noexcept { return entries_[index]; }
-  /// The same.
-  const KtLinkPositionState& entry(KtU32 index) const noexcept { return entries_[index]; }
-  /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return entries_.count(); }
   /// The position of a joint, rad or m; 0 beyond the last.
   double jointPosition(KtU32 index) const noexcept {
-    const auto& joints = positionState_.jointPositions().elements();
-    return index < joints.size() ? joints[index].value() : 0.0;
+    return Kt::detail::valueOrZero(positionState_.jointPositions(), index);
   }
 
   /// Exact equality of what files hold.
@@ -82,7 +69,6 @@ class KT_EXPORT KtManipulatorActivePositionState
   }
 
   KtPositionState positionState_;
-  Kt::detail::LinkEntries<KtLinkPositionState> entries_;
 };
 
 extern template class KtXmlVectorType<KtManipulatorActivePositionState>;

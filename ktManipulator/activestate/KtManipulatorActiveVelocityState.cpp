@@ -1,10 +1,5 @@
 #include "ktManipulator/activestate/KtManipulatorActiveVelocityState.h"
 
-bool KtManipulatorActiveVelocityState::read(KtXmlReader& reader) {
-  entries_.handOut();  // a file can have valid entries
-  return KtXmlPersistent::read(reader);
-}
-
 void KtManipulatorActiveVelocityState::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtVelocityStateToken, &velocityState_);

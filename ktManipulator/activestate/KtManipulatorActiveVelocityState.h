@@ -10,13 +10,8 @@
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.
 class KT_EXPORT KtManipulatorActiveVelocityState
-    : public KtXmlPersistent<KtManipulatorActiveVelocityState, KtXmlCompoundType> {
+    : public Kt::detail::LinkCache<KtManipulatorActiveVelocityState, KtLinkVelocityState> {
  public:
-  /// One entry for each link but the root.
-  using LinkStates = KtXmlVectorType<KtLinkVelocityState>;
-
-  /// Reads the state, valid flags included; see `KtXmlObject::read`.
-  bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
   /// The rates of the joints and the velocity of the base.
@@ -93,17 +88,9 @@ class KT_EXPORT KtManipulatorActiveVelocityState
 
   // For passes over many links: the members, without virtual calls.
 
-  /// The entry of a link, or of the base. To be written before the next `invalidateAll`, or setter
-  /// that calls it, not later.
-  KtLinkVelocityState& entry(KtU32 index) noexcept { return entries_[index]; }
-  /// The same.
-  const KtLinkVelocityState& entry(KtU32 index) const noexcept { return entries_[index]; }
-  /// How many entries there are beside that of the base.
-  KtU32 linkCount() const noexcept { return entries_.count(); }
   /// The velocity of a joint, rad/s or m/s; 0 beyond the last.
   double jointVelocity(KtU32 index) const noexcept {
-    const auto& joints = velocityState_.jointVelocities().elements();
-    return index < joints.size() ? joints[index].value() : 0.0;
+    return Kt::detail::valueOrZero(velocityState_.jointVelocities(), index);
   }
 
   /// Exact equality of what files hold.
@@ -113,5 +100,4 @@ class KT_EXPORT KtManipulatorActiveVelocityState
 
  private:
   KtVelocityState velocityState_;
-  Kt::detail::LinkEntries<KtLinkVelocityState> entries_;
 };

@@ -2,6 +2,7 @@
 //
 // Every query looks at its flag in the active state, computes what is missing through the queries
 // that it stands on, and answers the entry. A link reads and writes entries without virtual calls.
+#include "ktManipulator/activestate/KtLinkQuery.h"
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
@@ -10,7 +11,11 @@
 
 namespace {
 
+using Kt::detail::queried;
+using Kt::detail::queriedOutboard;
 using Kt::detail::RotationMatrix;
+using Acceleration = KtLinkAccelerationState;
+using Velocity = KtLinkVelocityState;
 using T = KtCoordinateSystemTransformation;
 
 void report(const char* message) {
@@ -49,45 +54,43 @@ struct CentralInertia {
 
 // Frames
 
+// Where the joint places the link in its parent, as the model answers it.
+inline const KtCoordinateSystemTransformation& KtManipulatorLink::jointTransform(
+    const KtManipulatorActivePositionState& positionState) const {
+  const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
+  return model != nullptr ? model->calculateTransform(positionState.jointPosition(linkIndex_))
+                          : KtLinkKinematicsContainer::m_theIdentity;
+}
+
 const KtCoordinateSystemTransformation& KtManipulatorLink::dhFrameInSystem(
     KtManipulatorActivePositionState& positionState) const {
-  const KtU32 i = linkIndex_;
-  if (i >= positionState.linkCount()) {
-    report("KtManipulatorLink::dhFrameInSystem(): index out of range.\n");
-    return m_theDummyTransformation;
-  }
-  KtLinkPositionState& entry = positionState.entry(i);
-  if (!entry.locationInSystemValid()) {
-    const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
-    const T& joint = model != nullptr ? model->calculateTransform(positionState.jointPosition(i))
-                                      : KtLinkKinematicsContainer::m_theIdentity;
-    if (parentLink_ != nullptr) {
-      entry.setDhFrame(parentLink_->dhFrameInSystem(positionState) * joint);
-    } else {
-      T& frame = scratch().frame;
-      frame *= joint;
-      entry.setDhFrame(frame);
-    }
-    const T& primary = linkKinematicsContainer_.primaryFrame();
-    entry.setPrimaryFrame(primary.mode() == T::kIdentity ? entry.dhFrame()
-                                                         : entry.dhFrame() * primary);
-    entry.setLocationInSystemValid(true);
-  }
-  return entry.dhFrame();
+  return queriedOutboard<&KtLinkPositionState::locationInSystemValid,
+                         &KtLinkPositionState::dhFrame>(
+      positionState, linkIndex_,
+      [] { report("KtManipulatorLink::dhFrameInSystem(): index out of range.\n"); },
+      m_theDummyTransformation,
+      [&](KtLinkPositionState& entry) {
+        const T& joint = jointTransform(positionState);
+        const T& primary = linkKinematicsContainer_.primaryFrame();
+        if (parentLink_ != nullptr) {
+          entry.place(parentLink_->dhFrameInSystem(positionState) * joint, primary);
+        } else {
+          entry.place(scratch().frame *= joint, primary);
+        }
+      });
 }
 
 const KtCoordinateSystemTransformation& KtManipulatorLink::primaryFrameInSystem(
     KtManipulatorActivePositionState& positionState) const {
-  const KtU32 i = linkIndex_;
-  if (i != ktBaseIndex && i >= positionState.linkCount()) {
-    Kt::Print::instance().write(
-        Kt::Print::kError, "KtManipulatorLink::primaryFrameInSystem(): index %d out of range %d.\n",
-        static_cast<int>(i), static_cast<int>(positionState.linkCount()));
-    return m_theDummyTransformation;
-  }
-  KtLinkPositionState& entry = positionState.entry(i);
-  if (!entry.locationInSystemValid()) dhFrameInSystem(positionState);
-  return entry.primaryFrame();
+  return queried<&KtLinkPositionState::locationInSystemValid, &KtLinkPositionState::primaryFrame>(
+      positionState, linkIndex_,
+      [&] {
+        Kt::Print::instance().write(
+            Kt::Print::kError,
+            "KtManipulatorLink::primaryFrameInSystem(): index %d out of range %d.\n",
+            static_cast<int>(linkIndex_), static_cast<int>(positionState.linkCount()));
+      },
+      m_theDummyTransformation, [&](KtLinkPositionState&) { dhFrameInSystem(positionState); });
 }
 
 const KtLinkPositionState& KtManipulatorLink::placedJoint(
@@ -100,13 +103,17 @@ const KtLinkPositionState& KtManipulatorLink::placedJoint(
   }
   KtLinkPositionState& entry = positionState.entry(linkIndex_);
   if (!entry.dhTransformValid()) {
-    const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
-    entry.setDhTransform(model != nullptr
-                             ? model->calculateTransform(positionState.jointPosition(linkIndex_))
-                             : KtLinkKinematicsContainer::m_theIdentity);
+    entry.setDhTransform(jointTransform(positionState));
     entry.setDhTransformValid(true);
   }
   return entry;
+}
+
+Kt::detail::JointMotion KtManipulatorLink::askedUnitMotion(
+    const KtManipulatorActivePositionState& positionState) const {
+  const KtGeneralMotion& unit = linkKinematicsContainer_.calculateAcceleration(
+      positionState.jointPosition(linkIndex_), 0.0, 1.0);
+  return {unit.linear(), unit.angular(), KtVector()};
 }
 
 // Velocities
@@ -135,204 +142,178 @@ inline const KtGeneralMotion& KtManipulatorLink::knownAcceleration(
 
 const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInLocal(
     KtManipulatorActiveState& activeState) const {
-  const KtU32 i = linkIndex_;
   auto& positions = activeState.positionCache();
   auto& velocities = activeState.velocityCache();
-  if (i >= velocities.linkCount() || i >= positions.linkCount()) {
-    reportBadSize("dhFrameVelocityInLocal", i);
+  const auto reportSize = [this] { reportBadSize("dhFrameVelocityInLocal", linkIndex_); };
+  if (linkIndex_ >= positions.linkCount()) {
+    reportSize();
     return m_theDummyGeneralVelocity;
   }
-  KtLinkVelocityState& entry = velocities.entry(i);
-  if (entry.localDhValid()) return entry.dhFrameVelocityInLocal();
-  const KtGeneralMotion& inboard =
-      parentLink_ != nullptr ? parentLink_->knownVelocity(activeState) : scratch().velocity;
-  const KtLinkPositionState& joint = placedJoint(positions);
-  const RotationMatrix& r = joint.dhRotation();
-  const double qDot = velocities.jointVelocity(i);
-  const KtVector& w = inboard.angular();
-  KtVector linear = r.inverseTimes(inboard.linear() + w.cross(joint.dhTransform().translation()));
-  KtVector angular = r.inverseTimes(w);
-  if (const auto* motion = frameMotion(); motion != nullptr) {
-    if (motion->turnsAboutZ) {
-      angular.z += qDot;
-    } else {
-      linear += motion->linear * qDot;
-      angular += motion->angular * qDot;
-    }
-  } else {
-    const KtGeneralMotion& relative =
-        linkKinematicsContainer_.calculateVelocity(positions.jointPosition(i), qDot);
-    linear += relative.linear();
-    angular += relative.angular();
-  }
-  entry.setDhFrameVelocityInLocal(linear, angular);
-  if (parentLink_ == nullptr) scratch().velocity = entry.dhFrameVelocityInLocal();
-  return entry.dhFrameVelocityInLocal();
+  return queriedOutboard<&Velocity::localDhValid, &Velocity::dhFrameVelocityInLocal>(
+      velocities, linkIndex_, reportSize, m_theDummyGeneralVelocity, [&](Velocity& entry) {
+        const KtGeneralMotion& inboard =
+            parentLink_ != nullptr ? parentLink_->knownVelocity(activeState) : scratch().velocity;
+        const KtLinkPositionState& joint = placedJoint(positions);
+        const RotationMatrix& r = joint.dhRotation();
+        const double qDot = velocities.jointVelocity(linkIndex_);
+        const KtVector& w = inboard.angular();
+        KtVector linear =
+            r.inverseTimes(inboard.linear() + w.cross(joint.dhTransform().translation()));
+        KtVector angular = r.inverseTimes(w);
+        if (const auto* motion = jointMotion(); motion != nullptr) {
+          motion->addTo(qDot, linear, angular);
+        } else {
+          const KtGeneralMotion& relative =
+              linkKinematicsContainer_.calculateVelocity(positions.jointPosition(linkIndex_), qDot);
+          linear += relative.linear();
+          angular += relative.angular();
+        }
+        entry.setDhFrameVelocityInLocal(linear, angular);
+        if (parentLink_ == nullptr) scratch().velocity = entry.dhFrameVelocityInLocal();
+      });
 }
 
 const KtGeneralMotion& KtManipulatorLink::dhFrameVelocityInSystem(
     KtManipulatorActiveState& activeState) const {
-  const KtU32 i = linkIndex_;
-  auto& velocities = activeState.velocityCache();
-  if (i >= velocities.linkCount()) {
-    report("KtManipulatorLink::dhFrameVelocityInSystem(): index out of range.\n");
-    return m_theDummyGeneralVelocity;
-  }
-  KtLinkVelocityState& entry = velocities.entry(i);
-  if (!entry.systemDhValid()) {
-    const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
-    const KtGeneralMotion& local = dhFrameVelocityInLocal(activeState);
-    entry.setDhFrameVelocityInSystem(r * local.linear(), r * local.angular());
-  }
-  return entry.dhFrameVelocityInSystem();
+  return queriedOutboard<&Velocity::systemDhValid, &Velocity::dhFrameVelocityInSystem>(
+      activeState.velocityCache(), linkIndex_,
+      [] { report("KtManipulatorLink::dhFrameVelocityInSystem(): index out of range.\n"); },
+      m_theDummyGeneralVelocity,
+      [&](Velocity& entry) {
+        const RotationMatrix r(dhFrameInSystem(activeState.positionCache()).orientation());
+        const KtGeneralMotion& local = dhFrameVelocityInLocal(activeState);
+        entry.setDhFrameVelocityInSystem(r * local.linear(), r * local.angular());
+      });
 }
 
 const KtGeneralMotion& KtManipulatorLink::primaryFrameVelocityInSystem(
     KtManipulatorActiveState& activeState) const {
-  const KtU32 i = linkIndex_;
   auto& velocities = activeState.velocityCache();
-  if (i != ktBaseIndex && i >= velocities.linkCount()) {
-    Kt::Print::instance().write(
-        Kt::Print::kError,
-        "KtManipulatorLink::primaryFrameVelocityInSystem(): index %d  out of range %d.\n",
-        static_cast<int>(i), static_cast<int>(velocities.linkCount()));
-    return m_theDummyGeneralVelocity;
-  }
-  KtLinkVelocityState& entry = velocities.entry(i);
-  if (!entry.systemPrimaryValid()) {
-    KtGeneralMotion velocity = dhFrameVelocityInLocal(activeState);
-    velocity.transformBy(linkKinematicsContainer_.primaryFrameInverse());
-    velocity.transformBy(primaryFrameInSystem(activeState.positionCache()).orientation());
-    entry.setPrimaryFrameVelocityInSystem(velocity);
-  }
-  return entry.primaryFrameVelocityInSystem();
+  return queried<&Velocity::systemPrimaryValid, &Velocity::primaryFrameVelocityInSystem>(
+      velocities, linkIndex_,
+      [&] {
+        Kt::Print::instance().write(
+            Kt::Print::kError,
+            "KtManipulatorLink::primaryFrameVelocityInSystem(): index %d  out of range %d.\n",
+            static_cast<int>(linkIndex_), static_cast<int>(velocities.linkCount()));
+      },
+      m_theDummyGeneralVelocity,
+      [&](Velocity& entry) {
+        KtGeneralMotion velocity = dhFrameVelocityInLocal(activeState);
+        velocity.transformBy(linkKinematicsContainer_.primaryFrameInverse());
+        velocity.transformBy(primaryFrameInSystem(activeState.positionCache()).orientation());
+        entry.setPrimaryFrameVelocityInSystem(velocity);
+      });
 }
 
 const KtGeneralMotion& KtManipulatorLink::comVelocityInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& velocities = activeState.velocityCache();
-  if (i != ktBaseIndex && i >= velocities.linkCount()) {
-    reportBadSize("comVelocityInLocal", i);
-    return m_theDummyGeneralVelocity;
-  }
-  KtLinkVelocityState& entry = velocities.entry(i);
-  if (!entry.localComValid()) {
-    KtVector center;
-    massPropertiesInDHFrame(asker).getCenterOfMass(center);
-    KtGeneralMotion velocity = dhFrameVelocityInLocal(activeState);
-    velocity.transformBy(-center);
-    entry.setComVelocityInLocal(velocity);
-  }
-  return entry.comVelocityInLocal();
+  return queried<&Velocity::localComValid, &Velocity::comVelocityInLocal>(
+      activeState.velocityCache(), linkIndex_,
+      [this] { reportBadSize("comVelocityInLocal", linkIndex_); }, m_theDummyGeneralVelocity,
+      [&](Velocity& entry) {
+        KtVector center;
+        massPropertiesInDHFrame(asker).getCenterOfMass(center);
+        KtGeneralMotion velocity = dhFrameVelocityInLocal(activeState);
+        velocity.transformBy(-center);
+        entry.setComVelocityInLocal(velocity);
+      });
 }
 
 // Accelerations and forces
 
 const KtGeneralMotion& KtManipulatorLink::dhFrameAccelerationInLocal(
     KtManipulatorActiveState& activeState) const {
-  const KtU32 i = linkIndex_;
-  auto& positions = activeState.positionCache();
   auto& accelerations = activeState.accelerationCache();
-  if (i >= accelerations.linkCount()) {
-    report("KtManipulatorLink::dhFrameAccelerationInLocal(): index out of range.\n");
-    return m_theDummyGeneralAcceleration;
-  }
-  KtLinkAccelerationState& entry = accelerations.entry(i);
-  if (entry.localDhValid()) return entry.dhFrameAccelerationInLocal();
-  const double qDot = activeState.velocityCache().jointVelocity(i);
-  const double qDotDot = accelerations.jointAcceleration(i);
-  const KtGeneralMotion& velocity = parentLink_ != nullptr
-                                        ? parentLink_->knownVelocity(activeState)
-                                        : KtLinkKinematicsContainer::m_theNullMotion;
-  const KtGeneralMotion& inboard = parentLink_ != nullptr
-                                       ? parentLink_->knownAcceleration(activeState)
-                                       : KtLinkKinematicsContainer::m_theNullMotion;
-  const KtLinkPositionState& joint = placedJoint(positions);
-  const RotationMatrix& r = joint.dhRotation();
-  const KtVector& p = joint.dhTransform().translation();
-  const KtVector& outer = velocity.angular();
-  const KtVector w = r.inverseTimes(outer);
-  KtVector linear =
-      r.inverseTimes(inboard.linear() + inboard.angular().cross(p) + outer.cross(outer.cross(p)));
-  KtVector angular = r.inverseTimes(inboard.angular());
-  if (const auto* motion = frameMotion(); motion != nullptr && motion->turnsAboutZ) {
-    angular += KtVector(w.y * qDot, -w.x * qDot, qDotDot);
-  } else if (motion != nullptr) {
-    const KtVector relative = motion->angular * qDot;
-    linear += w.cross(motion->linear) * (2.0 * qDot) + motion->linear * qDotDot +
-              motion->centripetal * (qDot * qDot);
-    angular += w.cross(relative) + motion->angular * qDotDot;
-  } else {
-    const double q = positions.jointPosition(i);
-    const KtGeneralMotion& vr = linkKinematicsContainer_.calculateVelocity(q, qDot);
-    linear += w.cross(vr.linear()) * 2.0;
-    angular += w.cross(vr.angular());
-    const KtGeneralMotion& ar = linkKinematicsContainer_.calculateAcceleration(q, qDot, qDotDot);
-    linear += ar.linear();
-    angular += ar.angular();
-  }
-  entry.setDhFrameAccelerationInLocal(linear, angular);
-  return entry.dhFrameAccelerationInLocal();
+  return queriedOutboard<&Acceleration::localDhValid, &Acceleration::dhFrameAccelerationInLocal>(
+      accelerations, linkIndex_,
+      [] { report("KtManipulatorLink::dhFrameAccelerationInLocal(): index out of range.\n"); },
+      m_theDummyGeneralAcceleration,
+      [&](Acceleration& entry) {
+        auto& positions = activeState.positionCache();
+        const double qDot = activeState.velocityCache().jointVelocity(linkIndex_);
+        const double qDotDot = accelerations.jointAcceleration(linkIndex_);
+        const KtGeneralMotion& velocity = parentLink_ != nullptr
+                                              ? parentLink_->knownVelocity(activeState)
+                                              : KtLinkKinematicsContainer::m_theNullMotion;
+        const KtGeneralMotion& inboard = parentLink_ != nullptr
+                                             ? parentLink_->knownAcceleration(activeState)
+                                             : KtLinkKinematicsContainer::m_theNullMotion;
+        const KtLinkPositionState& joint = placedJoint(positions);
+        const RotationMatrix& r = joint.dhRotation();
+        const KtVector& p = joint.dhTransform().translation();
+        const KtVector& outer = velocity.angular();
+        const KtVector w = r.inverseTimes(outer);
+        KtVector linear = r.inverseTimes(inboard.linear() + inboard.angular().cross(p) +
+                                         outer.cross(outer.cross(p)));
+        KtVector angular = r.inverseTimes(inboard.angular());
+        if (const auto* motion = jointMotion(); motion != nullptr) {
+          motion->addAccelerationTo(w, qDot, qDotDot, linear, angular);
+        } else {
+          const double q = positions.jointPosition(linkIndex_);
+          const KtGeneralMotion& vr = linkKinematicsContainer_.calculateVelocity(q, qDot);
+          linear += w.cross(vr.linear()) * 2.0;
+          angular += w.cross(vr.angular());
+          const KtGeneralMotion& ar =
+              linkKinematicsContainer_.calculateAcceleration(q, qDot, qDotDot);
+          linear += ar.linear();
+          angular += ar.angular();
+        }
+        entry.setDhFrameAccelerationInLocal(linear, angular);
+      });
 }
 
 const KtGeneralForce& KtManipulatorLink::dhFrameForceInLocal(
     const KtManipulatorExternalForce& external, KtManipulatorActiveState& activeState,
     const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  if (i != ktBaseIndex && i >= activeState.forceCache().linkCount()) {
-    report("KtManipulatorLink::dhFrameForceInLocal(): force index out of range.\n");
-    return m_theDummyGeneralForce;
-  }
-  if (i != ktBaseIndex && i >= activeState.accelerationCache().linkCount()) {
+  auto& forces = activeState.forceCache();
+  if (linkIndex_ < forces.linkCount() &&
+      linkIndex_ >= activeState.accelerationCache().linkCount()) {
     report("KtManipulatorLink::dhFrameForceInLocal(): acc. index out of range.\n");
     return m_theDummyGeneralForce;
   }
-  KtLinkForceState& entry = activeState.forceCache().entry(i);
-  if (entry.localDhValid()) return entry.dhFrameForceInLocal();
-  auto& positions = activeState.positionCache();
-  const KtVector& w = dhFrameVelocityInLocal(activeState).angular();
-  const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
-  const KtRigidBodyMassProperties& body =
-      ownMassSuffices(asker) ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
-  const KtGeneralForce& given = external[i];
-  KtVector force;
-  KtVector moment;
-  body.getForce(w, acceleration, force, moment);
-  force -= given.force();
-  moment -= given.moment();
-  for (const KtManipulatorLink& child : childLinks().elements()) {
-    const KtGeneralForce& outboard =
-        child.KtManipulatorLink::dhFrameForceInLocal(external, activeState, asker);
-    const KtLinkPositionState& joint = child.placedJoint(positions);
-    const KtVector turned = joint.dhRotation() * outboard.force();
-    force += turned;
-    moment +=
-        joint.dhRotation() * outboard.moment() + joint.dhTransform().translation().cross(turned);
-  }
-  entry.setDhFrameForceInLocal(force, moment);
-  return entry.dhFrameForceInLocal();
+  return queried<&KtLinkForceState::localDhValid, &KtLinkForceState::dhFrameForceInLocal>(
+      forces, linkIndex_,
+      [] { report("KtManipulatorLink::dhFrameForceInLocal(): force index out of range.\n"); },
+      m_theDummyGeneralForce,
+      [&](KtLinkForceState& entry) {
+        auto& positions = activeState.positionCache();
+        const KtVector& w = dhFrameVelocityInLocal(activeState).angular();
+        const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
+        const KtGeneralForce& given = external[linkIndex_];
+        KtVector force;
+        KtVector moment;
+        knownMass(asker).getForce(w, acceleration, force, moment);
+        force -= given.force();
+        moment -= given.moment();
+        for (const KtManipulatorLink& child : childLinks().elements()) {
+          const KtGeneralForce& outboard =
+              child.KtManipulatorLink::dhFrameForceInLocal(external, activeState, asker);
+          const KtLinkPositionState& joint = child.placedJoint(positions);
+          const KtVector turned = joint.dhRotation() * outboard.force();
+          force += turned;
+          moment += joint.dhRotation() * outboard.moment() +
+                    joint.dhTransform().translation().cross(turned);
+        }
+        entry.setDhFrameForceInLocal(force, moment);
+      });
 }
 
 const KtGeneralMotion& KtManipulatorLink::comAccelerationInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& accelerations = activeState.accelerationCache();
-  if (i != ktBaseIndex && i >= accelerations.linkCount()) {
-    reportBadSize("comAccelerationInLocal", i);
-    return m_theDummyGeneralAcceleration;
-  }
-  KtLinkAccelerationState& entry = accelerations.entry(i);
-  if (!entry.localComValid()) {
-    KtVector center;
-    massPropertiesInDHFrame(asker).getCenterOfMass(center);
-    const KtVector w = dhFrameVelocityInLocal(activeState).angular();
-    KtGeneralMotion acceleration = dhFrameAccelerationInLocal(activeState);
-    acceleration.setLinear(acceleration.linear() + acceleration.angular().cross(center) +
-                           w.cross(w.cross(center)));
-    entry.setComAccelerationInLocal(acceleration);
-  }
-  return entry.comAccelerationInLocal();
+  return queried<&Acceleration::localComValid, &Acceleration::comAccelerationInLocal>(
+      activeState.accelerationCache(), linkIndex_,
+      [this] { reportBadSize("comAccelerationInLocal", linkIndex_); },
+      m_theDummyGeneralAcceleration,
+      [&](Acceleration& entry) {
+        KtVector center;
+        massPropertiesInDHFrame(asker).getCenterOfMass(center);
+        const KtVector w = dhFrameVelocityInLocal(activeState).angular();
+        KtGeneralMotion acceleration = dhFrameAccelerationInLocal(activeState);
+        acceleration.setLinear(acceleration.linear() + acceleration.angular().cross(center) +
+                               w.cross(w.cross(center)));
+        entry.setComAccelerationInLocal(acceleration);
+      });
 }
 
 double KtManipulatorLink::totalLocalTorque(KtManipulatorActiveState& activeState) const {
@@ -357,39 +338,30 @@ const KtLineSegment& KtManipulatorLink::forceVectorInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::spatialMomentumInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& velocities = activeState.velocityCache();
-  if (i != ktBaseIndex && i >= velocities.linkCount()) {
-    reportIndex("spatialMomentumInLocal", i);
-    return m_theDummySpatialMomentum;
-  }
-  KtLinkVelocityState& entry = velocities.entry(i);
-  if (!entry.localMomentumValid()) {
-    const CentralInertia body(massPropertiesInDHFrame(asker));
-    const KtGeneralMotion& velocity = comVelocityInLocal(activeState, asker);
-    entry.setMomentumInLocal({velocity.linear() * body.mass, body.tensor * velocity.angular()});
-  }
-  return entry.momentumInLocal();
+  return queried<&Velocity::localMomentumValid, &Velocity::momentumInLocal>(
+      activeState.velocityCache(), linkIndex_,
+      [this] { reportIndex("spatialMomentumInLocal", linkIndex_); }, m_theDummySpatialMomentum,
+      [&](Velocity& entry) {
+        const CentralInertia body(massPropertiesInDHFrame(asker));
+        const KtGeneralMotion& velocity = comVelocityInLocal(activeState, asker);
+        entry.setMomentumInLocal({velocity.linear() * body.mass, body.tensor * velocity.angular()});
+      });
 }
 
 const KtGeneralMotion& KtManipulatorLink::spatialMomentumRateInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& accelerations = activeState.accelerationCache();
-  if (i != ktBaseIndex && i >= accelerations.linkCount()) {
-    reportIndex("spatialMomentumRateInLocal", i);
-    return m_theDummySpatialMomentumRate;
-  }
-  KtLinkAccelerationState& entry = accelerations.entry(i);
-  if (!entry.localMomentumRateValid()) {
-    const CentralInertia body(massPropertiesInDHFrame(asker));
-    const KtVector w = comVelocityInLocal(activeState, asker).angular();
-    const KtGeneralMotion& acceleration = comAccelerationInLocal(activeState, asker);
-    entry.setMomentumRateInLocal(
-        {acceleration.linear() * body.mass,
-         body.tensor * acceleration.angular() - (body.tensor * w).cross(w)});
-  }
-  return entry.momentumRateInLocal();
+  return queried<&Acceleration::localMomentumRateValid, &Acceleration::momentumRateInLocal>(
+      activeState.accelerationCache(), linkIndex_,
+      [this] { reportIndex("spatialMomentumRateInLocal", linkIndex_); },
+      m_theDummySpatialMomentumRate,
+      [&](Acceleration& entry) {
+        const CentralInertia body(massPropertiesInDHFrame(asker));
+        const KtVector w = comVelocityInLocal(activeState, asker).angular();
+        const KtGeneralMotion& acceleration = comAccelerationInLocal(activeState, asker);
+        entry.setMomentumRateInLocal(
+            {acceleration.linear() * body.mass,
+             body.tensor * acceleration.angular() - (body.tensor * w).cross(w)});
+      });
 }
 
 // The vectors of the children are turned into this link's axes and added; the points that their
@@ -397,50 +369,36 @@ const KtGeneralMotion& KtManipulatorLink::spatialMomentumRateInLocal(
 
 const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& velocities = activeState.velocityCache();
-  if (i != ktBaseIndex && i >= velocities.linkCount()) {
-    reportIndex("compositeSpatialMomentumInLocal", i);
-    return m_theDummySpatialMomentum;
-  }
-  KtLinkVelocityState& entry = velocities.entry(i);
-  if (!entry.compositeMomentumValid()) {
-    KtGeneralMotion sum = spatialMomentumInLocal(activeState, asker);
-    const auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().elements()) {
-      const KtGeneralMotion& momentum = child.compositeSpatialMomentumInLocal(activeState, asker);
-      sum += child.linkKinematicsContainer_
-                 .calculateTransform(positions.jointPosition(child.linkIndex_))
-                 .orientation() *
-             momentum;
-    }
-    entry.setCompositeMomentumInLocal(sum);
-  }
-  return entry.compositeMomentumInLocal();
+  return queried<&Velocity::compositeMomentumValid, &Velocity::compositeMomentumInLocal>(
+      activeState.velocityCache(), linkIndex_,
+      [this] { reportIndex("compositeSpatialMomentumInLocal", linkIndex_); },
+      m_theDummySpatialMomentum,
+      [&](Velocity& entry) {
+        KtGeneralMotion sum = spatialMomentumInLocal(activeState, asker);
+        for (const KtManipulatorLink& child : childLinks().elements()) {
+          const KtGeneralMotion& part = child.compositeSpatialMomentumInLocal(activeState, asker);
+          sum += child.jointTransform(activeState.positionCache()).orientation() * part;
+        }
+        entry.setCompositeMomentumInLocal(sum);
+      });
 }
 
 const KtGeneralMotion& KtManipulatorLink::compositeSpatialMomentumRateInLocal(
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& accelerations = activeState.accelerationCache();
-  if (i != ktBaseIndex && i >= accelerations.linkCount()) {
-    reportIndex("compositeSpatialMomentumRateInLocal", i);
-    return m_theDummySpatialMomentumRate;
-  }
-  KtLinkAccelerationState& entry = accelerations.entry(i);
-  if (!entry.compositeMomentumRateValid()) {
-    KtGeneralMotion sum = spatialMomentumRateInLocal(activeState, asker);
-    const auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().elements()) {
-      const KtGeneralMotion& rate = child.compositeSpatialMomentumRateInLocal(activeState, asker);
-      sum += child.linkKinematicsContainer_
-                 .calculateTransform(positions.jointPosition(child.linkIndex_))
-                 .orientation() *
-             rate;
-    }
-    entry.setCompositeMomentumRateInLocal(sum);
-  }
-  return entry.compositeMomentumRateInLocal();
+  return queried<&Acceleration::compositeMomentumRateValid,
+                 &Acceleration::compositeMomentumRateInLocal>(
+      activeState.accelerationCache(), linkIndex_,
+      [this] { reportIndex("compositeSpatialMomentumRateInLocal", linkIndex_); },
+      m_theDummySpatialMomentumRate,
+      [&](Acceleration& entry) {
+        KtGeneralMotion sum = spatialMomentumRateInLocal(activeState, asker);
+        for (const KtManipulatorLink& child : childLinks().elements()) {
+          const KtGeneralMotion& part =
+              child.compositeSpatialMomentumRateInLocal(activeState, asker);
+          sum += child.jointTransform(activeState.positionCache()).orientation() * part;
+        }
+        entry.setCompositeMomentumRateInLocal(sum);
+      });
 }
 
 void KtManipulatorLink::computeMomentFromLinearAcceleration(

@@ -40,26 +40,18 @@ void CompositeColumns::compute(const KtIndividualManipulator& manipulator,
         frame.r = inboard->r * frame.r;
       }
       const KtVector& c = body.firstMomentValue();
-      const auto* motion = link->frameMotion();
+      const JointMotion* motion = link->jointMotion();
       if (motion != nullptr && motion->turnsAboutZ) {
         const double* j = body.secondMomentValue().values();
         force = frame.r * KtVector(-c.y, c.x, 0.0);
         moment = frame.r * KtVector(j[4], j[5], j[2]);
         angular = {frame.r[2], frame.r[5], frame.r[8]};
       } else {
-        if (motion != nullptr) {
-          linear = motion->linear;
-          angular = motion->angular;
-        } else {
-          const KtGeneralMotion& unit = link->linkKinematicsContainer().calculateAcceleration(
-              positions.jointPosition(i), 0.0, 1.0);
-          linear = unit.linear();
-          angular = unit.angular();
-        }
-        force = frame.r * (linear * body.massValue() - c.cross(angular));
-        moment = frame.r * (body.secondMomentValue() * angular + c.cross(linear));
-        angular = frame.r * angular;
-        linear = frame.r * linear;
+        const JointMotion unit = motion != nullptr ? *motion : link->askedUnitMotion(positions);
+        force = frame.r * (unit.linear * body.massValue() - c.cross(unit.angular));
+        moment = frame.r * (body.secondMomentValue() * unit.angular + c.cross(unit.linear));
+        angular = frame.r * unit.angular;
+        linear = frame.r * unit.linear;
       }
       moment += frame.p.cross(force);
       linear += frame.p.cross(angular);

@@ -3,6 +3,7 @@
 // The recursions are Featherstone's (Rigid Body Dynamics Algorithms, Springer 2008, ch. 6 and 7).
 #include <optional>
 
+#include "ktManipulator/activestate/KtLinkQuery.h"
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/dynamics/KtMassMatrixTool.h"
 #include "ktManipulator/foundation/core/KtPrint.h"
@@ -12,6 +13,11 @@
 
 namespace {
 
+using Kt::detail::filled;
+using Kt::detail::queried;
+using Kt::detail::queriedOutboard;
+using Articulation = KtLinkArticulationState;
+
 void reportIndex(const char* text, KtU32 index) {
   Kt::Print::instance().write(Kt::Print::kError, "KtManipulatorLink::%s (%d) out of range.\n", text,
                               static_cast<int>(index));
@@ -20,13 +26,8 @@ void reportIndex(const char* text, KtU32 index) {
 // Adds what the joint's acceleration does to that of the DH frame.
 void addJointMotion(const KtManipulatorLink& link, KtManipulatorActiveState& activeState,
                     double rate, KtVector& linear, KtVector& angular) {
-  if (const auto* motion = link.frameMotion(); motion != nullptr) {
-    if (motion->turnsAboutZ) {
-      angular.z += rate;
-    } else {
-      linear += motion->linear * rate;
-      angular += motion->angular * rate;
-    }
+  if (const auto* motion = link.jointMotion(); motion != nullptr) {
+    motion->addTo(rate, linear, angular);
     return;
   }
   const KtGeneralMotion& relative = link.linkKinematicsContainer().calculateAcceleration(
@@ -35,64 +36,47 @@ void addJointMotion(const KtManipulatorLink& link, KtManipulatorActiveState& act
   angular += relative.angular();
 }
 
-double jointTorque(const KtManipulatorTorque& torque, KtU32 index) {
-  const auto& torques = torque.jointTorques().elements();
-  return index < torques.size() ? torques[index].value() : 0.0;
-}
-
 }  // namespace
 
 const KtRigidBodyMassProperties& KtManipulatorLink::crbi(KtManipulatorActiveState& activeState,
                                                          const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& masses = activeState.massCache();
-  if (i != ktBaseIndex && i >= masses.linkCount()) {
-    reportIndex("crbi(): index", i);
-    return m_theDummyCrbi;
-  }
-  KtLinkMassState& entry = masses.entry(i);
-  if (!entry.crbiValid()) {
-    KtRigidBodyMassProperties sum =
-        ownMassSuffices(asker) ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
-    auto& positions = activeState.positionCache();
-    for (const KtManipulatorLink& child : childLinks().elements()) {
-      const KtRigidBodyMassProperties& part = child.KtManipulatorLink::crbi(activeState, asker);
-      const KtLinkPositionState& joint = child.placedJoint(positions);
-      sum.addTransformed(part, joint.dhRotation(), joint.dhTransform().translation());
-    }
-    entry.setCrbi(sum);
-  }
-  return entry.crbi();
+  return queried<&KtLinkMassState::crbiValid, &KtLinkMassState::crbi>(
+      activeState.massCache(), linkIndex_, [this] { reportIndex("crbi(): index", linkIndex_); },
+      m_theDummyCrbi,
+      [&](KtLinkMassState& entry) {
+        KtRigidBodyMassProperties sum = knownMass(asker);
+        auto& positions = activeState.positionCache();
+        for (const KtManipulatorLink& child : childLinks().elements()) {
+          const KtRigidBodyMassProperties& part = child.KtManipulatorLink::crbi(activeState, asker);
+          const KtLinkPositionState& joint = child.placedJoint(positions);
+          sum.addTransformed(part, joint.dhRotation(), joint.dhTransform().translation());
+        }
+        entry.setCrbi(sum);
+      });
 }
 
 const KtArticulatedBodyDynamics& KtManipulatorLink::arbd(const KtManipulatorExternalForce& external,
                                                          const KtManipulatorTorque& torque,
                                                          KtManipulatorActiveState& activeState,
                                                          const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& articulation = activeState.articulationCache();
-  if (i != ktBaseIndex && i >= articulation.linkCount()) {
-    reportIndex("arbd(): index", i);
-    return m_theDummyArbd;
-  }
-  KtLinkArticulationState& entry = articulation.entry(i);
-  if (!entry.arbdValid()) {
-    const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
-    const KtGeneralMotion& velocity = dhFrameVelocityInLocal(activeState);
-    const KtRigidBodyMassProperties& body =
-        ownMassSuffices(asker) ? massPropertiesInDHFrame_ : massPropertiesInDHFrame(asker);
-    const KtGeneralForce& given = external[i];
-    KtVector force;
-    KtVector moment;
-    body.getForce(velocity.angular(), acceleration, force, moment);
-    KtArticulatedBodyDynamics& dynamics = entry.arbd();
-    dynamics.setRigid(body, force - given.force(), moment - given.moment());
-    for (const KtManipulatorLink& child : childLinks().elements()) {
-      child.KtManipulatorLink::addArbdToParent(dynamics, external, torque, activeState, asker);
-    }
-    entry.setArbdValid(true);
-  }
-  return entry.arbd();
+  return queried<&Articulation::arbdValid, &Articulation::arbd>(
+      activeState.articulationCache(), linkIndex_,
+      [this] { reportIndex("arbd(): index", linkIndex_); }, m_theDummyArbd,
+      [&](Articulation& entry) {
+        const KtGeneralMotion& acceleration = dhFrameAccelerationInLocal(activeState);
+        const KtGeneralMotion& velocity = dhFrameVelocityInLocal(activeState);
+        const KtRigidBodyMassProperties& body = knownMass(asker);
+        const KtGeneralForce& given = external[linkIndex_];
+        KtVector force;
+        KtVector moment;
+        body.getForce(velocity.angular(), acceleration, force, moment);
+        KtArticulatedBodyDynamics& dynamics = entry.arbdToFill();
+        dynamics.setRigid(body, force - given.force(), moment - given.moment());
+        for (const KtManipulatorLink& child : childLinks().elements()) {
+          child.KtManipulatorLink::addArbdToParent(dynamics, external, torque, activeState, asker);
+        }
+        entry.setArbdValid(true);
+      });
 }
 
 void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& parent,
@@ -103,15 +87,18 @@ void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& parent,
   const double q = activeState.positionCache().jointPosition(linkIndex_);
   const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
   if (linkKinematicsContainer_.topElement() == nullptr) {
-    parent += own;  // a link without a joint is fixed to its parent, frame on frame
+    // A link without a joint model is fixed to its parent, frame on frame, though nothing asks for
+    // its inertia through a joint: so the articulated method carries what the composite one does,
+    // and both find the same accelerations.
+    parent += own;
     return;
   }
   const double inertia = jointActuator_.effectiveInertia(q);
-  const double tau = jointTorque(torque, linkIndex_);
-  if (const auto* motion = frameMotion(); motion != nullptr) {
+  const double tau = Kt::detail::valueOrZero(torque.jointTorques(), linkIndex_);
+  if (const auto* motion = jointMotion(); motion != nullptr) {
     // What that joint does itself, with the placement that is there already.
     const KtLinkPositionState& joint = placedJoint(activeState.positionCache());
-    parent.joinThrough(own, motion->linear, motion->angular, inertia, tau, joint.dhRotation(),
+    parent.joinThrough(own, *motion, inertia, tau, joint.dhRotation(),
                        joint.dhTransform().translation());
     return;
   }
@@ -121,24 +108,24 @@ void KtManipulatorLink::addArbdToParent(KtArticulatedBodyDynamics& parent,
 const KtGeneralMotion& KtManipulatorLink::arbiSupplementalDhFrameAccelerationInLocal(
     const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& articulation = activeState.articulationCache();
-  if (i >= articulation.linkCount()) {
-    reportIndex("arbiSupplementalDhFrameAccelerationInLocal(): articulation states index", i);
-    return m_theDummyGeneralAcceleration;
-  }
-  KtLinkArticulationState& entry = articulation.entry(i);
-  if (!entry.supplementalDhAccelerationValid()) {
-    const double rate = arbiJointAcceleration(external, torque, activeState, asker);
-    // A plain joint has done that on the way.
-    if (entry.supplementalDhAccelerationValid()) return entry.supplementalDhAcceleration();
-    KtVector linear;
-    KtVector angular;
-    getInboardSupplement(external, torque, activeState, asker, linear, angular);
-    addJointMotion(*this, activeState, rate, linear, angular);
-    entry.setSupplementalDhAcceleration(linear, angular);
-  }
-  return entry.supplementalDhAcceleration();
+  return queriedOutboard<&Articulation::supplementalDhAccelerationValid,
+                         &Articulation::supplementalDhAcceleration>(
+      activeState.articulationCache(), linkIndex_,
+      [this] {
+        reportIndex("arbiSupplementalDhFrameAccelerationInLocal(): articulation states index",
+                    linkIndex_);
+      },
+      m_theDummyGeneralAcceleration,
+      [&](Articulation& entry) {
+        const double rate = arbiJointAcceleration(external, torque, activeState, asker);
+        // A plain joint has done that on the way.
+        if (entry.supplementalDhAccelerationValid()) return;
+        KtVector linear;
+        KtVector angular;
+        getInboardSupplement(external, torque, activeState, asker, linear, angular);
+        addJointMotion(*this, activeState, rate, linear, angular);
+        entry.setSupplementalDhAcceleration(linear, angular);
+      });
 }
 
 // What the parent's supplemental acceleration is at this link's DH frame, in its axes.
@@ -161,37 +148,33 @@ double KtManipulatorLink::arbiJointAcceleration(const KtManipulatorExternalForce
                                                 const KtManipulatorTorque& torque,
                                                 KtManipulatorActiveState& activeState,
                                                 const KtStatedSystemStruct* asker) const {
-  const KtU32 i = linkIndex_;
-  auto& positions = activeState.positionCache();
-  auto& articulation = activeState.articulationCache();
-  if (i >= articulation.linkCount()) {
-    reportIndex("arbiJointAcceleration(): articulation states index", i);
-    return 0.0;
-  }
-  const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
-  KtLinkArticulationState& entry = articulation.entry(i);
-  if (!entry.supplementalJointAccelerationValid()) {
-    const double q = positions.jointPosition(i);
-    const double inertia = jointActuator_.effectiveInertia(q);
-    const double tau = jointTorque(torque, i);
-    KtVector linear;
-    KtVector angular;
-    getInboardSupplement(external, torque, activeState, asker, linear, angular);
-    double rate = 0.0;
-    if (const auto* motion = frameMotion(); motion != nullptr) {
-      rate = own.jointAcceleration(motion->linear, motion->angular, inertia, tau, linear, angular);
-      addJointMotion(*this, activeState, rate, linear, angular);
-      entry.setSupplementalDhAcceleration(linear, angular);
-    } else {
-      const double load = linkKinematicsContainer_.torqueRequiredToExert(
-          q, own.calculateForce(KtGeneralMotion(linear, angular)));
-      const double whole =
-          linkKinematicsContainer_.unitAccelerationTorque(q, own.inertia()) + inertia;
-      if (whole != 0.0) rate = (tau - load) / whole;
-    }
-    entry.setSupplementalJointAcceleration(rate);
-  }
-  return entry.supplementalJointAcceleration();
+  return queriedOutboard<&Articulation::supplementalJointAccelerationValid,
+                         &Articulation::supplementalJointAcceleration>(
+      activeState.articulationCache(), linkIndex_,
+      [this] { reportIndex("arbiJointAcceleration(): articulation states index", linkIndex_); },
+      0.0,
+      [&](Articulation& entry) {
+        const KtArticulatedBodyDynamics& own = arbd(external, torque, activeState, asker);
+        const double q = activeState.positionCache().jointPosition(linkIndex_);
+        const double inertia = jointActuator_.effectiveInertia(q);
+        const double tau = Kt::detail::valueOrZero(torque.jointTorques(), linkIndex_);
+        KtVector linear;
+        KtVector angular;
+        getInboardSupplement(external, torque, activeState, asker, linear, angular);
+        double rate = 0.0;
+        if (const auto* motion = jointMotion(); motion != nullptr) {
+          rate = own.jointAcceleration(*motion, inertia, tau, linear, angular);
+          motion->addTo(rate, linear, angular);
+          entry.setSupplementalDhAcceleration(linear, angular);
+        } else {
+          const double load = linkKinematicsContainer_.torqueRequiredToExert(
+              q, own.calculateForce(KtGeneralMotion(linear, angular)));
+          const double whole =
+              linkKinematicsContainer_.unitAccelerationTorque(q, own.inertia()) + inertia;
+          if (whole != 0.0) rate = (tau - load) / whole;
+        }
+        entry.setSupplementalJointAcceleration(rate);
+      });
 }
 
 // The base
@@ -216,12 +199,12 @@ const KtGeneralMotion& KtIndividualManipulator::arbiSupplementalDhFrameAccelerat
     const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const {
   if (isFixedBase()) return m_theZeroAcceleration;
-  KtLinkArticulationState& entry = activeState.articulationCache().entry(ktBaseIndex);
-  if (!entry.supplementalDhAccelerationValid()) {
-    entry.setSupplementalDhAcceleration(
-        arbd(external, torque, activeState, asker).calculateAcceleration(torque.generalForce()));
-  }
-  return entry.supplementalDhAcceleration();
+  return filled<&Articulation::supplementalDhAccelerationValid,
+                &Articulation::supplementalDhAcceleration>(
+      activeState.articulationCache().entry(ktBaseIndex), [&](Articulation& entry) {
+        entry.setSupplementalDhAcceleration(arbd(external, torque, activeState, asker)
+                                                .calculateAcceleration(torque.generalForce()));
+      });
 }
 
 const KtGeneralMotion& KtIndividualManipulator::arbiBaseAccelerationInLocal(

@@ -2,20 +2,6 @@
 
 #include "ktManipulator/model/KtIndividualManipulator.h"
 
-namespace {
-
-// The power of a force at a unit of the joint's rate.
-double power(const KtManipulatorLink& link, double q, const KtGeneralForce& force) {
-  if (const auto* motion = link.frameMotion(); motion != nullptr) {
-    if (motion->turnsAboutZ) return force.moment().z;
-    return motion->linear.dot(force.force()) + motion->angular.dot(force.moment());
-  }
-  const KtGeneralMotion& unit = link.linkKinematicsContainer().calculateAcceleration(q, 0.0, 1.0);
-  return unit.linear().dot(force.force()) + unit.angular().dot(force.moment());
-}
-
-}  // namespace
-
 void KtTotalTorqueTool::setManipulator(const KtIndividualManipulator* manipulator) {
   KtManipulatorTool::setManipulator(manipulator);
   resize();
@@ -30,7 +16,12 @@ double KtTotalTorqueTool::torque(KtU32 index, const KtManipulatorExternalForce& 
   const double q = activeState.positionCache().jointPosition(index);
   const KtGeneralForce& force = link->dhFrameForceInLocal(external, activeState, asker);
   const KtJointActuator& actuator = link->actuator();
-  double torque = power(*link, q, force) + link->totalLocalTorque(activeState);
+  const auto* motion = link->jointMotion();
+  double torque =
+      motion != nullptr
+          ? motion->power(force.force(), force.moment())
+          : link->askedUnitMotion(activeState.positionCache()).power(force.force(), force.moment());
+  torque += link->totalLocalTorque(activeState);
   const double qDotDot = activeState.accelerationCache().jointAcceleration(link->mappedIndex());
   if (qDotDot != 0.0) torque += actuator.effectiveInertia(q) * qDotDot;
   switch (totalTorqueType_) {

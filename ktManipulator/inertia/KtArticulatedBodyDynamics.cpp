@@ -3,16 +3,6 @@
 #include "ktManipulator/foundation/xml/KtXmlTokens.h"
 #include "ktManipulator/inertia/KtRigidBodyMassProperties.h"
 
-namespace {
-
-// The motion of most joints: a turn about z.
-bool turnsAboutZ(const KtVector& linear, const KtVector& angular) noexcept {
-  return angular.z == 1.0 && angular.x == 0.0 && angular.y == 0.0 && linear.x == 0.0 &&
-         linear.y == 0.0 && linear.z == 0.0;
-}
-
-}  // namespace
-
 void KtArticulatedBodyDynamics::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtInertiaToken, &inertia_);
@@ -103,8 +93,7 @@ void KtArticulatedBodyDynamics::setRigid(const KtRigidBodyMassProperties& proper
 }
 
 void KtArticulatedBodyDynamics::joinThrough(const KtArticulatedBodyDynamics& child,
-                                            const KtVector& linear, const KtVector& angular,
-                                            double d, double tau,
+                                            const Kt::detail::JointMotion& s, double d, double tau,
                                             const Kt::detail::RotationMatrix& r,
                                             const KtVector& p) noexcept {
   KtVector u;  // I s
@@ -116,15 +105,15 @@ void KtArticulatedBodyDynamics::joinThrough(const KtArticulatedBodyDynamics& chi
   const KtVector& biasMoment = child.bias_.moment();
   double denominator = d;
   double rest = tau;
-  if (turnsAboutZ(linear, angular)) {
+  if (s.turnsAboutZ) {
     u = {x[2], x[5], x[8]};
     w = {a[4], a[5], a[2]};
     denominator += w.z;
     rest -= biasMoment.z;
   } else {
-    child.inertia_.getSparseForce(linear, angular, u, w);
-    denominator += u.dot(linear) + w.dot(angular);
-    rest = tau - linear.dot(biasForce) - angular.dot(biasMoment);
+    child.inertia_.getSparseForce(s.linear, s.angular, u, w);
+    denominator += u.dot(s.linear) + w.dot(s.angular);
+    rest = tau - s.linear.dot(biasForce) - s.angular.dot(biasMoment);
   }
   const double k = denominator == 0.0 ? 0.0 : 1.0 / denominator;
   const KtVector ku = u * k;
@@ -143,12 +132,12 @@ void KtArticulatedBodyDynamics::joinThrough(const KtArticulatedBodyDynamics& chi
   bias_.setMoment(bias_.moment() + r * (biasMoment + w * c) + p.cross(force));
 }
 
-double KtArticulatedBodyDynamics::jointAcceleration(const KtVector& linear, const KtVector& angular,
-                                                    double d, double tau, const KtVector& a,
+double KtArticulatedBodyDynamics::jointAcceleration(const Kt::detail::JointMotion& s, double d,
+                                                    double tau, const KtVector& a,
                                                     const KtVector& alpha) const noexcept {
   KtVector u;  // I s, which gives s . I a as well, I being symmetric
   KtVector w;
-  if (turnsAboutZ(linear, angular)) {
+  if (s.turnsAboutZ) {
     const double* inertia = inertia_.angular_.values();
     const double* x = inertia_.cross_[0];
     u = {x[2], x[5], x[8]};
@@ -157,10 +146,10 @@ double KtArticulatedBodyDynamics::jointAcceleration(const KtVector& linear, cons
     return denominator == 0.0 ? 0.0
                               : (tau - (u.dot(a) + w.dot(alpha) + bias_.moment().z)) / denominator;
   }
-  inertia_.getSparseForce(linear, angular, u, w);
-  const double denominator = u.dot(linear) + w.dot(angular) + d;
+  inertia_.getSparseForce(s.linear, s.angular, u, w);
+  const double denominator = u.dot(s.linear) + w.dot(s.angular) + d;
   if (denominator == 0.0) return 0.0;
   const double load =
-      u.dot(a) + w.dot(alpha) + linear.dot(bias_.force()) + angular.dot(bias_.moment());
+      u.dot(a) + w.dot(alpha) + s.linear.dot(bias_.force()) + s.angular.dot(bias_.moment());
   return (tau - load) / denominator;
 }

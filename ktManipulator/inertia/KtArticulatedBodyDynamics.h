@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ktManipulator/inertia/KtArticulatedBodyInertia.h"
+#include "ktManipulator/inertia/KtJointMotion.h"
 
 /// How an articulated body answers at one of its links: the force that an acceleration a takes is
 /// I a + bias, with I its articulated inertia and the bias the force that it takes at rest. Both
@@ -66,21 +67,21 @@ class KT_EXPORT KtArticulatedBodyDynamics
   /// Whether no number differs by more than the tolerance.
   virtual bool approxEq(const KtArticulatedBodyDynamics& other, double tolerance) const;
 
-  // For passes over many links: the joint's unit motion (linear, angular) stands in the child's
-  // frame, and nothing is virtual.
+  // For passes over many links: s is how the joint moves the child, in the child's frame, and
+  // nothing is virtual.
 
   /// Sets this to the dynamics of a rigid body.
   void setRigid(const KtRigidBodyMassProperties& properties, const KtVector& biasForce,
                 const KtVector& biasMoment) noexcept;
   /// Adds a child's dynamics as they show through the joint between them, as `joinWith` does, with
   /// the child in its own frame, which is given by its rotation and translation in this one.
-  void joinThrough(const KtArticulatedBodyDynamics& child, const KtVector& linear,
-                   const KtVector& angular, double d, double tau,
-                   const Kt::detail::RotationMatrix& r, const KtVector& p) noexcept;
+  void joinThrough(const KtArticulatedBodyDynamics& child, const Kt::detail::JointMotion& s,
+                   double d, double tau, const Kt::detail::RotationMatrix& r,
+                   const KtVector& p) noexcept;
   /// The acceleration of the joint that carries this body, when its inboard side accelerates by
   /// (a, alpha), given in this body's frame: (tau - s . (I a + bias)) / (s . I s + d), or 0 for a
   /// denominator of exactly 0.
-  double jointAcceleration(const KtVector& linear, const KtVector& angular, double d, double tau,
+  double jointAcceleration(const Kt::detail::JointMotion& s, double d, double tau,
                            const KtVector& a, const KtVector& alpha) const noexcept;
 
   // Sums and differences about the same frame, member by member.

@@ -66,22 +66,19 @@ void KtDenavitHartenberg::registerDhTypeEnumerations() {
 }
 
 const KtCoordinateSystemTransformation& KtDenavitHartenberg::calculateTransform(double q) const {
-  if (transformValid_ && q == lastJointParameter_) return resultTransform_;
-  lastJointParameter_ = q;
-  if (dhType_ == kGeneral && jointType_ == kRotational) {
-    // The product of the precursor and Rz(q), of which two components are zero.
-    const KtOrientation& r = precursor_.orientation();
-    const double s = std::sin(0.5 * q);
-    const double c = std::cos(0.5 * q);
-    resultTransform_.setTranslation(precursor_.translation());
-    resultTransform_.setOrientation(
-        {r[0] * c - r[3] * s, r[1] * c + r[2] * s, r[2] * c - r[1] * s, r[3] * c + r[0] * s});
-  } else {
-    resultTransform_.setToIdentity();
-    transformBy(resultTransform_, q);
-  }
-  transformValid_ = true;
-  return resultTransform_;
+  return keptTransform(q, [&] {
+    if (dhType_ == kGeneral && jointType_ == kRotational) {
+      // The product of the precursor and Rz(q), of which two components are zero.
+      const KtOrientation& r = precursor_.orientation();
+      const double s = std::sin(0.5 * q);
+      const double c = std::cos(0.5 * q);
+      resultTransform_.setTranslation(precursor_.translation());
+      resultTransform_.setOrientation(
+          {r[0] * c - r[3] * s, r[1] * c + r[2] * s, r[2] * c - r[1] * s, r[3] * c + r[0] * s});
+    } else {
+      transformIdentityBy(q);
+    }
+  });
 }
 
 void KtDenavitHartenberg::transformBy(KtCoordinateSystemTransformation& t, double q) const {
@@ -247,8 +244,7 @@ bool KtDenavitHartenberg::addChildArbdToParent(KtArticulatedBodyDynamics& parent
     getUnitFrameMotion(unit, q);
   }
   const KtCoordinateSystemTransformation& t = calculateTransform(q);
-  const FrameMotion motion = hasMotion_ ? motion_ : FrameMotion();
-  parent.joinThrough(child, motion.linear, motion.angular, inertia, torque,
+  parent.joinThrough(child, hasMotion_ ? motion_ : Kt::detail::JointMotion(), inertia, torque,
                      Kt::detail::RotationMatrix(t.orientation()), t.translation());
   return true;
 }
@@ -374,7 +370,6 @@ void KtDenavitHartenberg::refreshMotion() noexcept {
       (paul || isCraig() || dhType_ == kGeneral) && (rotational || jointType_ == kPrismatic);
   const KtVector axis = paul ? KtVector(0.0, sinAlpha_, cosAlpha_) : KtVector(0.0, 0.0, 1.0);
   motion_ = {};
-  motion_.turnsAboutZ = rotational && !paul;
   if (rotational) {
     motion_.angular = axis;
     // The frame's origin lies at (a, 0, 0) from the axis.
@@ -385,4 +380,7 @@ void KtDenavitHartenberg::refreshMotion() noexcept {
   } else {
     motion_.linear = axis;
   }
+  const KtVector none;
+  motion_.turnsAboutZ = motion_.angular == KtVector(0.0, 0.0, 1.0) && motion_.linear == none &&
+                        motion_.centripetal == none;
 }

@@ -4,9 +4,9 @@
 #include "ktManipulator/foundation/containers/KtXmlEnumType.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 #include "ktManipulator/foundation/core/KtAngle.h"
-#include "ktManipulator/foundation/core/KtCacheFlag.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
+#include "ktManipulator/inertia/KtJointMotion.h"
 #include "ktManipulator/kinematics/KtLinkKinematics.h"
 
 /// A rotational or prismatic joint by the parameters of Denavit and Hartenberg: link length a,
@@ -44,15 +44,6 @@ class KT_EXPORT KtDenavitHartenberg
     kCraig = 2,         ///< Frame at the link's own joint's axis.
     kGeneralCraig = 3,  ///< The same behind a precursor.
     kGeneral = 4        ///< A precursor and a motion along its z; a, d, alpha, theta play no part.
-  };
-
-  /// How the DH frame moves relative to the inboard frame, in its own axes at its origin. None of
-  /// it depends on q.
-  struct FrameMotion {
-    KtVector linear;       ///< Velocity at a unit of joint rate.
-    KtVector angular;      ///< Angular velocity at a unit of joint rate.
-    KtVector centripetal;  ///< Linear acceleration at a unit of joint rate.
-    bool turnsAboutZ;      ///< Whether all is zero but the angular z, which is 1.
   };
 
   KtDenavitHartenberg() { refreshMotion(); }
@@ -140,7 +131,9 @@ class KT_EXPORT KtDenavitHartenberg
   virtual bool approxEq(const KtDenavitHartenberg& other, double tolerance) const;
 
   /// The motion of the DH frame, for passes over many links; null for a bad type.
-  const FrameMotion* frameMotion() const noexcept { return hasMotion_ ? &motion_ : nullptr; }
+  const Kt::detail::JointMotion* jointMotion() const noexcept {
+    return hasMotion_ ? &motion_ : nullptr;
+  }
 
   /// Exact equality of the primary frames, the types, the precursor and the parameters.
   bool operator==(const KtDenavitHartenberg& other) const;
@@ -178,11 +171,8 @@ class KT_EXPORT KtDenavitHartenberg
   double halfAlphaSign_ = 1.0;  // of the larger of the two above
   double sinHalfTheta_ = 0.0;
   double cosHalfTheta_ = 1.0;
-  FrameMotion motion_;
+  Kt::detail::JointMotion motion_;
   bool hasMotion_ = false;
-  // The state of resultTransform_
-  mutable double lastJointParameter_ = 0.0;
-  mutable KtCacheFlag transformValid_;
 };
 
 extern template class KtXmlVectorType<KtDenavitHartenberg>;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ktManipulator/foundation/core/KtCacheFlag.h"
 #include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
 #include "ktManipulator/foundation/geometry/KtGeneralMotion.h"
 #include "ktManipulator/foundation/xml/KtBaseExpressionTreeElement.h"
@@ -94,10 +95,28 @@ class KT_EXPORT KtLinkKinematics : public KtBaseExpressionTreeElement {
  protected:
   KtLinkKinematics() = default;
 
+  /// Sets `resultTransform_` to the joint transformation at q, from the identity.
+  void transformIdentityBy(double q) const {
+    resultTransform_.setToIdentity();
+    transformBy(resultTransform_, q);
+  }
+  /// `resultTransform_`, computed first unless it was for this q and is still valid.
+  template <class Compute>
+  const KtCoordinateSystemTransformation& keptTransform(double q, Compute&& compute) const {
+    if (transformValid_ && q == lastJointParameter_) return resultTransform_;
+    lastJointParameter_ = q;
+    compute();
+    transformValid_ = true;
+    return resultTransform_;
+  }
+
   // Results of constant operations, good until the next call.
   mutable KtCoordinateSystemTransformation resultTransform_;  ///< Of `calculateTransform`.
   mutable KtGeneralMotion resultVelocity_;                    ///< Of `calculateVelocity`.
   mutable KtGeneralMotion resultAcceleration_;                ///< Of `calculateAcceleration`.
+  // The state of resultTransform_, for models that keep it
+  mutable double lastJointParameter_ = 0.0;  ///< The q that it was computed for.
+  mutable KtCacheFlag transformValid_;       ///< Whether nothing has changed since.
 
  private:
   // Written to files

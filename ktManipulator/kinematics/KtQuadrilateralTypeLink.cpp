@@ -52,12 +52,7 @@ bool KtQuadrilateralTypeLink::getSides(double& a, double& b, const char* operati
 
 const KtCoordinateSystemTransformation& KtQuadrilateralTypeLink::calculateTransform(
     double q) const {
-  if (transformValid_ && q == lastJointParameter_) return resultTransform_;
-  lastJointParameter_ = q;
-  resultTransform_.setToIdentity();
-  transformBy(resultTransform_, q);
-  transformValid_ = true;
-  return resultTransform_;
+  return keptTransform(q, [&] { transformIdentityBy(q); });
 }
 
 void KtQuadrilateralTypeLink::transformBy(KtCoordinateSystemTransformation& t, double q) const {

@@ -152,8 +152,6 @@ class KT_EXPORT KtQuadrilateralTypeLink
   KtXmlBasicType<KtReal> zDistanceC_;
   // Filled by constant operations
   mutable Loop loop_;
-  mutable double lastJointParameter_ = 0.0;
-  mutable KtCacheFlag transformValid_;
   mutable double lastJointParameterB_ = 0.0;
   mutable KtCacheFlag frameBValid_;
   mutable KtCoordinateSystemTransformation frameA_;

@@ -12,12 +12,7 @@ void KtScrewTypeLink::registerComponents() {
 }
 
 const KtCoordinateSystemTransformation& KtScrewTypeLink::calculateTransform(double q) const {
-  if (transformValid_ && q == lastJointParameter_) return resultTransform_;
-  lastJointParameter_ = q;
-  resultTransform_.setToIdentity();
-  transformBy(resultTransform_, q);
-  transformValid_ = true;
-  return resultTransform_;
+  return keptTransform(q, [&] { transformIdentityBy(q); });
 }
 
 void KtScrewTypeLink::transformBy(KtCoordinateSystemTransformation& t, double q) const {

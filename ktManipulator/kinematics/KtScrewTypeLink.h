@@ -1,7 +1,6 @@
 #pragma once
 
 #include "ktManipulator/foundation/containers/KtXmlBasicType.h"
-#include "ktManipulator/foundation/core/KtCacheFlag.h"
 #include "ktManipulator/foundation/tokens/KtManipTokens.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 #include "ktManipulator/kinematics/KtLinkKinematics.h"
@@ -50,7 +49,4 @@ class KT_EXPORT KtScrewTypeLink : public KtXmlPersistent<KtScrewTypeLink, KtLink
   // Written to files
   KtCoordinateSystemTransformation precursor_;
   KtXmlBasicType<KtReal> pitch_{1.0};
-  // The state of resultTransform_
-  mutable double lastJointParameter_ = 0.0;
-  mutable KtCacheFlag transformValid_;
 };

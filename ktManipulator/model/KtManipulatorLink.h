@@ -493,13 +493,17 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
 
   /// How the joint moves, if it is a plain joint of Denavit and Hartenberg; null for any other, for
   /// which its model is to be asked. For passes over many links.
-  const KtDenavitHartenberg::FrameMotion* frameMotion() const noexcept {
+  const Kt::detail::JointMotion* jointMotion() const noexcept {
     const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
     // A class derived from that joint may move otherwise.
     return model != nullptr && typeid(*model) == typeid(KtDenavitHartenberg)
-               ? static_cast<const KtDenavitHartenberg*>(model)->frameMotion()
+               ? static_cast<const KtDenavitHartenberg*>(model)->jointMotion()
                : nullptr;
   }
+  /// How the joint moves at a unit of its rate at the positions, as its model answers it: without
+  /// the centripetal part.
+  Kt::detail::JointMotion askedUnitMotion(
+      const KtManipulatorActivePositionState& positionState) const;
 
   /// What `linkIndex()` answers, `parentLink()` and `jointActuator()`, without virtual calls.
   KtU32 mappedIndex() const noexcept { return linkIndex_; }
@@ -566,11 +570,14 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                LimitConstraint& limit, double constant,
                                                double coefficient) const;
   bool attachments(const KtStatedSystemStruct* asker) const;
-  // Whether the own mass answers `massPropertiesInDHFrame`. A class derived from the base may have
-  // another opinion; links stand by value in lists.
-  bool ownMassSuffices(const KtStatedSystemStruct* asker) const noexcept {
-    return asker == nullptr && linkIndex_ != ktBaseIndex;
+  // What `massPropertiesInDHFrame` answers, without a virtual call where the own mass does. A class
+  // derived from the base may have another opinion; links stand by value in lists.
+  const KtRigidBodyMassProperties& knownMass(const KtStatedSystemStruct* asker) const {
+    return asker == nullptr && linkIndex_ != ktBaseIndex ? massPropertiesInDHFrame_
+                                                         : massPropertiesInDHFrame(asker);
   }
+  const KtCoordinateSystemTransformation& jointTransform(
+      const KtManipulatorActivePositionState& positionState) const;
   const KtGeneralMotion& knownVelocity(KtManipulatorActiveState& activeState) const;
   const KtGeneralMotion& knownAcceleration(KtManipulatorActiveState& activeState) const;
   void getInboardSupplement(const KtManipulatorExternalForce& external,

@@ -11,21 +11,16 @@ namespace {
 using Active = KtSystemActiveState;
 using SystemActiveStates = sampling::Seeded;
 
-const std::vector<KtU32> kJoints{2, 1, 3};
-
-// Manipulators of 2, 1 and 3 joints.
-KtManipulatorSystem threeArms() {
-  return trees::randomSystem({3, 2, 4});
-}
-
+// Of manipulators of 2, 1 and 3 joints.
 KtManipulatorSystemState stateOf(std::size_t manipulators, double position, double velocity) {
+  constexpr KtU32 joints[] = {2, 1, 3};
   KtManipulatorSystemState state;
   for (std::size_t i = 0; i < manipulators; ++i) {
     KtPositionState p;
-    p.setJointPositions({kJoints[i], position});
+    p.setJointPositions({joints[i], position});
     state.positionStates().pushBack(p);
     KtVelocityState v;
-    v.setJointVelocities(KtVelocityState::JointVector(kJoints[i], velocity));
+    v.setJointVelocities(KtVelocityState::JointVector(joints[i], velocity));
     state.velocityStates().pushBack(v);
   }
   return state;
@@ -36,7 +31,8 @@ constexpr KtLinkKey kLink1{1, 0};
 constexpr KtLinkKey kLink2{2, 1};
 
 // An active state with everything valid that hangs on the system.
-Active filledState(const KtManipulatorSystem& system) {
+Active filledState() {
+  const KtManipulatorSystem system = trees::randomSystem({3, 2, 4});
   Active active;
   active.setNonredundantState(stateOf(3, 0.5, 1.0));
   auto& proximity = active.manipulatorLinkProximityStateVector();
@@ -117,10 +113,9 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
       {"system level", [](Active& a) { a.invalidateSystemLevel(); }, "01 02 12 ", 3, 3},
       {"all", [](Active& a) { a.invalidateAll(); }, "", 3, 3},
       {"read", [&](Active& a) { ASSERT_TRUE(KtXmlReader::readString(text, a)); }, "", 3, 3}};
-  const KtManipulatorSystem system = threeArms();
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    Active active = filledState(system);
+    Active active = filledState();
     ASSERT_EQ(validParts(active), all);
     row.set(active);
     EXPECT_EQ(validParts(active), row.valid);
@@ -129,7 +124,7 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
   }
 }
 
-TEST_F(SystemActiveStates, SettersSetWhatTheyAreGiven) {
+TEST_F(SystemActiveStates, SettersSetWhatTheyAreGivenAndAskForNoMemory) {
   Active active;
   active.setNonredundantState(stateOf(3, 0.25, -2.0));
   const auto& own = active.manipulatorActiveStateVector();
@@ -145,10 +140,14 @@ TEST_F(SystemActiveStates, SettersSetWhatTheyAreGiven) {
     active.setManipulatorNonredundantState(other.manipulatorActiveStateVector()[2], 2);
     expect(2, 0.75, velocity);
   }
+  const KtManipulatorSystemState states[] = {stateOf(3, 0.25, 1.0), stateOf(3, 0.75, 2.0)};
+  const Allocations allocations;
+  for (int i = 0; i < 4; ++i) active.setNonredundantState(states[i % 2]);
+  EXPECT_EQ(allocations.count(), 0U);
 }
 
 TEST_F(SystemActiveStates, AChangedSystemDropsEverything) {
-  Active active = filledState(threeArms());
+  Active active = filledState();
   active.systemActiveBoundingBoxState().setIsInitialized(true);
   active.modifiedShapeKeyVec().emplace_back(0U, 0U, 0U);
   active.resetForSystemChange();
@@ -160,14 +159,6 @@ TEST_F(SystemActiveStates, AChangedSystemDropsEverything) {
   active.setNonredundantState(stateOf(3, 0.5, 1.0));
   EXPECT_EQ(validParts(active), "");
   EXPECT_FALSE(active.manipulatorLinkProximityStateVector()[0].isInitialized());
-}
-
-TEST_F(SystemActiveStates, SettersAskForNoMemory) {
-  Active active = filledState(threeArms());
-  const KtManipulatorSystemState states[] = {stateOf(3, 0.25, 1.0), stateOf(3, 0.75, 2.0)};
-  const Allocations allocations;
-  for (int i = 0; i < 4; ++i) active.setNonredundantState(states[i % 2]);
-  EXPECT_EQ(allocations.count(), 0U);
 }
 
 }  // namespace
