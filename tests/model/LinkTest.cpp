@@ -278,7 +278,18 @@ TEST_F(Links, EveryChangeReachesWhatFollowsFromItAndNothingElse) {
       [&] {  // also by itself
         Link source = coin ? *link : linkOf(fresh);
         if (coin) fresh = *body, fresh.base = body->total;
-        if (!coin) source.addMassProperties("more", mass), fresh.base += mass;
+        if (!coin) {
+          source.addMassProperties("more", mass), fresh.base += mass;
+          source.addNamedPoint("x", {0.5, 0.0, 0.0});
+          source.addNamedFrame("x", T(KtVector(0.0, 0.5, 0.0)));
+          fresh.points = {{"x", 0.5}};
+          const Link& first = *arm.linkByIndex(0);
+          source.setLowerLimitConstraint(first.lowerLimitConstraint());
+          source.setUpperLimitConstraint(first.upperLimitConstraint());
+          for (const int k : {0, 1}) {
+            fresh.explicitLimits[k] = bodies[1]->explicitLimits[k].value_or(bodies[1]->limits[k]);
+          }
+        }
         show(fresh.edge, fresh.box);
         EXPECT_TRUE(arm.replaceLinkProperties(body->label, coin ? *link : source, true));
         fresh.setMass(fresh.base), fresh.label = body->label, fresh.children = body->children;
