@@ -1,5 +1,5 @@
-// A hydraulic cylinder tilts a boom over. Base, boom and cylinder form a loop of bars, which one
-// joint of the library stands for; its parameter is the way that the cylinder has extended.
+// A hydraulic cylinder tilts a boom. Base, boom and cylinder form a closed loop of bars, which a
+// single joint models; the joint parameter is the extension of the cylinder.
 
 #include <cmath>
 #include <cstdio>
@@ -14,8 +14,8 @@ void check(bool holds, const char* what) {
   if (!holds) std::exit(1);
 }
 
-// The boom's pivot is 0.9 m along x from the origin. The cylinder is 0.8 m long, extended by q; it
-// stands 0.3 m above the origin, and holds the boom 0.5 m from the pivot.
+// The boom's pivot is 0.9 m along x from the origin. The cylinder has the length 0.8 m + q. It is
+// mounted 0.3 m above the origin and connected to the boom 0.5 m from the pivot.
 KtStatedSystem boomOnCylinder() {
   KtQuadrilateralTypeLink joint;
   joint.setJointType(KtQuadrilateralTypeLink::kPivotedSlider);
@@ -24,7 +24,7 @@ KtStatedSystem boomOnCylinder() {
   joint.setD1Length(0.3);
   joint.setD2Length(0.5);
   const double half = std::sqrt(0.5);
-  joint.setPrecursor(KtOrientation(half, half, 0.0, 0.0));  // y of the loop is z of the system
+  joint.setPrecursor(KtOrientation(half, half, 0.0, 0.0));  // the loop's y is the system's z
 
   KtRigidBodyMassProperties mass =
       KtRigidBodyMassProperties::uniformSolidAxisAlignedRectangularPrism(50.0, 2.0, 0.2, 0.2);

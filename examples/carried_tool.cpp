@@ -1,5 +1,5 @@
-// An arm carries a tool that is a manipulator of its own: it follows the arm's flange, and the arm
-// feels its weight.
+// An arm carries a tool that is a separate manipulator. The tool follows the arm's flange, and its
+// weight acts on the arm.
 
 #include <cmath>
 #include <cstdio>
@@ -23,14 +23,14 @@ KtIndividualManipulator ball() {
   return ball;
 }
 
-// What the second joint needs to hold the arm, with what it carries.
+// The torque of the second joint that holds the arm and what it carries.
 double holdingTorque(const KtStatedSystem& scene) {
   KtGravitationalTorqueTool tool;
   tool.setManipulator(&scene.system().manipulators()[0]);
   tool.setGravityVector(scene.environment().upGravityVector());
   KtManipulatorActiveState active;
   active.setPositionState(scene.state().positionStates()[0]);
-  const KtStatedSystemStruct asker{&scene, 0};  // without it attachments don't count
+  const KtStatedSystemStruct asker{&scene, 0};  // without an asker, attachments are ignored
   return tool.gravitationalTorques(active, &asker)[1][0];
 }
 
@@ -41,14 +41,14 @@ int main(int argc, char** argv) {
   KtStatedSystem alone;
   if (!KtXmlReader::readFile(folder + "/puma560.xml", alone)) return 1;  // messages say why
 
-  KtStatedSystem scene(alone, true);  // with a system of its own
+  KtStatedSystem scene(alone, true);  // not shared with `alone`
   scene.addManipulator(ball(), KtPositionState(), KtVelocityState());
   const KtCoordinateSystemTransformation offset(KtVector(0.0, 0.0, 0.1));
   KtManipulatorAttachmentMap attachments;
-  attachments.attachManipulator(1, 0, "flange roll", offset);  // the ball, to the arm's flange
+  attachments.attachManipulator(1, 0, "flange roll", offset);  // attaches the ball to the flange
   scene.setManipulatorAttachmentMap(attachments);
 
-  // The step puts the ball where the flange is, also a step of no length.
+  // A step moves the ball to the flange, even a step of length 0.
   KtSystemActiveState active;
   active.setNonredundantState(scene.state());
   KtAccelerationState turning =
@@ -73,7 +73,8 @@ int main(int argc, char** argv) {
   check(std::abs(velocity.mag() - std::hypot(place.x, place.y)) < 1e-9,
         "at 1 rad/s about the waist it moves as fast as it is far from the axis");
 
-  // The shoulder's axis is horizontal and meets the waist's; the waist has turned the arm.
+  // The shoulder's axis is horizontal and intersects the waist's axis; the waist has rotated the
+  // arm.
   const double waist = scene.state().positionStates()[0].jointPositions()[0];
   const double lever = place.x * std::cos(waist) + place.y * std::sin(waist);
   const double added = holdingTorque(scene) - holdingTorque(alone);

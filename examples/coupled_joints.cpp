@@ -1,5 +1,5 @@
-// Joints that move in a fixed relation, as those of a gripper's fingers, and a motion of which some
-// joints are told and the others left to themselves.
+// Joints that move in a fixed ratio, like the fingers of a gripper, and a motion in which the
+// accelerations of some joints and the torques of the others are given.
 
 #include <cmath>
 #include <cstdio>
@@ -18,7 +18,7 @@ void check(bool holds, const char* what) {
 
 using Constraint = KtLinearStateEqualityConstraint;
 
-// 1 q_a + weight q_b = 0, and so for the rates and the accelerations.
+// The constraint q_a + weight q_b = 0, which also holds for velocities and accelerations.
 KtStateEqualityConstraintVector coupling(KtU32 joints, KtU32 a, KtU32 b, double weight) {
   Constraint::Row weights(joints, 0.0);
   weights[a] = 1.0;
@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
   KtStatedSystem scene;
   if (!KtXmlReader::readFile(folder + "/two-link-arm.xml", scene)) return 1;  // messages say why
 
-  // The elbow turns back by twice what the shoulder turns: the hand stays on a line.
+  // The elbow rotates back by twice the angle of the shoulder, so the hand stays on a line.
   KtIndividualManipulator coupled = scene.system().manipulators()[0];
   coupled.setStateEqualityConstraints(coupling(2, 1, 0, 2.0));
   KtPositionState start = scene.state().positionStates()[0];
@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
   const KtIndividualManipulator& arm = scene.system().manipulators()[0];
 
   KtSystemActiveState active;
-  KtCrbiAccelerationTool tool;  // the one that honours constraints
+  KtCrbiAccelerationTool tool;  // the acceleration tool that supports constraints
   KtManipulatorTorque limp;
   limp.jointTorques().resize(2);
   KtManipulatorExternalForce none;
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
   check(shoulder != 0.5 && std::abs(elbow + 2.0 * shoulder) < 1e-12, "the relation holds");
   check(std::abs(wrist.z - 0.5) < 1e-12, "and so the hand stays at the shoulder's height");
 
-  // Of a free arm: the shoulder gets an acceleration, the elbow no torque.
+  // Without the constraint: the shoulder's acceleration is given, the elbow's torque is 0.
   KtIndividualManipulator unbound = arm;
   unbound.setStateEqualityConstraints(KtStateEqualityConstraintVector());
   scene.exchangeManipulator(0, unbound, start, scene.state().velocityStates()[0]);

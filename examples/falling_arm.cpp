@@ -1,5 +1,5 @@
-// Reads a PUMA 560, asks where its links are and which torques hold it, lets it go, and writes the
-// scene with the state in which it is a moment later.
+// Reads a PUMA 560, computes the poses of its links and the torques that hold it, simulates its
+// fall, and writes the scene with the final state.
 
 #include <cstdio>
 #include <string>
@@ -8,14 +8,14 @@
 
 namespace {
 
-// The arm falls for a while, in small steps.
+// Simulates the falling arm in small steps.
 void fall(KtStatedSystem& scene, double duration) {
   const KtIndividualManipulator& arm = scene.system().manipulators()[0];
   KtManipulatorExternalForce none;
   none.resize(arm.jointDof());
   KtManipulatorTorque limp;
   limp.jointTorques().resize(arm.jointDof());
-  // Gravity is an acceleration of the base upwards.
+  // Gravity is represented as an upward acceleration of the base.
   KtAccelerationState gravity =
       KtAccelerationState::zeroCompatibleState(scene.state().velocityStates()[0]);
   gravity.setGeneralAcceleration({scene.environment().upGravityVector(), KtVector()});
@@ -29,7 +29,7 @@ void fall(KtStatedSystem& scene, double duration) {
     KtManipulatorActiveState& ofArm = active.manipulatorActiveStateVector()[0];
     ofArm.setAccelerationState(gravity);
     tool.acceleration(scene, arm, limp, none, acceleration, ofArm, true);
-    ofArm.setAccelerationState(acceleration);  // which the step takes from there
+    ofArm.setAccelerationState(acceleration);  // the step reads it from there
     scene.propagateSelfTo(i * kStep, &active);
   }
 }

@@ -1,5 +1,5 @@
-// Files and what is wrong with them: messages go to the program, a schema tells other programs what
-// a file may hold, and a visitor walks over all that one holds.
+// Reads a file with mistakes and receives the messages, writes a schema for other programs, and
+// visits all objects of a file.
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,7 +17,7 @@ void check(bool holds, const char* what) {
   if (!holds) std::exit(1);
 }
 
-// Takes the library's messages as long as it lives.
+// Receives the library's messages during its lifetime.
 class Messages {
  public:
   Messages()
@@ -36,7 +36,7 @@ class Messages {
   Kt::Print::Sink before_;
 };
 
-// Counts the links of whatever it is sent through.
+// Counts the links of the object that it visits.
 class LinkCounter : public KtXmlObjectVisitor {
  public:
   bool visitObject(const KtXmlObject* object) override {

@@ -1,4 +1,4 @@
-// A box flies and tumbles: a manipulator without joints, with a base that is free.
+// A box that flies and tumbles: a manipulator with a free base and no joints.
 
 #include <cmath>
 #include <cstdio>
@@ -32,9 +32,9 @@ KtStatedSystem flyingBox() {
 
 struct Flight {
   double height;      // after 1 s, m
-  double turned;      // greatest change of the spin's direction, in the box's axes, rad
+  double turned;      // greatest change of the angular velocity's direction in the box's axes, rad
   double momentum;    // greatest relative change of the angular momentum
-  double spinEnergy;  // relative change of the energy of the spin
+  double spinEnergy;  // relative change of the rotational energy
 };
 
 Flight fly(double step) {
@@ -82,7 +82,7 @@ int main() {
     const Flight flight = fly(step);
     std::printf("  %7.0e   %19.5f   %22.4f   %12.1e   %10.1e\n", step, flight.height, flight.turned,
                 flight.momentum, flight.spinEnergy);
-    // Velocities lead positions by half a step.
+    // Velocities are half a step ahead of positions.
     check(std::abs(flight.height - (5.0 - 0.5 * 9.81 * (1.0 + step))) < 1e-9,
           "the height is 5 m/s - 9.81/2 m/s^2, less what the step makes of it");
     check(flight.turned > 3.0, "a spin about the middle axis turns over");

@@ -1,5 +1,5 @@
-// A motor drives a flywheel through a gear: the current in the motor, the torque behind the gear,
-// its friction, and the acceleration that follows.
+// A motor drives a flywheel through a gear. The program computes the motor's current, the torque on
+// the joint side, the friction and the acceleration.
 
 #include <cmath>
 #include <cstdio>
@@ -26,7 +26,7 @@ KtStatedSystem flywheel() {
   motor.setArmatureInductance(kInductance);
   motor.setTorqueConstant(kConstant);
   KtJointActuator actuator;
-  actuator.setInertia(2e-5);  // the rotor's, kg m^2
+  actuator.setInertia(2e-5);  // inertia of the rotor, kg m^2
   actuator.setFrictionCoefficient(kFriction);
   actuator.setGearRatio(kRatio);
   actuator.setPowerConverter(motor);
@@ -74,7 +74,7 @@ int main() {
   KtStatedSystem::ResultVector results;
   const auto step = [&](double time) {
     active.setNonredundantState(scene.state());
-    // The motor turns in step with the joint, and the program integrates the current.
+    // The joint is rigid, so it determines the motor's rate; the program integrates the current.
     motors.motorVelocities()[0] = kRatio * state.velocityState().jointVelocities()[0];
     motor.computeStateDerivatives(kVoltage, motors, rates);
     torque.jointTorques()[0] = motor.outputTorque(kVoltage, motors);
@@ -85,7 +85,7 @@ int main() {
   };
   for (int k = 1; k <= 200000; ++k) step(k * kStep);
 
-  // At a constant rate: K i = b w, and u = R i + K w.
+  // At constant speed K i = b w and u = R i + K w.
   const double expected = kVoltage * kConstant / (kResistance * kFriction + kConstant * kConstant);
   const double rate = motors.motorVelocities()[0];
   std::printf("after %.0f s the motor turns at %.3f rad/s with %.4f A, the wheel at %.3f rad/s\n",

@@ -1,5 +1,5 @@
-// Asks an arm where its links are, how they move, which torques they take and how they accelerate,
-// and shows what an active state keeps. Every statement is checked.
+// Computes poses, velocities, torques and accelerations of an arm, and shows what an active state
+// caches. Every statement is checked.
 
 #include <cmath>
 #include <cstdio>

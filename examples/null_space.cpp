@@ -1,5 +1,5 @@
-// An arm of seven joints moves its elbow while its hand rests: the motions that its Jacobian maps
-// to nothing.
+// A seven-joint arm moves its elbow while its hand stays at rest: the joint velocities are in the
+// null space of the Jacobian.
 
 #include <cmath>
 #include <cstdio>
@@ -20,7 +20,7 @@ const KtCoordinateSystemTransformation& frameOf(const KtIndividualManipulator& a
   return arm.linkByIndex(joint)->dhFrameInSystem(active.activePositionState());
 }
 
-// Column j: how the hand moves and turns when joint j, a hinge about z of its frame, goes by 1.
+// Column j: the hand's velocity if joint j, which rotates about z of its frame, has the rate 1.
 void jacobian(const KtIndividualManipulator& arm, KtManipulatorActiveState& active,
               KtReArray& columns) {
   columns.resizeArray(6, arm.jointDof());
@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
   jacobian(arm, active, state.jacobianReferenceToSet());
   check(state.nullSpace().columns() == 1, "seven joints have one motion more than a hand takes");
 
-  // Follow that motion, in small steps, always in the direction in which the first joint turns on.
+  // Follow the null-space motion in small steps; the first joint keeps its direction of rotation.
   for (int k = 0; k < 20000; ++k) {
     jacobian(arm, active, state.jacobianReferenceToSet());
     const KtReArray& idle = state.nullSpace();

@@ -1,5 +1,5 @@
-// A mass on a slide, with a spring and a damper at its joint: the oscillation dies out as the
-// closed solution says.
+// A mass on a prismatic joint with a spring and a damper. The simulated oscillation is compared
+// with the closed-form solution.
 
 #include <cmath>
 #include <cstdio>
@@ -18,7 +18,7 @@ void check(bool holds, const char* what) {
 constexpr double kMass = 2.0;        // kg
 constexpr double kStiffness = 50.0;  // N/m
 constexpr double kDamping = 1.0;     // N s/m
-constexpr double kRest = 0.1;        // where the spring has no force, m
+constexpr double kRest = 0.1;        // position without spring force, m
 
 KtStatedSystem oscillator() {
   KtDenavitHartenberg slide;
@@ -42,7 +42,7 @@ KtStatedSystem oscillator() {
   KtIndividualManipulator manipulator;
   manipulator.addChild(mass);
   KtStatedSystem scene;
-  scene.setFromManipulator(manipulator);  // at 0, at rest
+  scene.setFromManipulator(manipulator);  // position 0, velocity 0
   return scene;
 }
 

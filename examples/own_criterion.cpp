@@ -1,5 +1,5 @@
-// A class of the program's own: a stopping criterion that stands in files like the library's own,
-// and stops an arm that falls before its hand comes too low.
+// Defines a stopping criterion in the program. Files can hold it like the criteria of the library;
+// it stops a falling arm before its hand is too low.
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,7 +15,7 @@ void check(bool holds, const char* what) {
   if (!holds) std::exit(1);
 }
 
-// Stops a manipulator that brings the frame of its last link below a height.
+// Stops the simulation when the frame of a manipulator's last link is below a height.
 class HandTooLow : public KtXmlPersistent<HandTooLow, KtBaseStoppingCriterion> {
  public:
   void registerComponents() override {
@@ -45,7 +45,7 @@ class HandTooLow : public KtXmlPersistent<HandTooLow, KtBaseStoppingCriterion> {
   KtString text_ = "the hand is too low";
 };
 
-// With a table of its own classes a program reads what the library doesn't know.
+// A program registers its own classes in a table so that the reader can create them.
 bool readWithOwnClasses(const std::string& text, KtStatedSystem& scene) {
   KtXmlFactory factory;
   factory.registerCreator(HandTooLow::classToken(), &HandTooLow::creator);
@@ -55,7 +55,7 @@ bool readWithOwnClasses(const std::string& text, KtStatedSystem& scene) {
   return reader.readDocument(scene);
 }
 
-// Lets the arm go. The step is asked for in mode 1, in which criteria see the new positions.
+// Simulates the fall. The step runs in mode 1, in which criteria are checked at the new positions.
 double fall(KtStatedSystem& scene, KtStatedSystem::ResultVector& results) {
   const KtIndividualManipulator& arm = scene.system().manipulators()[0];
   KtSystemActiveState active;

@@ -1,4 +1,5 @@
-// The body of a link: its mass from its shapes, a simple volume around it, and what a line meets.
+// The body of a link: mass properties of its shapes, a bounding volume, and the points where a line
+// intersects the shapes.
 
 #include <cmath>
 #include <cstdio>
@@ -14,10 +15,10 @@ void check(bool holds, const char* what) {
   if (!holds) std::exit(1);
 }
 
-// A steel mallet: a handle of 0.3 m along x, and across its end a head along z.
+// A steel mallet: a handle of 0.3 m along x, and a head along z at its end.
 KtExtentUnion mallet() {
   const double half = std::numbers::sqrt2 / 2.0;
-  const KtOrientation alongX(half, 0.0, half, 0.0);  // z of the cylinder is x of the mallet
+  const KtOrientation alongX(half, 0.0, half, 0.0);  // the cylinder's z axis is the mallet's x axis
   KtExtentUnion mallet;
   mallet.addMember(KtCylinderShape(0.01, 0.3, {KtVector(0.15, 0.0, 0.0), alongX}));
   mallet.addMember(KtBoxShape({0.04, 0.04, 0.12}, KtVector(0.32, 0.0, 0.0)));
@@ -46,7 +47,7 @@ int main() {
   check(shape.volume() < capsule->volume() && capsule->volume() < sphere->volume(),
         "each volume contains the one before");
 
-  // A line that goes down at x = 0.1 passes the head and meets the handle.
+  // A vertical line at x = 0.1 misses the head and intersects the handle.
   const KtLineSegment line({0.1, 0.0, 1.0}, {0.1, 0.0, -1.0});
   double toShape = 0.0, toCapsule = 0.0;
   shape.intersectLineSegment(line, 0, toShape);

@@ -28,8 +28,8 @@ double upperLimit(const KtStatedSystem& scene, KtU32 manipulator, const std::str
       .upperLimit();
 }
 
-// With its state: without one, the manipulator would come at joint positions of 1e-9, and those of
-// the others would grow by as much.
+// Passes the state, too. Without it, the new joints would be at 1e-9, and 1e-9 would be added to
+// the positions of all other joints.
 void addAtItsState(KtStatedSystem& scene, const KtStatedSystem& other) {
   scene.addManipulator(other.system().manipulators()[0], other.state().positionStates()[0],
                        other.state().velocityStates()[0]);

@@ -1,5 +1,5 @@
-// Builds an arm of two links in code, writes it to a file, and compares it with a file that a
-// person has written: models/two-link-arm.xml describes the same arm.
+// Builds an arm of two links in code, writes it to a file, and compares it with the handwritten
+// file models/two-link-arm.xml, which describes the same arm.
 
 #include <cstdio>
 #include <string>
@@ -8,19 +8,19 @@
 
 namespace {
 
-// A body of a mass, kg, its centre of mass, m, and its inertia about that point, kg m^2.
+// A body with a mass, kg, a centre of mass, m, and an inertia about that point, kg m^2.
 KtRigidBodyMassProperties body(double mass, const KtVector& center, const KtSecondMoment& inertia) {
   KtRigidBodyMassProperties properties(mass, KtVector(), inertia);
   properties.transformBy(center);
   return properties;
 }
 
-// All points no farther from the x axis between 0 and 0.5 than a radius, m.
+// A capsule around the x axis from 0 to 0.5 m.
 KtCapsuleShape tube(double radius) {
   return KtCapsuleShape(KtCapsule(KtLineSegment({0.0, 0.0, 0.0}, {0.5, 0.0, 0.0}), radius));
 }
 
-// A joint that turns about the z axis of its frame, which Craig's convention places.
+// A rotational joint in Craig's convention: it rotates about the z axis of its own frame.
 KtDenavitHartenberg hinge(double a, double alpha) {
   KtDenavitHartenberg joint;
   joint.setJointType(KtDenavitHartenberg::kRotational);
@@ -30,7 +30,7 @@ KtDenavitHartenberg hinge(double a, double alpha) {
   return joint;
 }
 
-// A geared motor; the torque limit stands on the motor's side.
+// A geared motor; the torque limit is on the motor side.
 KtJointActuator motor(double inertia, double gearRatio, double lower, double upper, double maxRate,
                       double maxTorque) {
   KtJointActuator actuator;
