@@ -126,7 +126,7 @@ Json Evaluation::gravityTorques() {
   return result;
 }
 
-// Gravity is an acceleration of the base upwards.
+// Gravity is represented as an upward acceleration of the base.
 void Evaluation::setAcceleration(const std::optional<std::vector<double>>& qdd) {
   KtAccelerationState acceleration =
       KtAccelerationState::zeroCompatibleState(active_.velocityState());
@@ -147,7 +147,7 @@ Json Evaluation::inverseDynamics() {
   return {{"jointTorques", jsonOf(torque.jointTorques())}, {"baseForce", sixOf(base)}};
 }
 
-// By the links themselves: the tool for it has the actuators' friction in it.
+// Calls the links directly, because the acceleration tools include actuator friction.
 Json Evaluation::forwardDynamics() {
   setAcceleration(std::nullopt);
   const KtU32 joints = manipulator_.jointDof();
@@ -222,7 +222,7 @@ bool checkOptions(const KtStatedSystem& system, const EvaluateOptions& options,
          (!options.tau || checkList("--tau", *options.tau, manipulator, error));
 }
 
-// Whether a JSON value has a number that is not finite, which JSON can't tell.
+// Whether a JSON value has a number that is not finite; JSON can't represent it.
 bool isFinite(const Json& value) {
   if (value.is_number_float()) return std::isfinite(value.get<double>());
   for (const Json& member : value) {
@@ -286,7 +286,7 @@ struct Arguments {
   bool json = false;
 };
 
-// Reads a list if it was given.
+// Reads the list of an option if the option is given.
 bool readList(const CLI::App& command, const char* option, const std::string& text,
               std::optional<std::vector<double>>& list) {
   if (command.count(option) == 0) return true;
@@ -348,25 +348,24 @@ bool evaluate(const KtStatedSystem& system, const EvaluateOptions& options, Json
 void addEvaluate(CLI::App& app, int& status) {
   CLI::App* command =
       app.add_subcommand("evaluate",
-                         "Frames, velocities, inertias, torques and accelerations of a stated "
-                         "system in one state");
+                         "Computes frames, velocities, inertias, torques and accelerations of a "
+                         "stated system in one state");
   auto arguments = std::make_shared<Arguments>();
   command->add_option("system", arguments->file, "the file of the system")->required();
-  command->add_option("--manipulator", arguments->manipulator, "the only one, counted from 0");
+  command->add_option("--manipulator", arguments->manipulator,
+                      "index of one manipulator, from 0 (default: all)");
   addGravityOption(*command, arguments->gravity);
   command->add_option("--q", arguments->q, "joint positions, like --q=0.1,-2");
   command->add_option("--qd", arguments->qd, "joint rates");
   command->add_option("--qdd", arguments->qdd,
-                      "joint accelerations of the inverse dynamics (default: 0)");
+                      "joint accelerations for the inverse dynamics (default: 0)");
   command->add_option("--tau", arguments->tau,
-                      "joint torques of the forward dynamics (default: 0)");
-  command->add_flag("--json", arguments->json, "as a JSON object, with full precision");
+                      "joint torques for the forward dynamics (default: 0)");
+  command->add_flag("--json", arguments->json, "print one JSON object with full precision");
   command->footer(
-      "Lists have a value for each joint, in the order of the links' indices. Everything is in "
-      "the\n"
-      "axes of the system, linear parts before angular ones; the index of the base is -1.\n"
-      "The dynamics are those of links and rotors, with springs and dampers: the friction of\n"
-      "actuators and equality constraints don't count. In the inverse dynamics the base doesn't\n"
-      "accelerate.");
+      "A list has one value for each joint, in the order of the link indices. All vectors are in\n"
+      "system axes, with linear components before angular ones; the index of the base is -1.\n"
+      "The dynamics include links, rotors, springs and dampers; they ignore actuator friction and\n"
+      "equality constraints. The inverse dynamics assume that the base doesn't accelerate.");
   command->callback([arguments, command, &status] { status = run(*arguments, *command); });
 }

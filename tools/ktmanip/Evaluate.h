@@ -6,26 +6,27 @@
 
 #include "Support.h"
 
-/// In which state, and under what, a system is evaluated. Lists have an entry for each joint.
+/// Options of `evaluate`. Each list has one entry for each joint.
 struct EvaluateOptions {
-  std::optional<KtU32> manipulator;        ///< The only one to be evaluated.
-  std::optional<KtVector> upGravity;       ///< In the place of the system's, m/s^2.
-  std::optional<std::vector<double>> q;    ///< Joint positions in the place of the file's.
-  std::optional<std::vector<double>> qd;   ///< Joint rates in the place of the file's.
-  std::optional<std::vector<double>> qdd;  ///< Accelerations of the inverse dynamics; else 0.
-  std::optional<std::vector<double>> tau;  ///< Torques of the forward dynamics; else 0.
+  std::optional<KtU32> manipulator;        ///< Index; by default all are evaluated.
+  std::optional<KtVector> upGravity;       ///< Replaces that of the system, m/s^2.
+  std::optional<std::vector<double>> q;    ///< Replaces the joint positions of the file.
+  std::optional<std::vector<double>> qd;   ///< Replaces the joint rates of the file.
+  std::optional<std::vector<double>> qdd;  ///< For the inverse dynamics; 0 by default.
+  std::optional<std::vector<double>> tau;  ///< For the forward dynamics; 0 by default.
 };
 
 /// Evaluates a system.
 ///
-/// Dynamics are those of the links, rotors, springs and dampers: friction and stoppers of the
-/// actuators don't count, nor do equality constraints. The base doesn't accelerate in the inverse
-/// dynamics. Linear parts come first, in the axes of the system; forces and accelerations of the
-/// base are those at the origin of its frame. The potential energy is that of the weight, 0 where
-/// the centre of mass is in the plane of the system's origin; the index of the base is -1.
+/// The dynamics include links, rotors, springs and dampers. They ignore the friction and stoppers
+/// of actuators, and equality constraints. The inverse dynamics assume that the base doesn't
+/// accelerate. All vectors are in system axes, with linear components first; the force and the
+/// acceleration of the base are given at the origin of its frame. The potential energy is that of
+/// gravity, and 0 if the centre of mass is at the height of the system's origin. The index of the
+/// base is -1.
 ///
 /// @param result  receives `{"manipulators": [...]}`
-/// @param error   receives what is wrong with the options
-/// @return        whether nothing is
+/// @param error   receives a message if an option is wrong or a result is not finite
+/// @return        true if all options are right and all results are finite
 bool evaluate(const KtStatedSystem& system, const EvaluateOptions& options, Json& result,
               std::string& error);

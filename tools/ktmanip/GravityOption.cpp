@@ -6,10 +6,10 @@
 void addGravityOption(CLI::App& command, std::vector<double>& gravity) {
   command
       .add_option("--gravity", gravity,
-                  "acceleration upwards, as in files: 0 0 9.81 pulls along -z (default: the "
-                  "file's)")
+                  "upward gravity vector, m/s^2, as in files: 0 0 9.81 pulls along -z (default: "
+                  "that of the file)")
       ->expected(3)
-      ->allow_extra_args(false)  // else it swallows the file
+      ->allow_extra_args(false)  // otherwise it takes the file name, too
       ->check([](const std::string& text) {
         std::vector<double> value;
         std::string wrong;

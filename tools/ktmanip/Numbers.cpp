@@ -63,7 +63,7 @@ bool isWritable(const std::string& text) {
   try {
     return !controls && !nlohmann::json(text).dump().empty();
   } catch (const nlohmann::json::exception&) {
-    return false;  // it writes UTF-8 only
+    return false;  // the text is not UTF-8
   }
 }
 

@@ -3,17 +3,17 @@
 #include <chrono>
 #include <cstdint>
 
-/// A bar on standard error that tells how far work has come. It shows only on a terminal, and only
-/// where the work takes longer than a second; it is gone when the work is done.
+/// A progress bar on standard error. It appears only on a terminal, and only after one second; the
+/// destructor removes it.
 class ProgressBar {
  public:
-  /// @param total  how much work there is
+  /// @param total  the amount of work, in units of the caller
   explicit ProgressBar(std::uint64_t total);
   ~ProgressBar();
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  /// Tells how much is done. Most calls cost next to nothing.
+  /// Reports the amount of work done. Only every 64th call can draw the bar.
   void update(std::uint64_t done) {
     if (total_ > 0 && (++calls_ & 63U) == 0) draw(done);
   }

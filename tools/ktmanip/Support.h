@@ -7,24 +7,23 @@
 #include "ktManipulator/model/KtStatedSystem.h"
 
 /// @file
-/// What subcommands share.
+/// Functions that several subcommands use.
 
 /// A JSON value whose members keep their order.
 using Json = nlohmann::ordered_json;
 
-/// Reads a stated system; what is wrong with the file is reported on standard error.
+/// Reads a stated system and reports mistakes of the file on standard error.
 ///
-/// @return whether nothing was wrong
+/// @return true if the file has no mistake
 bool loadSystem(const std::string& file, KtStatedSystem& system);
 
-/// An active state of the positions and velocities that a system has of one manipulator.
+/// An active state with the positions and velocities of one manipulator of a system.
 KtManipulatorActiveState activeStateOf(const KtStatedSystem& system, KtU32 manipulator);
 
-/// The link of a place in the order in which links are told: 0 is the base, and i + 1 the link of
-/// index i.
+/// The base for place 0, the link of index i for place i + 1.
 const KtManipulatorLink& linkAt(const KtIndividualManipulator& manipulator, KtU32 place);
 
-/// The mass of all links, kg.
+/// The mass of all links and the base, kg.
 double totalMass(const KtIndividualManipulator& manipulator);
 
 /// [x, y, z]

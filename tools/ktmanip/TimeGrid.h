@@ -6,10 +6,10 @@
 
 /// The times of a run in equal steps.
 ///
-/// Each is a multiple of the step, rounded once, where the run starts at such a multiple: so that
-/// rounding doesn't pile up, and a run that is stopped and continued passes through the same times
-/// as one that goes through, to the last bit. From elsewhere it counts from the start. A last step
-/// is shorter where the duration is no multiple of the step.
+/// If the start is a multiple of the step, every time is a multiple of the step that is rounded
+/// only once. Rounding errors don't accumulate, and a run that is stopped and continued has exactly
+/// the same times as an uninterrupted run. Otherwise times are the start plus multiples of the
+/// step. The last step is shorter if the duration is not a multiple of the step.
 class TimeGrid {
  public:
   /// @param start     time of the first state, s
@@ -26,9 +26,9 @@ class TimeGrid {
     startsOnGrid_ = std::abs(multiple(first_) - start) <= kRounding * std::abs(start);
   }
 
-  /// How many steps there are.
+  /// The number of steps.
   std::uint64_t steps() const noexcept { return steps_; }
-  /// The time behind a number of steps, s.
+  /// The time after a number of steps, s.
   double time(std::uint64_t step) const noexcept {
     if (step == 0) return start_;
     if (step >= steps_ && !endsOnGrid_) return end_;
@@ -39,8 +39,9 @@ class TimeGrid {
  private:
   static constexpr double kRounding = 4.0 * std::numeric_limits<double>::epsilon();
 
-  // 0.1 is a bit more than 1/10, and adds up to more than what people mean by 0.3. Most steps are
-  // the double next to 1/n or n/10^k: with these, times are the doubles next to the true ones.
+  // The double 0.1 is slightly more than 1/10, so three times that is not the double 0.3. Most
+  // steps are the double nearest to 1/n or n/10^k; computed from this fraction, times are the
+  // doubles nearest to the exact values.
   void findFraction() {
     const auto fits = [this](double denominator) {
       const double numerator = std::round(step_ * denominator);
@@ -59,8 +60,8 @@ class TimeGrid {
   }
 
   double start_, end_, step_;
-  double numerator_ = 0.0, denominator_ = 0.0;  // of the step, if there are any
-  double first_ = 0.0;                          // multiple of the step where the run starts
+  double numerator_ = 0.0, denominator_ = 0.0;  // of the step; 0 if no fraction fits
+  double first_ = 0.0;                          // the start divided by the step, rounded
   std::uint64_t steps_ = 0;
   bool startsOnGrid_ = false, endsOnGrid_ = false;
 };

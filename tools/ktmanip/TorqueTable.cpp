@@ -6,7 +6,7 @@
 
 namespace {
 
-// Takes the records of comma-separated values apart, one after the other.
+// Reads comma-separated values record by record.
 class CsvReader {
  public:
   explicit CsvReader(std::string_view text) : text_(text) {
@@ -14,7 +14,7 @@ class CsvReader {
     if (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
   }
 
-  // False at the end of the text. Empty lines are passed over.
+  // Returns false at the end of the text. Skips empty lines.
   bool next(std::vector<std::string>& fields) {
     do {
       if (at_ >= text_.size()) return false;

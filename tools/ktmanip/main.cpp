@@ -1,4 +1,4 @@
-// ktmanip: robots on the command line.
+// The command-line tool ktmanip.
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
   try {
     CLI::App app{"Imports, inspects, evaluates and simulates mechanisms of rigid links."};
     app.set_version_flag("--version", KTMANIP_VERSION);
-    app.require_subcommand(0, 1);  // one of its own below, so that a misspelt one is named
+    app.require_subcommand(0, 1);  // none is reported below, after a misspelt one
     int status = 0;
     addImport(app, status);
     addInspect(app, status);
