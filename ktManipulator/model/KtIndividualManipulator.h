@@ -22,17 +22,17 @@ class KtPositionState;
 class KtReArray;
 class KtVelocityState;
 
-/// One mechanism: a tree of links of which this object is the root and the base.
+/// One mechanism: a tree of links. This object is the root of the tree and the base.
 ///
-/// The base has no joint: it stands where the position state's frame and the manipulator's own
-/// fixed frame put it, and its index is always `ktBaseIndex`. A link table and a label table over
-/// the tree turn it into what state vectors are indexed by: entry i belongs to the link of index i,
-/// links being numbered in pre-order from 0 at the first child.
+/// The base has no joint. Its pose is the product of the manipulator's fixed frame and the frame of
+/// the position state, in this order, and its index is always `ktBaseIndex`. The other links are
+/// numbered in pre-order from 0 at the first child; entry i of a state vector belongs to the link
+/// of index i. The manipulator has tables of its links by index and by label.
 ///
-/// A manipulator may stand for another one of its system, whose links it then shares: that one's
-/// tables and children answer for it. `KtManipulatorSystem` resolves the reference.
+/// A manipulator may reference another one of its system. It then uses the links and tables of that
+/// manipulator. `KtManipulatorSystem` resolves the reference.
 ///
-/// A file has no actuator, spring, damper, limits, points or frames of the base.
+/// Files don't hold the base's actuator, spring, damper, limits, points and frames.
 class KT_EXPORT KtIndividualManipulator
     : public KtXmlPersistent<KtIndividualManipulator, KtManipulatorLink> {
  public:
@@ -41,7 +41,7 @@ class KT_EXPORT KtIndividualManipulator
 
   /// A base without links: fixed, controllable, at the origin, with a bounding sphere of 10 m.
   KtIndividualManipulator();
-  /// A copy. It shares no links with another manipulator until its system says so again.
+  /// A copy. It uses its own links until a system resolves its reference.
   KtIndividualManipulator(const KtIndividualManipulator& other);
   /// The same as a copy.
   KtIndividualManipulator& operator=(const KtIndividualManipulator& other);
@@ -49,16 +49,16 @@ class KT_EXPORT KtIndividualManipulator
   bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
-  // Of the link.
+  // Overridden operations of the link.
 
   bool setSurfaceProperties(const std::string& surfaceLabel, const KtDataMap& data) override;
-  /// The own children, or those of the manipulator that this one stands for.
+  /// The children of this manipulator or of the one that it references.
   const KtXmlVectorType<KtManipulatorLink>& childLinks() const override;
   /// Also maps all links.
   void setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) override;
-  /// Also numbers the new child and all below it. They get their manipulator, and references among
-  /// links are resolved, by `mapManipulator`, to be called when the last child is added. Nothing
-  /// but the addition happens where another manipulator's links are used.
+  /// Also numbers the new child and all links below it. Call `mapManipulator` after adding the last
+  /// child: it sets the manipulator of the links and resolves references. If this manipulator uses
+  /// the links of another one, the child is added but not numbered.
   void addChild(const KtManipulatorLink& link) override;
   /// Also maps all links and builds the self-collision map anew.
   void clearChildLinks() override;
@@ -97,7 +97,7 @@ class KT_EXPORT KtIndividualManipulator
 
   // Its own.
 
-  /// Makes a whole manipulator of a link and its subtree: the base, fixed, at the origin.
+  /// Makes a manipulator of a link and its subtree. The link is the fixed base at the origin.
   virtual void setFromLink(const KtManipulatorLink& link);
   /// The fixed frame between the position state's frame and the base's DH frame.
   virtual const KtCoordinateSystemTransformation& coordSysXForm() const;
@@ -107,31 +107,31 @@ class KT_EXPORT KtIndividualManipulator
   virtual const KtSphere& absoluteBoundingSphere() const;
   /// Sets what `absoluteBoundingSphere()` answers.
   virtual void setAbsoluteBoundingSphere(const KtSphere& sphere);
-  /// Fills the self-collision map with all pairs of links, none of them to be tested, and compiles
-  /// it.
+  /// Fills the self-collision map with all pairs of links, marks none of them to be tested, and
+  /// compiles the map.
   virtual void buildSelfCollisionLinkMap();
   /// Sets the sphere around the mechanism from `upperBoundSubmanipulatorExtentDistance`.
   virtual void fitAbsoluteBoundingSphere();
-  /// Whether the base cannot move; true unless set.
+  /// Whether the base cannot move; true by default.
   virtual bool isFixedBase() const;
   /// Sets what `isFixedBase()` answers.
   virtual void setIsFixedBase(bool value);
-  /// Whether a read prepares all links for display; false unless set.
+  /// Whether reading a file prepares all links for display; false by default.
   virtual bool optimizeOnLoad() const;
   /// Sets what `optimizeOnLoad()` answers.
   virtual void setOptimizeOnLoad(bool value);
-  /// Whether a controller may move the manipulator; true unless set.
+  /// Whether a controller may move the manipulator; true by default.
   virtual bool isControllable() const;
   /// Sets what `isControllable()` answers.
   virtual void setIsControllable(bool value);
-  /// Which manipulator this one stands for.
+  /// Names the manipulator whose links this one uses.
   virtual const KtManipulatorReferenceDescription& manipulatorReferenceDescription() const;
   /// Sets what `manipulatorReferenceDescription()` answers; the system resolves it.
   virtual void setManipulatorReferenceDescription(
       const KtManipulatorReferenceDescription& description);
   /// Place of the manipulator in its system.
   virtual KtU32 manipulatorIndex() const;
-  /// Number of joints, and so of links but the base.
+  /// Number of joints, which is also the number of links without the base.
   virtual KtU32 jointDof() const;
   /// `jointDof()` and the six of the base.
   virtual KtU32 jointAndBaseDof() const;
@@ -156,32 +156,32 @@ class KT_EXPORT KtIndividualManipulator
   virtual const KtManipulatorLink* linkByIndex(KtU32 index) const;
   /// Gives a link another label; false if there is none of the old one.
   virtual bool changeLinkLabel(const std::string& label, const std::string& newLabel);
-  /// Advances positions by constant velocities over a time, s. Joints stop at their actuators'
-  /// limits; their velocities stay. The base's linear velocity is taken in the axes in which its
-  /// translation is given, its angular velocity in the outer frame's.
+  /// Advances positions at constant velocities over a time, s. Joints stop at the limits of their
+  /// actuators; their velocities don't change. The base's linear velocity is taken in the axes in
+  /// which its translation is given, its angular velocity in those of the outer frame.
   virtual void propagateState(const KtVelocityState& velocity, double dt,
                               KtPositionState& position) const;
-  /// The same; the record is told of the last joint that met a limit.
+  /// The same, and records the last joint that reached a limit.
   virtual void propagateState(const KtVelocityState& velocity, double dt, KtPositionState& position,
                               KtPropagationResultData& result) const;
-  /// Advances velocities by constant accelerations over a time, s. Joint rates stay within their
-  /// actuators' maximum rates.
+  /// Advances velocities at constant accelerations over a time, s. Joint rates are limited to the
+  /// maximum rates of their actuators.
   virtual void propagateVelocityState(const KtAccelerationState& acceleration, double dt,
                                       KtVelocityState& velocity) const;
-  /// Is to find where a line segment meets the manipulator. It does nothing yet, as does
+  /// Will intersect a line segment with the manipulator. It does nothing yet, nor does
   /// `KtManipulatorLink::intersectLineSegment`.
   virtual void intersectLineSegmentWithManipulator(const KtLineSegment& segment,
                                                    KtManipulatorPointEvent& event,
                                                    KtManipulatorActiveState* activeState,
                                                    KtU32 level) const;
-  /// Lets links but the base share equal shapes. Nothing where another manipulator's are used.
+  /// Makes links share equal shapes, except the base and links of a referenced manipulator.
   ///
   /// @return true
   virtual bool findAndConvertToReferences();
-  /// Gives own copies of its shapes to every link that uses those of a link which is about to
-  /// change; false if there is none of that label.
+  /// Prepares a change of a link's shapes: each link that uses them gets its own copy. Returns
+  /// false if no link has the label.
   virtual bool aboutToModifyLink(const std::string& label);
-  /// Replaces the subtree of a label by a copy of another; false if there is none of that label.
+  /// Replaces the subtree of a label by a copy of another one; false if no link has the label.
   virtual bool replaceLinkAndChildren(const std::string& label, const KtManipulatorLink& link);
   /// Replaces the joint model of the label of the link of an index; false without such a link.
   virtual bool replaceLinkKinematics(KtU32 index, const KtLinkKinematics& kinematics);
@@ -197,7 +197,7 @@ class KT_EXPORT KtIndividualManipulator
   virtual bool replaceLinkPrimaryFrame(const std::string& label,
                                        const KtCoordinateSystemTransformation& frame);
   using KtManipulatorLink::transformPrimaryFrame;
-  /// Moves the primary frame of a link, while the body stays; false without such a link.
+  /// Moves the primary frame of a link but not its body; false without such a link.
   virtual bool transformPrimaryFrame(const std::string& label,
                                      const KtCoordinateSystemTransformation& frame);
   /// Makes all primary frames the identity, while shapes and base mass properties stay where they
@@ -213,9 +213,9 @@ class KT_EXPORT KtIndividualManipulator
   /// Moves the subtree of a label; false without such a link.
   virtual bool transformLinkSubtreeBy(const std::string& label,
                                       const KtCoordinateSystemTransformation& t);
-  /// Resolves what this manipulator stands for among those of a system, by label.
+  /// Resolves the reference of this manipulator by label among the manipulators of a system.
   ///
-  /// @return false, with nothing changed, if it stands for none or there is none of the label
+  /// @return false, with nothing changed, if it has no reference or no manipulator has the label
   virtual bool configureManipulatorReference(
       const KtXmlVectorType<KtIndividualManipulator>& manipulators);
   /// Bodies that ride on frames of closed linkages.
@@ -224,9 +224,9 @@ class KT_EXPORT KtIndividualManipulator
   virtual void setGeneralBoundObjects(const KtGeneralBoundObjectVector& objects);
   /// Numbers all links anew and resolves the references among them.
   virtual bool mapManipulator();
-  /// The same, into given tables. Where another manipulator's links are used the tables stay.
+  /// The same, into given tables. They stay if this manipulator uses the links of another one.
   ///
-  /// @return whether all links' `mapLinks` answered true
+  /// @return true if `mapLinks` of all links returned true
   virtual bool mapManipulator(LinkTable& links, LabelTable& labels);
   /// The properties of surfaces by label.
   virtual const KtSurfaceMap& surfaces() const;
@@ -237,9 +237,9 @@ class KT_EXPORT KtIndividualManipulator
   virtual void setSelfCollisionLinkMap(const KtManipulatorSelfCollisionLinkMap& map);
   /// Which pairs of links are tested for collision, by label.
   virtual const KtManipulatorSelfCollisionLinkMap& selfCollisionLinkMap() const;
-  /// Compiles the self-collision map into `linkCollisionTest()`. Missing links are reported.
+  /// Compiles the self-collision map into `linkCollisionTest()`. Reports labels without a link.
   virtual void mapLinkCollisionCandidates();
-  /// Gives a shape of a link a map of surfaces. False without such a shape, and for the base.
+  /// Sets the surfaces of a link's shape. Returns false without such a shape, and for the base.
   virtual bool setSurfacesByIDs(KtU32 linkIndex, KtU32 shapeIndex, const KtSurfaceMap& surfaces);
   /// Whether a pair of different links is tested for collision. Indices out of range are reported
   /// and give false.
@@ -258,74 +258,74 @@ class KT_EXPORT KtIndividualManipulator
   /// The zero-moment point: the point of a plane about which the inertial forces have no moment
   /// along the plane, without gravity.
   ///
-  /// The base's frame takes the rate of the composite momentum to the system as it does a motion:
-  /// it adds p x H to the force, with p the base's place and H the rate of the links' own angular
-  /// momenta. So the answer is that of mechanics where the base stands at the system's origin or H
-  /// is zero.
+  /// The result is exact only if the base is at the system's origin or H, the rate of the links'
+  /// own angular momenta, is zero: the rate of the composite momentum is transformed to the system
+  /// like a motion and not like a force, which adds p x H to the force, where p is the position of
+  /// the base.
   ///
   /// @param plane  in the system
-  /// @param point  receives it, in the system; stays as it was where no force crosses the plane
+  /// @param point  receives the point, in the system; unchanged if no force crosses the plane
   virtual void computeZeroMomentPoint(const KtPlane& plane, KtManipulatorActiveState& activeState,
                                       KtVector& point, const KtStatedSystemStruct* asker) const;
   /// The same with gravity, m/s^2, in system axes.
   virtual void computeZeroMomentPoint(const KtVector& gravity, const KtPlane& plane,
                                       KtManipulatorActiveState& activeState, KtVector& point,
                                       const KtStatedSystemStruct* asker) const;
-  /// The kinetic energy, J. The velocity of a free base counts as given in the axes of the base:
-  /// for a turned one, turn a copy of the state's, which is in those of the system.
-  /// @param tool  one to be used; null takes one of its own
+  /// The kinetic energy, J. The velocity of a free base is taken in base axes, but states hold it
+  /// in system axes: for a rotated base, pass a copy of the state with the velocity in base axes.
+  /// @param tool  the tool to use; null creates one for the call
   virtual double computeKineticEnergy(KtManipulatorActiveState& activeState, KtMassMatrixTool* tool,
                                       const KtStatedSystemStruct* asker) const;
   /// Constraints on the joint positions.
   virtual const KtStateConstraintVector& stateConstraints() const;
   /// Sets what `stateConstraints()` answers.
   virtual void setStateConstraints(const KtStateConstraintVector& constraints);
-  /// Linear relations that the motion obeys.
+  /// Linear equations that joint motions must satisfy.
   virtual const KtStateEqualityConstraintVector& stateEqualityConstraints() const;
   /// Sets what `stateEqualityConstraints()` answers.
   virtual void setStateEqualityConstraints(const KtStateEqualityConstraintVector& constraints);
-  /// What stops a propagation.
+  /// The criteria that stop a propagation.
   virtual const KtStoppingCriterionVector& stoppingCriteria() const;
   /// Sets what `stoppingCriteria()` answers.
   virtual void setStoppingCriteria(const KtStoppingCriterionVector& criteria);
   /// Collects a, alpha and d of every link whose joint is of the craig convention, by index. A link
-  /// that has a precursor adds nothing, so that the length tells whether all links are there.
+  /// with a precursor adds nothing; compare the length to find out whether links are missing.
   ///
   /// @return false if a link is of another kind
   virtual bool getCraigDhParameters(std::vector<double>& parameters) const;
   /// Replaces the bounding volumes of a link by one shape; false without such a link.
   ///
-  /// @param data  the properties of its surface; null for a display colour and what the link's own
-  ///              surface says of contact
+  /// @param data  the properties of its surface; null for a display colour and the contact
+  ///              properties of the link's own surface
   virtual bool setBoundingVolume(const std::string& label, const KtShape& shape,
                                  const KtDataMap* data = nullptr);
 
   /// Sets what `manipulatorIndex()` answers.
   void setManipulatorIndex(KtU32 index) noexcept { manipulatorIndex_ = index; }
-  /// Exchanges two link indices so that the first is not less than the second; the base counts as
-  /// the largest.
+  /// Exchanges two link indices if the first is less than the second; the base counts as the
+  /// largest index.
   ///
   /// @return true
   bool makeIndicesCompatible(KtU32& index1, KtU32& index2) const;
-  /// Lets the actuators of all links initialise their entries of the active state's actuator state,
-  /// if it has fewer than there are joint positions.
+  /// Initialises the actuator state of the active state, if it has fewer entries than there are
+  /// joint positions: the actuator of each link sets its entry.
   void initializeActuatorStatesIfShort(KtManipulatorActiveState& activeState) const;
-  /// Adds a capsule around the shapes of each link that uses its own.
+  /// Adds a bounding capsule to each link that uses its own shapes.
   void addCapsuleBoundingVolumeToLinks();
-  /// Adds a sphere around the shapes of each link that uses its own.
+  /// Adds a bounding sphere to each link that uses its own shapes.
   void addSphereBoundingVolumeToLinks();
-  /// Adds a box around the shapes of each link that uses its own, unless it has one.
+  /// Adds a bounding box to each link that uses its own shapes and has no box yet.
   void addBoundingBoxToLinks();
-  /// Adds the convex hull of the shapes of each link that uses its own.
+  /// Adds the convex hull as a bounding volume to each link that uses its own shapes.
   void addConvexHullToLinks();
-  /// Whether two manipulators are alike in everything but their labels.
+  /// Whether two manipulators are equal except for their labels.
   bool equalForReferencing(const KtIndividualManipulator& other) const;
-  /// Takes over all of another manipulator but its links, under the rules of a copy; see
+  /// Assigns everything of another manipulator except its links; see
   /// `KtManipulatorLink::copyAllButChildLinksFrom`.
   void copyAllButChildLinksFrom(const KtIndividualManipulator& other);
-  /// What `linkByIndex` answers for all links but the base, for passes over many links.
+  /// The links without the base, by index. Loops over many links use it.
   const LinkTable& links() const noexcept { return referenceManipulator_->linkTable_; }
-  /// The manipulator whose links this one uses: itself, unless it stands for another.
+  /// The manipulator whose links this one uses: the referenced one, or this one itself.
   const KtIndividualManipulator* referenceManipulator() const noexcept {
     return referenceManipulator_;
   }

@@ -13,8 +13,8 @@ class KtManipulatorActiveState;
 
 /// A frame that is fixed to a link, for constraints that need a point on a mechanism.
 ///
-/// The operations that compute take the manipulator from their caller: the index in this object is
-/// for the caller alone. All results are in system axes.
+/// The caller passes the manipulator to each computing operation; this object only stores the index
+/// for the caller. All results are in system axes.
 class KT_EXPORT KtLinkAttachment : public KtXmlPersistent<KtLinkAttachment, KtXmlCompoundType> {
  public:
   void registerComponents() override;
@@ -31,27 +31,27 @@ class KT_EXPORT KtLinkAttachment : public KtXmlPersistent<KtLinkAttachment, KtXm
   virtual const KtCoordinateSystemTransformation& frame() const { return frame_; }
   /// Sets what `frame()` answers.
   virtual void setFrame(const KtCoordinateSystemTransformation& frame) { frame_ = frame; }
-  /// Where the frame stands in the system.
+  /// The pose of the frame in the system.
   ///
-  /// @param placement  receives it; stays, with a message, if the manipulator has no such link
+  /// @param placement  receives the pose; unchanged, with a message, if there is no such link
   virtual void calculatePlacement(const KtIndividualManipulator& manipulator,
                                   KtManipulatorActiveState& activeState,
                                   KtCoordinateSystemTransformation& placement) const;
   /// The velocity of the frame's origin, m/s, and the angular velocity, rad/s; both zero if the
   /// manipulator has no such link.
   ///
-  /// @param velocity    is cut or filled up to `startIndex` + 6 entries, of which the last six
-  ///                    receive the linear and then the angular part
-  /// @param startIndex  where the six begin
+  /// @param velocity    is resized to `startIndex` + 6 entries; the last six receive the linear
+  ///                    part and then the angular part
+  /// @param startIndex  index of the first of the six entries
   virtual void calculateVelocity(const KtIndividualManipulator& manipulator,
                                  KtManipulatorActiveState& activeState,
                                  std::vector<double>& velocity, KtU32 startIndex) const;
   /// The acceleration of the frame's origin, m/s^2, and the angular acceleration, rad/s^2; both
   /// zero if the manipulator has no such link.
   ///
-  /// @param acceleration  is filled up to `startIndex` + 6 entries if it is shorter; the six from
-  ///                      there on receive the linear and then the angular part
-  /// @param startIndex    where the six begin
+  /// @param acceleration  is extended to `startIndex` + 6 entries if it is shorter; the six from
+  ///                      `startIndex` on receive the linear part and then the angular part
+  /// @param startIndex    index of the first of the six entries
   virtual void calculateAcceleration(const KtIndividualManipulator& manipulator,
                                      KtManipulatorActiveState& activeState,
                                      std::vector<double>& acceleration, KtU32 startIndex) const;

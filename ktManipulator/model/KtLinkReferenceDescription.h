@@ -16,7 +16,7 @@ class KT_EXPORT KtLinkReferenceDescription
   virtual bool isShapeReferenced() const { return isShapeReferenced_; }
   /// Sets what `isShapeReferenced()` answers.
   virtual void setIsShapeReferenced(bool value) { isShapeReferenced_ = value; }
-  /// Label of that link; empty by default. It may stay behind when the flag is cleared.
+  /// Label of that link; empty by default. Clearing the flag doesn't clear the label.
   virtual const KtString& referencedLinkLabel() const { return referencedLinkLabel_.value(); }
   /// Sets what `referencedLinkLabel()` answers.
   virtual void setReferencedLinkLabel(const KtString& label) { referencedLinkLabel_ = label; }

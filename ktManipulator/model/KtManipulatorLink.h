@@ -40,42 +40,42 @@ class KtManipulatorActiveState;
 class KtManipulatorExternalForce;
 class KtManipulatorTorque;
 
-// Ahead of every use: one that doesn't see these would make its own instances, which are hidden,
-// and with them those that the library is to export.
+// These declarations must precede every use of the templates. Otherwise the compiler instantiates
+// them with hidden visibility, and the library doesn't export them.
 extern template class KtXmlVectorType<KtCoordinateSystemTransformation>;
 extern template class KtXmlMapType<KtXmlBasicType<std::string>, KtXmlVector>;
 extern template class KtXmlMapType<KtXmlBasicType<std::string>, KtCoordinateSystemTransformation>;
 
-/// One rigid body of a mechanism together with the joint that joins it to its parent.
+/// One rigid body of a mechanism, and the joint that connects it to its parent.
 ///
-/// Links form a tree by value: a link holds its children inside itself, so that a copy of a link is
-/// a copy of the whole subtree below it. `KtIndividualManipulator` is the root of such a tree.
+/// Links form a tree by value: a link contains its children, so that a copy of a link is a copy of
+/// the whole subtree below it. `KtIndividualManipulator` is the root of such a tree.
 ///
-/// Two frames belong to a link: the DH frame, in which the joint's transformation ends, and the
-/// primary frame, fixed to it, in which shapes, mass properties, named points and named frames are
-/// given. What is named `InLocal` stands in the DH frame's axes, about its origin; what is named
-/// `InSystem` stands in the axes of the system. Units are m, kg, s and rad.
+/// A link has two frames. The DH frame is where the joint's transformation ends. The primary frame
+/// is fixed to the DH frame; shapes, mass properties, named points and named frames refer to it.
+/// Results named `InLocal` are in the axes of the DH frame and about its origin; results named
+/// `InSystem` are in system axes. Units are m, kg, s and rad.
 ///
-/// A link may use the shapes of another link of its manipulator instead of its own, which its
-/// reference description says; the manipulator resolves the reference when it maps its links.
-/// Mass, kinematics, actuator, spring, damper, points and frames are never shared.
+/// A link may use the shapes of another link of its manipulator, named in its reference
+/// description. The manipulator resolves the reference when it maps its links. Mass, kinematics,
+/// actuator, spring, damper, points and frames are never shared.
 ///
-/// Queries of frames, motions, forces and inertias keep their answers in the active state, and
-/// answer references into it, which hold until that state is set anew or has another number of
-/// links. A link that lies outside of the state's lists is reported, and answered by one of the
-/// shared values below. An answer that is kept is given again for other external forces, torques
-/// or askers: whoever changes these makes the active state invalid first.
+/// Queries of frames, motions, forces and inertias cache their results in the active state and
+/// return references into it. A reference is valid until a setter of the active state is called or
+/// the number of links changes. If the active state has no entry for the link, the query reports it
+/// and returns one of the static dummy values below.
 ///
-/// Labels are unique within a manipulator by convention; where two links have the same, the label
-/// leads to the later one in pre-order and the index to either.
+/// Labels are unique within a manipulator by convention. If two links have the same label, looking
+/// it up finds the later one in pre-order; both can be found by index.
 ///
-/// An active state that has no entry for the link is reported, and the answer is a dummy. What a
-/// state holds of inertias, forces and articulated dynamics was computed for the forces, torques
-/// and asker of the first query: a caller who has others calls `invalidateAll` on the state before.
+/// Cached inertias, forces and articulated dynamics belong to the external forces, torques and
+/// asker of the first query. A later query with other ones returns the cached result, so call
+/// `invalidateAll` on the active state before you change any of these.
 ///
-/// Constant operations fill scratch members and caches of the active state: a link belongs to one
-/// thread at a time. Links that hold children move in memory when their parent's list of children
-/// grows: pointers to links hold until then.
+/// Constant operations write to scratch members and to the active state, so only one thread at a
+/// time may use a link.
+///
+/// A link moves in memory when its parent's list of children grows, which invalidates pointers.
 class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, KtXmlCompoundType> {
  public:
   /// The links of a manipulator by index.
@@ -89,7 +89,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// Masses that a link carries, by name.
   using MassMap = KtXmlMapType<KtXmlBasicType<std::string>, KtRigidBodyMassProperties>;
 
-  // What queries answer when they fail.
+  // The values that failing queries return.
 
   /// The identity.
   static const KtCoordinateSystemTransformation m_theDummyTransformation;
@@ -112,14 +112,14 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
 
   /// A free-standing link without a joint model, a shape, a mass or children.
   KtManipulatorLink();
-  /// A copy of the whole subtree. It keeps the other's parent and index until it is added or mapped
-  /// anew, belongs to no manipulator, and uses its own shapes until references are resolved.
+  /// A copy of the whole subtree. It keeps the parent and index of the other until it is added or
+  /// mapped, belongs to no manipulator, and uses its own shapes until references are resolved.
   KtManipulatorLink(const KtManipulatorLink& other);
   /// The same as a copy; an assignment to itself changes nothing.
   KtManipulatorLink& operator=(const KtManipulatorLink& other);
 
-  /// Reads the link and its subtree; see `KtXmlObject::read`. Actuators in the form of older files
-  /// take the place of the new form's.
+  /// Reads the link and its subtree; see `KtXmlObject::read`. An actuator in the old form is
+  /// converted to the present form.
   bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
@@ -129,11 +129,11 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void setLabel(const std::string& label);
   /// Appends a text to the labels of this link and all below it.
   virtual void appendToAllLabels(const std::string& suffix);
-  /// Gives a shape, of the link whose shapes this one uses, a map of surfaces.
+  /// Sets the surfaces of a shape of the link whose shapes this link uses.
   ///
   /// @return false if there is no such shape
   virtual bool setSurfacesByShapeID(const KtU32& shapeIndex, const KtSurfaceMap& surfaces);
-  /// `setSurfacesByShapeID` on the first link of a label in this subtree that answers true.
+  /// Calls `setSurfacesByShapeID` on the links of a label in this subtree until one returns true.
   virtual bool setSurfaces(const std::string& label, const KtU32& shapeIndex,
                            const KtSurfaceMap& surfaces);
   /// The holder of the joint model that leads from the parent's DH frame to this link's.
@@ -153,8 +153,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void clearChildLinks();
   /// Appends a copy of a link to the last link of the path of first children.
   virtual void addLinkToEndOfChain(const KtManipulatorLink& link);
-  /// The extent of the shape that this link uses. Without one the answer is
-  /// `m_theDummyPhysicalExtent`, with a message.
+  /// The extent of the shape that this link uses. A link without a shape reports it and returns
+  /// `m_theDummyPhysicalExtent`.
   virtual const KtBasePhysicalExtent& physicalExtent() const;
   /// The shapes that this link uses: its own, or those of the link it references.
   virtual const KtShapeContainer& shapeContainer() const;
@@ -171,25 +171,25 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void setFromShapeContainer(const KtShapeContainer& container);
   /// The primary frame in the DH frame; the identity without a joint model.
   virtual const KtCoordinateSystemTransformation& primaryFrame() const;
-  /// Sets the primary frame, to which shapes and masses stay fixed, and brings the mass in the DH
-  /// frame up to date. Reported without a joint model, unless it is the identity.
+  /// Sets the primary frame, to which shapes and masses stay fixed, and updates the mass in the DH
+  /// frame. A link without a joint model reports every frame but the identity.
   virtual void setPrimaryFrame(const KtCoordinateSystemTransformation& frame);
   /// The joint's actuator.
   virtual const KtJointActuator& jointActuator() const;
   /// Sets what `jointActuator()` answers, bound to this link, and its limits' constraints.
   virtual void setJointActuator(const KtJointActuator& actuator);
-  /// Cuts the coordinates of the shapes down to a precision; see
-  /// `KtBasePhysicalExtent::truncateValues`. Of this link alone.
+  /// Truncates the coordinates of this link's shapes to a precision, but not those of its children;
+  /// see `KtBasePhysicalExtent::truncateValues`.
   virtual void truncateValues(const double& precision);
-  /// The link's mass properties in the primary frame: the base, all masses it carries, and, where
-  /// the asker is given, the root links of the manipulators that are attached to it.
+  /// The link's mass properties in the primary frame: its own mass, all masses it carries and, if
+  /// an asker is given, the root links of the manipulators that are attached to the link.
   ///
-  /// @return a reference that holds until the next call on this link
+  /// @return a reference that is valid until the next call on this link
   virtual const KtRigidBodyMassProperties& massProperties(
       const KtStatedSystemStruct* asker = nullptr) const;
-  /// Sets the mass properties of the link proper; the masses it carries are gone.
+  /// Sets the mass properties of the link itself, and removes the masses it carries.
   virtual void setMassProperties(const KtRigidBodyMassProperties& properties);
-  /// The mass properties of the link proper, in the primary frame.
+  /// The mass properties of the link itself, in the primary frame.
   virtual const KtRigidBodyMassProperties& baseMassProperties() const;
   /// Sets what `baseMassProperties()` answers; the masses it carries stay.
   virtual void setBaseMassProperties(const KtRigidBodyMassProperties& properties);
@@ -216,15 +216,15 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual const KtLinkReferenceDescription& linkReferenceDescription() const;
   /// Sets what `linkReferenceDescription()` answers; it is resolved at the next mapping.
   virtual void setLinkReferenceDescription(const KtLinkReferenceDescription& description);
-  /// The torque of the spring and the damper at the joint. Reported, and 0, without a manipulator.
+  /// The torque of spring and damper at the joint; 0, with a message, without a manipulator.
   virtual double totalLocalTorque(KtManipulatorActiveState& activeState) const;
   /// `massProperties` in the DH frame.
   virtual const KtRigidBodyMassProperties& massPropertiesInDHFrame(
       const KtStatedSystemStruct* asker = nullptr) const;
-  /// Brings the mass properties in the DH frame up to date with the total and the primary frame.
+  /// Recomputes the mass properties in the DH frame from the total ones and the primary frame.
   virtual void updateDHMassProperties();
-  /// Moves the base mass properties and the own shapes, and nothing else: what follows from the
-  /// mass is brought up to date by the caller.
+  /// Moves the link's own mass properties and shapes. The caller must update what is derived from
+  /// the mass; see `updateMassProperties`.
   virtual void transformComponentsBy(KtCoordinateSystemTransformation t);
   /// The link that holds this one, or null.
   virtual KtManipulatorLink* parentLink() const;
@@ -235,15 +235,15 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual KtU32 linkIndex() const;
   /// Number of links in this subtree, this one counted.
   virtual KtU32 subtreeLinkCount() const;
-  /// The value of "ktCollisionAvoidanceMetric" among the properties of the shape's own surface; 1
-  /// without.
+  /// The property "ktCollisionAvoidanceMetric" of the shape's own surface; 1 if the surface doesn't
+  /// have it.
   virtual double lookupCollisionAvoidanceMetric() const;
-  /// Numbers and registers this subtree in pre-order. Of two links of one label the later one has
-  /// the entry of the label table.
+  /// Numbers and registers this subtree in pre-order. If two links have the same label, the table
+  /// of labels has the later one.
   ///
   /// @param links   receives the links, each at its index
   /// @param labels  receives the links by label
-  /// @return        whether all overrides answered true
+  /// @return        true if all overrides returned true
   virtual bool mapLinks(LinkTable& links, LabelTable& labels);
   /// The DH frame in the system.
   virtual const KtCoordinateSystemTransformation& dhFrameInSystem(
@@ -281,7 +281,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                const KtManipulatorTorque& torque,
                                KtManipulatorActiveState& activeState,
                                const KtStatedSystemStruct* asker) const;
-  /// What torques and forces add to the acceleration of the DH frame, in DH axes.
+  /// The part of the DH frame's acceleration that torques and forces cause, in DH axes.
   virtual const KtGeneralMotion& arbiSupplementalDhFrameAccelerationInLocal(
       const KtManipulatorExternalForce& external, const KtManipulatorTorque& torque,
       KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const;
@@ -290,9 +290,9 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                        const KtManipulatorTorque& torque,
                                        KtManipulatorActiveState& activeState,
                                        const KtStatedSystemStruct* asker) const;
-  /// Appends the links without children in this subtree, in order.
+  /// Appends the links of this subtree that have no children, in pre-order.
   virtual void collectLeafLinks(LinkTable& links) const;
-  /// Prepares the link for display. Does nothing: a hook for derived classes.
+  /// Prepares the link for display. Derived classes may override it; here it does nothing.
   virtual void optimizeForRendering();
   /// Looks up the properties of a surface: in the shape that this link uses, then in the
   /// manipulator. False for a link without a shape.
@@ -301,7 +301,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual bool lookup(const std::string& label, const KtDataMap*& data) const;
   /// `optimizeForRendering` on this link and all below it.
   virtual void recursiveOptimizeForRendering();
-  /// Where distance queries on this link keep what starts the next one near the last.
+  /// The result of the last distance query on this link, at which the next query starts.
   virtual KtShapeQueryData& queryData() const;
   /// The manipulator of this link, or null if it was not mapped by one.
   virtual const KtIndividualManipulator* manipulator() const;
@@ -319,7 +319,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                     std::vector<KtU32>& identifiers) const;
   /// Labels this subtree with a prefix and consecutive numbers, in pre-order.
   ///
-  /// @param counter  the first number; receives the one behind the last
+  /// @param counter  the first number; receives the number after the last one
   virtual void relabelSubtree(const std::string& prefix, KtU32& counter);
   /// Removes the bounding volumes of the own shapes.
   virtual void deleteBoundingVolumes();
@@ -341,8 +341,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// Number of shapes that the link's physical representation consists of, without bounding
   /// volumes: the members of a union, otherwise 1, and 0 without a shape.
   virtual KtU32 numShapesInPhysicalRepresentation() const;
-  /// Scales shapes, base mass at constant density, primary frame, joint model and actuator. The sum
-  /// of masses stays until `updateMassProperties`; that in the DH frame is it, in the new frame.
+  /// Scales shapes, own mass (at constant density), primary frame, joint model and actuator. The
+  /// total mass stays until `updateMassProperties`; the mass in the DH frame is that old total.
   virtual void scaleIndividualLinkBy(double factor);
   /// `scaleIndividualLinkBy` on this link and all below it.
   virtual void scaleBy(double factor);
@@ -355,36 +355,36 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// @param frame  the new primary frame, in the DH frame
   /// @return       true
   virtual bool transformPrimaryFrame(const KtCoordinateSystemTransformation& frame);
-  /// Is to find where a line segment meets the shapes of this link. It does nothing yet.
+  /// Will intersect a line segment with the shapes of this link. It does nothing yet.
   ///
   /// @param segment      in system axes
-  /// @param event        is to receive the nearest point that is met; stays as it is
+  /// @param event        will receive the nearest intersection; unchanged for now
   /// @param activeState  the position; null finds nothing
-  /// @param level        the bounding-volume level of the shapes to be met
+  /// @param level        the bounding-volume level of the shapes to intersect
   virtual void intersectLineSegment(const KtLineSegment& segment, KtLinkPointEvent& event,
                                     KtManipulatorActiveState* activeState, KtU32 level) const;
-  /// Resolves the references of this subtree to other links' shapes by their labels. A label that
-  /// no link has is reported, and the link uses its own shapes.
+  /// Resolves the references of this subtree to the shapes of other links by label. If no link has
+  /// the label, this is reported and the link uses its own shapes.
   ///
   /// @return true
   virtual bool setLinkReferences(const LabelTable& labels);
-  /// Lets every link of this subtree but a base use the shapes of the first link of lower index
-  /// that has equal ones and is the one that its label leads to; its own are emptied.
+  /// Makes each link of this subtree except a base use the shapes of the first link of lower index
+  /// that has equal ones and can be found by its label. The link's own shapes are removed.
   ///
-  /// @return whether any link was changed
+  /// @return true if any link was changed
   virtual bool useReferencesWherePossible(const LinkTable& links);
   /// Gives this link own copies of the shapes that it uses by reference.
   ///
   /// @return true
   virtual bool removeLinkReferences();
   /// Sets the mass properties to those of the capsule around the shape at a density of 2700 kg/m^3.
-  /// Without a shape it is reported, and the default object taken.
+  /// A link without a shape reports it and gets default mass properties.
   virtual void estimateMassProperties();
-  /// Shape n of the physical representation: a member of a union of shapes, otherwise the shape
-  /// itself, whatever n is. Null without a shape, for a member that isn't there, and for a union of
+  /// Shape n of the physical representation: member n of a union of shapes, otherwise the shape
+  /// itself for any n. Null if there is no shape or no such member, and for a union of
   /// extents.
   virtual const KtShape* getNthNonBoundingShape(KtU32 n) const;
-  /// Appends the own shapes that stand for the link at a level of precision; see
+  /// Appends the own shapes that represent the link at a level of precision; see
   /// `KtShape::boundingVolumes`.
   virtual void boundingVolumes(KtShape::ShapeVector& volumes, const KtU32& level) const;
   /// `deleteBoundingVolumes` on this link and all below it.
@@ -394,21 +394,21 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// @param lower  whether it is the lower one
   /// @return       false if there is no such link
   virtual bool setJointLimit(const std::string& label, bool lower, double value);
-  /// Gives the link of a label in this subtree the properties of another link; its label, children
-  /// and `isConstrained()` stay.
+  /// Copies the properties of another link to the link of a label in this subtree, except label,
+  /// children and `isConstrained()`.
   ///
-  /// @param withShape  whether it gets the shapes too
+  /// @param withShape  whether the shapes are copied, too
   /// @return           false if there is no such link
   virtual bool replaceLinkProperties(const std::string& label, const KtManipulatorLink& source,
                                      bool withShape);
   /// Sets the mass properties of every link of a label in this subtree.
   ///
-  /// @return false, as programs have come to expect of it
+  /// @return always false; programs rely on it
   virtual bool replaceMassProperties(const std::string& label,
                                      const KtRigidBodyMassProperties& properties);
-  /// Gives the own shapes the properties of a surface; see `KtShape::setSurfaceProperties`.
+  /// Sets surface properties of the own shapes; see `KtShape::setSurfaceProperties`.
   ///
-  /// @return whether any shape took them
+  /// @return true if any shape accepted them
   virtual bool setSurfaceProperties(const std::string& surfaceLabel, const KtDataMap& data);
   /// A segment that shows the force on this link, in DH axes; see `KtExternalForceDescription`.
   virtual const KtLineSegment& forceVectorInLocal(
@@ -431,17 +431,17 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// The rate of `compositeSpatialMomentumInLocal`.
   virtual const KtGeneralMotion& compositeSpatialMomentumRateInLocal(
       KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) const;
-  /// The moment of the inertial forces of this subtree, mass times acceleration of each link's
-  /// centre of mass, about a point of the system, in system axes. Rates of the links' own angular
-  /// momenta are not in it.
+  /// The moment of the inertial forces of this subtree about a point of the system, in system axes.
+  /// The inertial force of a link is its mass times the acceleration of its centre of mass. The
+  /// rates of the links' own angular momenta are not included.
   ///
-  /// @param moment  receives it; not the same object as the point
+  /// @param moment  receives the moment; must not be the same object as the point
   virtual void computeMomentFromLinearAcceleration(const KtVector& point,
                                                    KtManipulatorActiveState& activeState,
                                                    KtVector& moment,
                                                    const KtStatedSystemStruct* asker) const;
-  /// The constraint that is at least 0 below the joint's upper limit: the one that was set, or else
-  /// the actuator's limit minus the joint's position. That one is made when it is first asked for.
+  /// The constraint that is at least 0 below the joint's upper limit: the one that was set, or by
+  /// default the actuator's limit minus the joint's position, which the first call creates.
   virtual const KtBaseStateConstraint& upperLimitConstraint() const;
   /// Sets what `upperLimitConstraint()` answers, to a copy.
   virtual void setUpperLimitConstraint(const KtBaseStateConstraint& constraint);
@@ -449,70 +449,70 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual const KtBaseStateConstraint& lowerLimitConstraint() const;
   /// Sets what `lowerLimitConstraint()` answers, to a copy.
   virtual void setLowerLimitConstraint(const KtBaseStateConstraint& constraint);
-  /// Points of interest, in the primary frame.
+  /// The named points, in the primary frame.
   virtual const PointMap& namedPoints() const;
   /// Sets what `namedPoints()` answers.
   virtual void setNamedPoints(const PointMap& points);
-  /// Looks up a named point; false, and the argument unchanged, if there is none.
+  /// Looks up a named point. Returns false, and leaves the argument unchanged, if there is none.
   virtual bool lookupNamedPoint(const std::string& name, KtVector& point) const;
-  /// Adds a named point. A name that exists is reported and keeps its point.
+  /// Adds a named point. If the name exists, this is reported and the old point stays.
   virtual void addNamedPoint(const std::string& name, const KtVector& point);
-  /// Frames of interest, in the primary frame.
+  /// The named frames, in the primary frame.
   virtual const FrameMap& namedFrames() const;
   /// Sets what `namedFrames()` answers.
   virtual void setNamedFrames(const FrameMap& frames);
-  /// Looks up a named frame; false, and the argument unchanged, if there is none.
+  /// Looks up a named frame. Returns false, and leaves the argument unchanged, if there is none.
   virtual bool lookupNamedFrame(const std::string& name,
                                 KtCoordinateSystemTransformation& frame) const;
-  /// Adds a named frame. A name that exists is reported and keeps its frame.
+  /// Adds a named frame. If the name exists, this is reported and the old frame stays.
   virtual void addNamedFrame(const std::string& name,
                              const KtCoordinateSystemTransformation& frame);
   /// Whether the joint is marked as constrained.
   virtual bool isConstrained() const;
   /// Sets what `isConstrained()` answers.
   virtual void setIsConstrained(bool value);
-  /// Brings the constraints that follow from the actuator's limits up to date. A link that has no
-  /// place in a state vector, as a root or one that was never mapped, gets constants alone.
+  /// Updates the limit constraints after a change of the actuator's limits. For a link without a
+  /// place in a state vector (a root, or a link that was never mapped) they are constants.
   virtual void updateDefaultLimitConstraints();
-  /// Brings the total mass properties up to date with the base and the masses carried.
+  /// Recomputes the total mass properties from the link's own mass and the masses it carries.
   virtual void updateMassProperties();
 
-  /// Whether two links are alike in everything but their own labels; the children are compared with
-  /// theirs. What a link is derived from, its parent, index and manipulator don't count.
+  /// Whether two links are equal except for their own labels; the labels of the children are
+  /// compared. Parent, index and manipulator are not compared.
   bool equalForReferencing(const KtManipulatorLink& other) const;
-  /// Takes over all of another link but its children, under the rules of a copy. From itself it
-  /// removes the children, which is all that it does then.
+  /// Assigns everything of another link except its children. If the other link is this link itself,
+  /// the call only removes the children.
   void copyAllButChildLinksFrom(const KtManipulatorLink& other);
-  /// Gives another link this link's label, damper, actuator, joint model, mass, spring and shapes.
-  /// The shapes are copied even where they are another link's.
+  /// Copies this link's label, damper, actuator, joint model, mass, spring and shapes to another
+  /// link. The shapes are copied even if this link uses those of another one.
   void copyLinkProperties(KtManipulatorLink& target) const;
   /// Adds a bounding volume of a kind to the own shapes; see `KtShapeContainer::addBoundingVolume`.
   bool addBoundingVolume(KtShape::KtShapeValues type);
-  /// `replaceMassProperties` for the actuator, with the same result.
+  /// Sets the actuator of every link of a label in this subtree; always returns false.
   bool replaceJointActuator(const std::string& label, const KtJointActuator& actuator);
 
-  /// How the joint moves, if it is a plain joint of Denavit and Hartenberg; null for any other, for
-  /// which its model is to be asked. For passes over many links.
+  /// How the joint moves, if the class of its model is exactly `KtDenavitHartenberg`; otherwise
+  /// null. Loops over many links use it to avoid virtual calls.
   const Kt::detail::JointMotion* jointMotion() const noexcept {
     const KtLinkKinematics* model = linkKinematicsContainer_.topElement();
-    // A class derived from that joint may move otherwise.
+    // A derived class may override how the joint moves.
     return model != nullptr && typeid(*model) == typeid(KtDenavitHartenberg)
                ? static_cast<const KtDenavitHartenberg*>(model)->jointMotion()
                : nullptr;
   }
-  /// How the joint moves at a unit of its rate at the positions, as its model answers it: without
-  /// the centripetal part.
+  /// How the joint moves at the positions at a rate of 1, as its model computes it; without the
+  /// centripetal part.
   Kt::detail::JointMotion askedUnitMotion(
       const KtManipulatorActivePositionState& positionState) const;
 
-  /// What `linkIndex()` answers, `parentLink()` and `jointActuator()`, without virtual calls.
+  /// The same as `linkIndex()`, `parentLink()` and `jointActuator()`, without virtual calls.
   KtU32 mappedIndex() const noexcept { return linkIndex_; }
   /// See there.
   const KtManipulatorLink* inboardLink() const noexcept { return parentLink_; }
   /// See there.
   const KtJointActuator& actuator() const noexcept { return jointActuator_; }
-  /// The link's entry of a state, with its joint transform valid. A link beyond the state's end is
-  /// reported as by `dhFrameInSystem`, and gets a shared entry with the identity.
+  /// The link's entry of a state, with its joint transform valid. If the state is too short,
+  /// `dhFrameInSystem` reports it, and the result is a shared entry with the identity.
   const KtLinkPositionState& placedJoint(KtManipulatorActivePositionState& positionState) const;
 
   /// Equality of everything that is written to files.
@@ -531,7 +531,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   KtXmlVectorType<KtManipulatorLink>& ownChildLinks() noexcept { return childLinks_; }
   /// The own children.
   const KtXmlVectorType<KtManipulatorLink>& ownChildLinks() const noexcept { return childLinks_; }
-  /// Tells the children that this link holds them.
+  /// Sets the parent pointer of the children to this link.
   void adoptChildren();
   /// Registers the label, the joint model and the children.
   void registerTreeComponents();
@@ -543,19 +543,19 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   void registerMassMapComponent();
 
  private:
-  // What constant operations work with or answer by reference.
+  // Scratch memory of constant operations, and values to which they return references.
   struct Scratch {
     KtShapeQueryData queryData;
-    // Of a link without a parent: what it found last, which it goes on from
+    // For a link without a parent: the last result, at which the next query starts
     KtCoordinateSystemTransformation frame;
     KtGeneralMotion velocity;
-    // Of the attached manipulators
+    // For the attached manipulators
     std::vector<KtU32> dependents;
     KtXmlVectorType<KtCoordinateSystemTransformation> offsets;
     KtRigidBodyMassProperties massProperties;
     KtRigidBodyMassProperties massPropertiesInDHFrame;
   };
-  // Constraints from the actuator's limits, made on first need: one is as long as the state.
+  // The default limit constraints, created on first use because each is as long as the state.
   struct LimitConstraint {
     KtMultivariableJointStateConstraint constraint;
     bool made = false;
@@ -570,8 +570,8 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                                                LimitConstraint& limit, double constant,
                                                double coefficient) const;
   bool attachments(const KtStatedSystemStruct* asker) const;
-  // What `massPropertiesInDHFrame` answers, without a virtual call where the own mass does. A class
-  // derived from the base may have another opinion; links stand by value in lists.
+  // The result of `massPropertiesInDHFrame`, mostly without a virtual call. Only a base can have a
+  // derived class that overrides this query: other links are stored by value in lists.
   const KtRigidBodyMassProperties& knownMass(const KtStatedSystemStruct* asker) const {
     return asker == nullptr && linkIndex_ != ktBaseIndex ? massPropertiesInDHFrame_
                                                          : massPropertiesInDHFrame(asker);

@@ -20,20 +20,20 @@ class KtManipulatorActiveState;
 class KtShapeStateCacheKey;
 class KtSystemActiveState;
 
-/// The model of a whole scene: its manipulators by value, what surrounds them, the forces that act
-/// between their links, which of them never collide, and which are attached to which.
+/// The model of a scene: its manipulators (by value), environment, interactions between links,
+/// collision exclusions and attachments.
 ///
-/// It knows no positions: see `KtManipulatorSystemState`, of which `KtStatedSystem` holds one
-/// beside the system. What is said of a manipulator's index here means its place in
-/// `manipulators()`, by which the lists of states go too.
+/// A system has no positions; these are in a `KtManipulatorSystemState`. `KtStatedSystem` holds a
+/// system together with a state. The index of a manipulator is its position in `manipulators()` and
+/// in the lists of states.
 ///
-/// A manipulator may stand for another one of the system and then uses that one's links. The
-/// sharing ends when one of the two is about to change; this system alone can see to that (see
-/// `aboutToModifyManipulator`). After every change each manipulator knows its index, stands for the
-/// first manipulator of the label that it names, and the exclusion map knows the present links.
+/// A manipulator may reference another one of the system and use its links. Only the system can end
+/// this sharing, so call `aboutToModifyManipulator` before changing one of them other than through
+/// the system. After every change the system renumbers its manipulators, resolves each reference to
+/// the first manipulator of the label, and updates the links of the exclusion map.
 ///
-/// The maps that name manipulators by index, those of attachments and exclusions and the
-/// interactions, are not rewritten when a manipulator is deleted: that is the caller's matter.
+/// Attachments, exclusions and interactions name manipulators by index. Deleting a manipulator
+/// doesn't update these indices; the caller must set them again.
 class KT_EXPORT KtManipulatorSystem
     : public KtXmlPersistent<KtManipulatorSystem, KtXmlCompoundType> {
  public:
@@ -42,7 +42,7 @@ class KT_EXPORT KtManipulatorSystem
 
   /// A system without manipulators.
   KtManipulatorSystem() = default;
-  /// A copy, in which each manipulator that stands for another stands for the copy of that one.
+  /// A copy, in which each reference leads to the copy of the referenced manipulator.
   KtManipulatorSystem(const KtManipulatorSystem& other);
   /// The same as a copy; an assignment to itself changes nothing.
   KtManipulatorSystem& operator=(const KtManipulatorSystem& other);
@@ -50,8 +50,8 @@ class KT_EXPORT KtManipulatorSystem
   bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
-  /// Appends the manipulators of another system, which may be this one, and their attachments to
-  /// each other. Its environment, interactions and exclusions are left behind.
+  /// Appends the manipulators of another system, which may be this one, and the attachments between
+  /// them. Environment, interactions and exclusions of the other system are not copied.
   ///
   /// @return true
   virtual bool mergeWith(const KtManipulatorSystem& other);
@@ -59,9 +59,9 @@ class KT_EXPORT KtManipulatorSystem
   virtual KtU32 jointDof() const;
   /// Number of joints of one manipulator; a bad index is reported and gives 0.
   virtual KtU32 jointDof(const KtU32& index) const;
-  /// Number of joints of all manipulators, and six for each of them.
+  /// Number of joints of all manipulators, plus six for each manipulator.
   virtual KtU32 jointAndBaseDof() const;
-  /// What surrounds the manipulators.
+  /// The environment of the manipulators.
   virtual const KtSystemEnvironment& environment() const;
   /// Sets what `environment()` answers.
   virtual void setEnvironment(const KtSystemEnvironment& environment);
@@ -71,31 +71,31 @@ class KT_EXPORT KtManipulatorSystem
   virtual void setManipulators(const ManipulatorVector& manipulators);
   /// Appends a copy of a manipulator.
   virtual void addManipulator(const KtIndividualManipulator& manipulator);
-  /// Replaces a manipulator by a copy of another. Those that stood for the old one keep its links.
+  /// Replaces a manipulator by a copy of another. Those that reference it keep its old links.
   ///
   /// @return false for a bad index
   virtual bool exchangeManipulator(KtU32 index, const KtIndividualManipulator& manipulator);
   /// The same for the first manipulator of a label; false if there is none.
   virtual bool exchangeManipulator(const std::string& label,
                                    const KtIndividualManipulator& manipulator);
-  /// Deletes the first manipulator of a label. Those that stood for it keep its links; it and those
-  /// attached to it are attached no more.
+  /// Deletes the first manipulator of a label, its attachment and those of its dependents. The
+  /// manipulators that reference it keep its links.
   ///
   /// @return its index, or 0xFFFFFFFF if there is none
   virtual KtU32 deleteManipulator(const std::string& label);
-  /// Deletes a manipulator. Those that stood for it keep its links. Whichever manipulator that is,
-  /// it is manipulator 0 and those attached to it that are attached no more; programs have come to
-  /// rely on it.
+  /// Deletes a manipulator. The manipulators that reference it keep its links. Whichever
+  /// manipulator is deleted, the call removes the attachments of manipulator 0 and of its
+  /// dependents; programs rely on this.
   ///
   /// @return false for a bad index
   virtual bool deleteManipulator(KtU32 index);
   /// The first manipulator of a label, or null.
   virtual const KtIndividualManipulator* manipulatorByIdentifier(const std::string& label) const;
-  /// Tells each manipulator its index and resolves what it stands for. The links are not numbered
-  /// anew.
+  /// Sets the index of each manipulator and resolves its reference. The links are not
+  /// renumbered.
   virtual void mapManipulators();
-  /// Builds the tree of boxes around the manipulators that can't move: those of a fixed base and
-  /// without joints.
+  /// Builds the tree of boxes around the manipulators that can't move: those with a fixed base and
+  /// no joints.
   ///
   /// @param activeStates  one for each manipulator; may be filled further
   virtual void buildBoundingBoxTreeFromEnvironment(
@@ -107,11 +107,11 @@ class KT_EXPORT KtManipulatorSystem
   virtual const KtLinkInteractionsVector& linkInteractionsVector() const;
   /// Sets what `linkInteractionsVector()` answers.
   virtual void setLinkInteractionsVector(const KtLinkInteractionsVector& interactions);
-  /// What of different manipulators never collides.
+  /// The pairs of links of different manipulators that are never tested for collision.
   virtual const KtSystemCollisionExclusionMap& collisionExclusionMap() const;
   /// Sets what `collisionExclusionMap()` answers, and compiles it for the present links.
   virtual void setCollisionExclusionMap(const KtSystemCollisionExclusionMap& map);
-  /// Which manipulators have their base fixed to a link of another.
+  /// The manipulators whose base is fixed to a link of another one.
   virtual const KtManipulatorAttachmentMap& manipulatorAttachmentMap() const;
   /// Sets what `manipulatorAttachmentMap()` answers. Attachments of a manipulator of this system to
   /// a manipulator or a link that it doesn't have are left out.
@@ -123,36 +123,36 @@ class KT_EXPORT KtManipulatorSystem
   /// Advances the position of one manipulator; a bad index does nothing.
   virtual void propagateSingleStateBy(KtU32 index, const KtVelocityState& velocity, double dt,
                                       KtPositionState& position) const;
-  /// Gives a state that is not compatible the sizes of this system. The time stays, and of each
-  /// manipulator the base and as many joints as there are; joints that miss get the position 1e-9
-  /// and the velocity 0. All joint positions that stay grow by 1e-9 too, those of manipulators of
-  /// the right size included: where they must stay to the bit, don't ask it of such a state.
+  /// Resizes an incompatible state to this system. It keeps the time, the bases and the existing
+  /// joints; missing joints get the position 1e-9 and the velocity 0. It also adds 1e-9 to all
+  /// existing joint positions, even of manipulators whose size is right; don't call it with an
+  /// incompatible state if these positions must not change.
   virtual void rightSizeState(KtManipulatorSystemState& state) const;
   /// Whether a state has as many positions and velocities as there are manipulators, each of as
   /// many joints.
   virtual bool isCompatible(const KtManipulatorSystemState& state) const;
-  /// A sphere around all manipulators with their joints in any position and their bases as in a
-  /// state, in the system; without a point if there is none. A state of another size is reported,
-  /// and those manipulators that have one are taken.
+  /// A sphere, in the system, around all manipulators with their bases as in a state and their
+  /// joints in any position; empty without manipulators. If the state has another size, this is
+  /// reported, and only manipulators that have a position are included.
   virtual KtSphere absoluteBoundingSphere(const KtManipulatorSystemState& state) const;
-  /// How many manipulators there are.
+  /// The number of manipulators.
   virtual KtU32 numberOfManipulators() const;
-  /// Sums the forces of all interactions into the active state's forces, unless those are valid.
+  /// Sums the forces of all interactions into the active state, unless its forces are valid.
   ///
   /// @param activeState  the state, which receives the forces
   /// @param time         the present time, s
   /// @param torques      the joint torques, one record per manipulator
   virtual void processLinkInteractions(KtSystemActiveState& activeState, const KtReal& time,
                                        const KtXmlVectorType<KtManipulatorTorque>& torques) const;
-  /// The level of bounding volumes at which contact is computed, as the last contact interaction
-  /// says; 0 without one.
+  /// The level of bounding volumes at which contact is computed: that of the last contact
+  /// interaction, or 0 without one.
   virtual KtU32 collisionDetectionPrecisionLevel() const;
-  /// Lets manipulators that are alike but for their labels share their links, and within each those
-  /// links that have equal shapes share these.
+  /// Makes manipulators that are equal except for their labels share their links, and makes links
+  /// of a manipulator share equal shapes.
   ///
   /// @return true
   virtual bool findAndConvertToReferences();
-  /// Gives a shape a map of surfaces; false if there is no such shape.
+  /// Sets the surfaces of a shape; false if there is no such shape.
   virtual bool setSurfacesByKey(const KtShapeStateCacheKey& key, const KtSurfaceMap& surfaces);
   /// Sets a joint limit of a manipulator's link; see `KtManipulatorLink::setJointLimit`.
   ///
@@ -162,32 +162,32 @@ class KT_EXPORT KtManipulatorSystem
   /// Whether two links of different manipulators are not excluded from collision;
   /// `ktBaseIndex` for a root.
   virtual bool canCollide(KtU32 manipulator1, KtU32 link1, KtU32 manipulator2, KtU32 link2) const;
-  /// Gives a manipulator's link the properties of another; see
+  /// Replaces the properties of a manipulator's link by those of another link; see
   /// `KtManipulatorLink::replaceLinkProperties`.
   ///
-  /// @param withShape  whether it gets the shapes too
+  /// @param withShape  whether the shapes are replaced, too
   /// @return           false if there is no such link; a bad index is reported too
   virtual bool replaceLinkProperties(KtU32 index, const std::string& label,
                                      const KtManipulatorLink& link, bool withShape);
-  /// Cuts the coordinates of all shapes down to a precision; see
+  /// Truncates the coordinates of all shapes to a precision; see
   /// `KtIndividualManipulator::truncateValues`.
   virtual void truncateValues(const double& precision);
-  /// Makes a table of counters for all shapes: by manipulator, by link (the base in row 0, the link
-  /// of index r in row r + 1), by shape.
+  /// Resizes a table of counters for all shapes: by manipulator, by link (the base in row 0, link r
+  /// in row r + 1), by shape.
   ///
-  /// @param counters  receives the sizes; new entries are 0, those that are there stay
+  /// @param counters  is resized; new entries are 0, existing ones stay
   virtual void getNumberOfShapes(std::vector<std::vector<std::vector<int>>>& counters) const;
   /// Ends the sharing of the first manipulator of a label; see the form by index. False if there is
   /// none.
   virtual bool aboutToModifyManipulator(const std::string& label);
-  /// Ends the sharing of a manipulator that is about to change. Of those that stand for it the
-  /// first gets the links, and the others stand for that one; if it stands for another itself, they
-  /// stand for that one, and it gets a copy of the links. Labels stay.
+  /// Ends the sharing of a manipulator that is about to change. If others reference it, the first
+  /// of them gets the links, and the rest reference that one. If it references another one itself,
+  /// they reference that one instead, and it gets a copy of the links. Labels stay.
   ///
-  /// @return false, with a message, for a bad index. A manipulator that stands for itself, or for
-  ///         one that can't be found, is reported and goes on doing so.
+  /// @return false, with a message, for a bad index. If a manipulator references itself or one that
+  ///         can't be found, this is reported and the reference stays.
   virtual bool aboutToModifyManipulator(KtU32 index);
-  /// Brings `collisionDetectionPrecisionLevel()` up to date with the interactions.
+  /// Updates `collisionDetectionPrecisionLevel()` after a change of the interactions.
   virtual void computeCollisionDetectionPrecisionLevel();
 
   /// Sets which links of a manipulator may collide with each other; false for a bad index.

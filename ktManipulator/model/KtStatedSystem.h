@@ -22,17 +22,17 @@ class KtLineSegment;
 class KtSystemActiveState;
 class KtSystemPointEvent;
 
-/// A system together with one state of it: what an application holds.
+/// A system together with one state of it. Most applications use this class.
 ///
-/// Whatever changes the system here changes the state with it, so that the state has one position
-/// and one velocity for each manipulator, in their order, each of as many joints; a file of which
-/// the state doesn't fit is repaired when it is read. What assigns a state says so, and leaves its
-/// sizes to the caller.
+/// Operations that change the number of manipulators or joints also resize the state, so that it
+/// has one position and one velocity for each manipulator with the right number of joints. A state
+/// that doesn't fit is repaired when a file is read. Operations that assign a state don't check its
+/// sizes; the caller must pass a state that fits.
 ///
-/// Copies share the system, which can be large, until one of them is about to change it: that one
-/// gets a copy of its own. Some operations reach all sharers on purpose, and say so. A reference to
-/// the system or into it holds until this object changes it or is assigned to. Stated systems that
-/// share one belong to one thread at a time.
+/// Copies share the system, which can be large. When one of them changes the system, it first makes
+/// its own copy. A few operations change the system for all sharers; their comments say so. A
+/// reference to the system or into it is valid until this object changes the system or is assigned
+/// to. Only one thread at a time may use stated systems that share a system.
 class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCompoundType> {
  public:
   /// The type of lists of shapes.
@@ -40,22 +40,22 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   /// The type of the records of a step, one for each manipulator.
   using ResultVector = KtXmlVectorType<KtPropagationResultData>;
 
-  /// What `system()` answers as long as there is none: a system without manipulators.
+  /// The result of `system()` while there is no system: a system without manipulators.
   static const KtManipulatorSystem m_theNullSystem;
 
   /// A stated system without a system.
   KtStatedSystem();
   /// A copy.
   ///
-  /// @param independent  whether it gets a system of its own at once, instead of sharing
+  /// @param independent  true to copy the system at once instead of sharing it
   KtStatedSystem(const KtStatedSystem& other, bool independent = false);
-  /// Shares the other's system and takes over its state and what concerns its display.
+  /// Shares the other's system, and copies its state and display data.
   KtStatedSystem& operator=(const KtStatedSystem& other);
   ~KtStatedSystem() override;
 
-  /// Reads the system and its state, and makes the state fit; see `KtXmlObject::read`.
+  /// Reads the system and its state, and repairs the state; see `KtXmlObject::read`.
   ///
-  /// @return the result of the reading alone: a state that was repaired counts as read
+  /// @return true if the file has no mistake; a repaired state doesn't count as one
   bool read(KtXmlReader& reader) override;
   void registerComponents() override;
 
@@ -63,33 +63,33 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual bool mergeWith(const KtStatedSystem& other);
   /// The system; `m_theNullSystem` if there is none.
   virtual const KtManipulatorSystem& system() const;
-  /// Makes the own system a copy of another. The state stays as it is.
+  /// Replaces the system by a copy of another. The state doesn't change.
   virtual void setSystem(const KtManipulatorSystem& system);
-  /// Takes over a system, which nobody else may own, in the place of the own one. The state stays
-  /// as it is.
+  /// Replaces the system by another and takes ownership of it; nobody else may own it. The state
+  /// doesn't change.
   virtual void setAndDeleteSystemPointer(KtManipulatorSystem* system);
-  /// Makes the own system a copy of another, in its middle position; see `setToMidpointState`.
+  /// Replaces the system by a copy of another, in the midpoint state; see `setToMidpointState`.
   virtual void setFromSystem(const KtManipulatorSystem& system);
-  /// Makes the own system that of a copy of a manipulator, in its middle position.
+  /// Replaces the system by one with a copy of a manipulator, in the midpoint state.
   virtual void setFromManipulator(const KtIndividualManipulator& manipulator);
-  /// Makes the own system that of one empty manipulator.
+  /// Replaces the system by one with an empty manipulator.
   ///
-  /// @return the manipulator, to be built in place; then ask for `finalizeOneManipulator`
+  /// @return the manipulator; build it in place and then call `finalizeOneManipulator`
   virtual KtIndividualManipulator& clearAndInitializeForOneManipulator();
-  /// Gives the manipulator that was built in place a state; see `setToMidpointState`.
+  /// Sets the state of the manipulator that was built in place; see `setToMidpointState`.
   virtual void finalizeOneManipulator();
-  /// Appends a copy of a manipulator, with a state. One of the wrong size is put right, and with it
-  /// all states; see `KtManipulatorSystem::rightSizeState`.
+  /// Appends a copy of a manipulator with a state. If the state has the wrong size, all states are
+  /// resized; see `KtManipulatorSystem::rightSizeState`.
   virtual void addManipulator(const KtIndividualManipulator& manipulator,
                               const KtPositionState& position, const KtVelocityState& velocity);
-  /// Appends a copy of a manipulator, with joint positions of 1e-9, at rest. The joint positions of
-  /// the others grow by 1e-9 too; see `KtManipulatorSystem::rightSizeState`.
+  /// Appends a copy of a manipulator at rest with joint positions of 1e-9. It also adds 1e-9 to the
+  /// joint positions of all others; see `KtManipulatorSystem::rightSizeState`.
   virtual void addManipulator(const KtIndividualManipulator& manipulator);
   /// Replaces a manipulator and its state; false for a bad index.
   virtual bool exchangeManipulator(KtU32 index, const KtIndividualManipulator& manipulator,
                                    const KtPositionState& position,
                                    const KtVelocityState& velocity);
-  /// Appends a free-standing body of a shape, as a manipulator of its own.
+  /// Appends a manipulator that consists of a single body with a shape.
   ///
   /// @param placement  of the shape's frame in the system
   /// @param data       the properties of the shape's surface
@@ -108,7 +108,7 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   /// Deletes a manipulator and its state, see `KtManipulatorSystem::deleteManipulator`; false for a
   /// bad index.
   virtual bool deleteManipulator(KtU32 index);
-  /// What surrounds the manipulators.
+  /// The environment of the manipulators.
   virtual const KtSystemEnvironment& environment() const;
   /// Sets what `environment()` answers.
   virtual void setEnvironment(const KtSystemEnvironment& environment);
@@ -118,26 +118,26 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual void setState(const KtManipulatorSystemState& state);
   /// Sets the position of one manipulator; a bad index is reported.
   virtual void setIndividualPositionState(KtU32 index, const KtPositionState& position);
-  /// Sets the place of one manipulator's base; a bad index is reported.
+  /// Sets the pose of one manipulator's base; a bad index is reported.
   virtual void setIndividualCoordinateSystemTransformation(
       KtU32 index, const KtCoordinateSystemTransformation& frame);
   /// Sets the velocity of one manipulator; a bad index is reported.
   virtual void setIndividualVelocityState(KtU32 index, const KtVelocityState& velocity);
-  /// Turns the velocity of one manipulator's base: given in the axes of frame B and turned by
-  /// R_A_B, it is given in those of frame A. A bad index is reported.
+  /// Rotates the velocity of one manipulator's base. Rotation by R_A_B converts it from the axes of
+  /// frame B to those of frame A. A bad index is reported.
   virtual void rotateIndividualBaseVelocity(KtU32 index, const KtOrientation& rotation);
   /// Brings one manipulator to rest; a bad index is reported.
   virtual void zeroIndividualVelocityState(KtU32 index);
-  /// Sets all positions. That they fit the system is the caller's matter.
+  /// Sets all positions. The caller must pass positions that fit the system.
   virtual void setPositionStates(const KtXmlVectorType<KtPositionState>& states);
-  /// Sets all velocities. That they fit the system is the caller's matter.
+  /// Sets all velocities. The caller must pass velocities that fit the system.
   virtual void setVelocityStates(const KtXmlVectorType<KtVelocityState>& states);
 
-  // Propagation: one step, from the time of a state to another one. The velocities are advanced
-  // first, by the accelerations that the active state holds, and the positions then by the new
+  // Propagation: one step from the time of a state to another time. It first advances the
+  // velocities with the accelerations of the active state, and then the positions with the new
   // velocities.
 
-  /// `propagateTo` on the own state.
+  /// `propagateTo` for this object's state.
   virtual bool propagateSelfTo(double time, KtSystemActiveState* activeState);
   /// `propagateTo` on the own state; a null active state takes one that this object keeps.
   virtual bool propagateSelfTo(double time, ResultVector& results,
@@ -146,28 +146,28 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual bool propagateSelfTo(double time, ResultVector& results, KtSystemActiveState* activeState,
                                KtU32 collisionCheckMode, const KtReal& reservedFactor,
                                const KtU32& boundingVolumeLevel, const KtReal& collisionTolerance);
-  /// The full form without a collision check; its results are lost. A null active state takes one
-  /// that this object keeps.
+  /// The full form without a collision check and without results. If the active state is null, this
+  /// object uses one of its own.
   virtual bool propagateTo(double time, KtManipulatorSystemState& state,
                            KtSystemActiveState* activeState) const;
   /// The full form without a collision check.
   virtual bool propagateTo(double time, KtManipulatorSystemState& state, ResultVector& results,
                            KtSystemActiveState& activeState) const;
-  /// Advances a state to a time, in one step. Joints stop at their limits, attached manipulators
-  /// follow their parents, those that collide take back their positions, and so do those of which a
-  /// stopping criterion is satisfied. Velocities and time stay advanced in any case.
+  /// Advances a state to a time in one step. Joints stop at their limits, and attached manipulators
+  /// follow their parents. If a manipulator collides or satisfies a stopping criterion, its
+  /// positions return to those before the step. Velocities and time are advanced in any case.
   ///
-  /// @param time                 the target, s; it may lie before the state's
+  /// @param time                 the target time, s; may be before that of the state
   /// @param state                the state; it should fit the system
-  /// @param results              receives one record for each manipulator. Those that are there are
-  ///                             not reset.
-  /// @param activeState          gives the accelerations; a collision check sets its state
-  /// @param collisionCheckMode   1: in a collision all manipulators take back their positions; 2:
-  ///                             those that collide do; else none is looked for
-  /// @param reservedFactor       without effect; 1
-  /// @param boundingVolumeLevel  of the bounding volumes that are checked for collision
-  /// @param collisionTolerance   the distance from which on links collide, m
-  /// @return                     true; what happened the results say
+  /// @param results              receives one record for each manipulator. Existing records are not
+  ///                             reset.
+  /// @param activeState          has the accelerations; a collision check sets its state
+  /// @param collisionCheckMode   1: a collision resets the positions of all manipulators; 2: only
+  ///                             those of the colliding ones; other values: no collision check
+  /// @param reservedFactor       no effect; pass 1
+  /// @param boundingVolumeLevel  the level of the bounding volumes that are checked for collision
+  /// @param collisionTolerance   links collide if their distance is at most this, m
+  /// @return                     always true; the results say what happened
   virtual bool propagateTo(double time, KtManipulatorSystemState& state, ResultVector& results,
                            KtSystemActiveState& activeState, KtU32 collisionCheckMode,
                            const KtReal& reservedFactor, const KtU32& boundingVolumeLevel,
@@ -183,43 +183,43 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual void propagateSingleVelocityStateBy(KtU32 index, const KtAccelerationState& acceleration,
                                               double dt, KtVelocityState& velocity) const;
 
-  /// Makes the state one that fits the system: all joint positions 1e-9, at rest, at time 0.
+  /// Resets the state to the size of the system: joint positions 1e-9, at rest, at time 0.
   virtual void addCompatibleState();
-  /// Makes the state one that fits the system, with all joints halfway between the limits of their
-  /// actuators, at rest, at time 0 and with all bases at the identity. A joint without finite
-  /// limits gets what the mean of those gives.
+  /// Resets the state to the size of the system: all joints halfway between the limits of their
+  /// actuators, at rest, at time 0, all bases at the identity. The position is the mean of the two
+  /// limits even if they are not finite.
   virtual void setToMidpointState();
-  /// See `KtManipulatorSystem::rightSizeState`. The own state is not touched.
+  /// See `KtManipulatorSystem::rightSizeState`. This object's own state doesn't change.
   virtual void rightSizeState(KtManipulatorSystemState& state) const;
-  /// See `KtManipulatorSystem::absoluteBoundingSphere`, for the own state.
+  /// See `KtManipulatorSystem::absoluteBoundingSphere`; uses this object's state.
   virtual KtSphere absoluteBoundingSphere() const;
-  /// Gives a shape a map of surfaces; false if there is no such shape.
+  /// Sets the surfaces of a shape; false if there is no such shape.
   virtual bool setSurfacesByKey(const KtShapeStateCacheKey& key, const KtSurfaceMap& surfaces);
-  /// Shapes that changed since the display looked last.
+  /// Keys of the shapes that changed since the display was last updated.
   virtual const ShapeKeyVector& modifiedShapeKeyVec() const;
   /// The same, to be changed.
   virtual ShapeKeyVector& modifiedShapeKeyVec();
   /// Sets what `modifiedShapeKeyVec()` answers.
   virtual void setModifiedShapeKeyVec(const ShapeKeyVector& keys);
-  /// Adds a shape to those that changed, once; the key of no shape is passed over.
+  /// Adds a shape to those that changed, unless it is among them. Ignores keys without a shape.
   virtual void addModifiedShapeKeyVec(const KtShapeStateCacheKey& key);
-  /// Whether the display shows the system transparent.
+  /// Whether the display shows the system as transparent.
   virtual bool isTransparentDisplay() const;
   /// Sets what `isTransparentDisplay()` answers.
   virtual void setIsTransparentDisplay(bool value) const;
-  /// Is to find where a line segment meets the system. It does nothing yet, as does
+  /// Will intersect a line segment with the system. It does nothing yet, nor does
   /// `KtIndividualManipulator::intersectLineSegmentWithManipulator`.
   ///
   /// @param segment      in system axes
-  /// @param event        is to receive the data of the last manipulator tried, and the index of
-  ///                     the one that is met first
+  /// @param event        will receive the data of the last manipulator tried, and the index of
+  ///                     the first one that the segment intersects
   /// @param activeState  the positions; null finds nothing
-  /// @param level        the bounding-volume level of the shapes to be met
+  /// @param level        the bounding-volume level of the shapes to intersect
   virtual void intersectLineSegment(const KtLineSegment& segment, KtSystemPointEvent& event,
                                     KtSystemActiveState* activeState, KtU32 level) const;
-  /// Scales a manipulator by a factor and keeps its pose: positions and velocities of joints that
-  /// are lengths scale with it. Its base stays where it is. A manipulator that stands for another
-  /// scales by itself, not the links that it uses.
+  /// Scales a manipulator by a factor. The positions and velocities of prismatic joints are scaled,
+  /// too; the base stays where it is. If the manipulator references another one, the links that it
+  /// uses are not scaled.
   ///
   /// @return false for a bad index
   virtual bool scaleManipulatorBy(KtU32 index, double factor);
@@ -235,9 +235,9 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   /// Checks the own state for collisions; see `checkForCollisions`.
   virtual bool generateCollisionReport(ResultVector& results, const KtU32& boundingVolumeLevel,
                                        const KtReal& collisionTolerance) const;
-  /// Whether the system was about to change since `resetIsSystemModified`.
+  /// Whether an operation has changed the system since `resetIsSystemModified`.
   virtual bool isSystemModified() const;
-  /// Makes `isSystemModified()` answer false.
+  /// Resets `isSystemModified()` to false.
   virtual void resetIsSystemModified() const;
   /// See `KtManipulatorSystem::truncateValues`; all that share the system see the change.
   virtual void truncateValues(const double& precision);
@@ -250,15 +250,15 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual void changeSpecularAlpha(const KtShapeStateCacheKey& key, const double& alpha);
   /// The same for "ktEmissionAlpha".
   virtual void changeEmissionAlpha(const KtShapeStateCacheKey& key, const double& alpha);
-  /// Shapes that the application has selected.
+  /// Keys of the shapes that the application has selected.
   virtual const ShapeKeyVector& selectedShapeKeyVector() const;
   /// Sets what `selectedShapeKeyVector()` answers.
   virtual void setSelectedShapeKeyVector(const ShapeKeyVector& keys);
-  /// How opaque a transparent display is.
+  /// Opacity of a transparent display.
   virtual double transparencyAlpha() const;
   /// Sets what `transparencyAlpha()` answers.
   virtual void setTransparencyAlpha(double alpha);
-  /// Whether the selection changed since the display looked last.
+  /// Whether the selection changed since the display was last updated.
   virtual bool isSelectionDataChanged() const;
   /// Sets what `isSelectionDataChanged()` answers.
   virtual void setIsSelectionDataChanged(bool value) const;
@@ -272,32 +272,32 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   /// @param index  receives its index; unchanged if there is none
   /// @return       whether there is
   virtual bool lookupManipulatorIndexFromLabel(const std::string& label, KtU32& index) const;
-  /// Makes the positions and velocities as many as there are manipulators: those in excess are
-  /// dropped, those that miss are empty. A repair is reported.
+  /// Resizes the lists of positions and velocities to the number of manipulators: drops excess
+  /// entries and adds empty ones. A repair is reported.
   ///
-  /// @return whether nothing had to change
+  /// @return true if the sizes were right
   virtual bool validateTopLevelDimensions();
-  /// Gives each position and velocity as many joints as its manipulator has. If one is wrong, which
-  /// is reported, all are rebuilt, from the old values as far as they go, and joint positions of
-  /// 1e-9 and velocities of 0 for the rest. To be called behind `validateTopLevelDimensions`.
+  /// Checks that each position and velocity has the number of joints of its manipulator. If one is
+  /// wrong, this is reported and all are rebuilt: existing values are kept, missing positions are
+  /// 1e-9, missing velocities are 0. Call it after `validateTopLevelDimensions`.
   ///
-  /// @return whether nothing had to change
+  /// @return true if the sizes were right
   virtual bool validateLowLevelDimensions();
-  /// Sees to it that there is a system and that it is this object's alone. To be called before the
-  /// system is changed.
+  /// Makes sure that this object has a system and doesn't share it. Call it before changing the
+  /// system.
   virtual void aboutToModifySystem();
-  /// Tells the table of components where the system is now.
+  /// Updates the address of the system in the table of components.
   virtual void reregisterSystem();
-  /// A new empty system, for derived classes to make one of theirs; the caller owns it.
+  /// Creates an empty system, which the caller owns. Derived classes override it.
   virtual KtManipulatorSystem* newManipulatorSystem() const;
   /// Checks every manipulator for collision with itself and the others.
   ///
   /// @param activeState          the positions; may be filled further
   /// @param reservedFactor       without effect
   /// @param boundingVolumeLevel  of the bounding volumes that are checked
-  /// @param collisionTolerance   the distance from which on links collide, m
+  /// @param collisionTolerance   links collide if their distance is at most this, m
   /// @param results              receives for each manipulator whether and with what it collides
-  /// @return                     whether any does
+  /// @return                     true if any manipulator collides
   virtual bool checkForCollisions(KtSystemActiveState& activeState, const KtReal& reservedFactor,
                                   const KtU32& boundingVolumeLevel,
                                   const KtReal& collisionTolerance, ResultVector& results) const;
@@ -305,7 +305,7 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   /// The shape of a key, or null.
   const KtShape* shapeByKey(const KtShapeStateCacheKey& key) const;
 
-  /// Whether any manipulator is attached to a link, so that links have to be asked for that.
+  /// Whether any manipulator is attached to a link.
   bool hasAttachments() const;
 
   /// Equality of system, state, lists of shapes and display values.
@@ -314,11 +314,11 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   static const KtToken& classToken() { return KtManip::KtStatedSystemToken; }
 
  private:
-  // What a step works with.
+  // Work arrays of a step.
   struct PropagationScratch {
-    KtXmlVectorType<KtPositionState> savedPositions;  // of before the step
+    KtXmlVectorType<KtPositionState> savedPositions;  // before the step
     ResultVector results;                             // of collision checks
-    ResultVector defaultResults;                      // where the caller wants none
+    ResultVector defaultResults;                      // if the caller passes none
     KtManipulatorActiveState parentState;             // of attachments
     KtString linkLabel;
   };
