@@ -1,4 +1,4 @@
-// Where attached manipulators stand and how they move.
+// Poses and motions of attached manipulators.
 #include <algorithm>
 
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"

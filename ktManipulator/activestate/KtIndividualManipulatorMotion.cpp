@@ -1,4 +1,4 @@
-// Frames, velocities, accelerations and forces of the base, and what they say of the whole.
+// Frames, velocities, accelerations and forces of the base and of the whole manipulator.
 #include "ktManipulator/activestate/KtLinkQuery.h"
 #include "ktManipulator/activestate/KtManipulatorActiveState.h"
 #include "ktManipulator/foundation/geometry/KtPlane.h"
@@ -69,8 +69,8 @@ KtVector KtIndividualManipulator::getCenterOfMassInSystem(
 
 namespace {
 
-// The point of the plane about which the force and the moment, given about the plane's point, have
-// no moment along the plane; unchanged where the force does not cross the plane.
+// The point of the plane about which a force and a moment have no moment along the plane. The
+// moment is given about the plane's own point. No change if the force doesn't cross the plane.
 void moveToZeroMoment(const KtPlane& plane, const KtVector& force, const KtVector& moment,
                       KtVector& point) {
   const double across = force.dot(plane.normalVector());

@@ -73,9 +73,9 @@ void KtJacobianState::calculateNullSpaceAndJacobianLU() {
   }
   const KtU32 rows = jacobian_.rows();
   const KtU32 size = std::max(rows, jacobian_.columns());
-  // A square array serves Jacobians of either orientation. The rows below the Jacobian are not
-  // looked at, so they need no zeros; nor do the columns beside it once they have them, which
-  // factoring leaves as they are.
+  // A square array fits wide and tall Jacobians. The rows below the Jacobian are not read, so they
+  // need no zeros. The columns beside it need zeros only the first time, because factoring doesn't
+  // change them.
   if (jacobianLU_.rows() != size || jacobianLU_.columns() != size) {
     jacobianLU_.setToZeros(size, size);
   }

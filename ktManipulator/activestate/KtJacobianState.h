@@ -6,20 +6,20 @@
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/foundation/matrix/KtReArray.h"
 
-/// A manipulator's Jacobian, which the caller computes, and what follows from it: its null space
-/// and its triangular factors, computed when first asked for.
+/// A manipulator's Jacobian, which the caller computes, together with its null space and its
+/// triangular factors, which this object computes on first use.
 ///
-/// An array means nothing unless its flag is set. All flags are false and all arrays empty by
-/// default. An accessor of an invalid array reports that, where it can't compute the array, and
-/// answers what the array holds.
+/// The contents of an array are undefined unless its flag is set. By default all flags are false
+/// and all arrays empty. If an array is invalid and can't be computed, its accessor reports that
+/// and returns the array as it is.
 ///
-/// A caller that writes the Jacobian through a reference asks `jacobianReferenceToSet` for it each
-/// time, since only that makes the null space and the factors invalid. One object serves Jacobians
-/// of any shapes with at least as many columns as rows, or of one taller shape: the array that they
-/// are factored in is kept, and the columns that pad a taller one to a square must not hold what an
-/// earlier one of another shape left there.
+/// To write the Jacobian through a reference, call `jacobianReferenceToSet` each time: only this
+/// call invalidates the null space and the factors. Use one object either for Jacobians of any
+/// shapes with at least as many columns as rows, or for taller Jacobians of a single shape. The
+/// array for the factors is reused, and the columns that pad a taller Jacobian to a square must not
+/// have values that a Jacobian of another shape left there.
 ///
-/// Not for more than one thread at a time: `nullSpace`, `jacobianLU` and `indices` compute.
+/// Only one thread at a time may use it: `nullSpace`, `jacobianLU` and `indices` compute.
 class KT_EXPORT KtJacobianState {
  public:
   virtual ~KtJacobianState() = default;

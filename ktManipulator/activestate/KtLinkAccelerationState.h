@@ -3,14 +3,14 @@
 #include "ktManipulator/activestate/KtLinkMotions.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 
-/// How one link accelerates: an entry of a `KtManipulatorActiveAccelerationState`. Accelerations
-/// are in m/s^2 and rad/s^2, rates of momenta in N and N m.
+/// The accelerations of one link: an entry of a `KtManipulatorActiveAccelerationState`.
+/// Accelerations are in m/s^2 and rad/s^2, rates of momenta in N and N m.
 ///
 /// The accelerations are those of points, not spatial ones: the linear part is the second
-/// derivative of the place of the frame's origin. A motion means nothing unless its flag is set.
-/// All flags are false and all motions zero by default. Entries stand by value in lists that the
-/// innermost loops walk over, so none of the operations is virtual. Equality is that of what files
-/// hold, the first three motions.
+/// derivative of the frame origin's position. A motion is undefined unless its flag is set.
+/// All flags are false and all motions zero by default. Entries are stored by value in lists that
+/// the innermost loops read, so no operation is virtual. Equality compares what files hold, the
+/// first three motions.
 class KT_EXPORT KtLinkAccelerationState : public Kt::detail::LinkMotions<KtLinkAccelerationState> {
  public:
   void registerComponents() override;

@@ -11,9 +11,9 @@
 
 /// The articulated dynamics of one link: an entry of a `KtManipulatorActiveArticulationState`.
 ///
-/// A value means nothing unless its flag is set. All flags are false and all values zero by
-/// default. Entries stand by value in lists that the innermost loops walk over, so none of the
-/// operations is virtual.
+/// A value is undefined unless its flag is set. All flags are false and all values zero by
+/// default. Entries are stored by value in lists that the innermost loops read, so no operation is
+/// virtual.
 class KT_EXPORT KtLinkArticulationState
     : public KtXmlPersistent<KtLinkArticulationState, KtXmlCompoundType> {
  public:

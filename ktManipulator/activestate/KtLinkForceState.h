@@ -10,9 +10,9 @@
 
 /// The forces on one link: an entry of a `KtManipulatorActiveForceState`.
 ///
-/// The force means nothing unless its flag is set. By default it is zero and invalid. Entries stand
-/// by value in lists that the innermost loops walk over, so none of the operations is virtual.
-/// Equality is that of what files hold; the description of the external force is not in them.
+/// The force is undefined unless its flag is set. By default it is zero and invalid. Entries are
+/// stored by value in lists that the innermost loops read, so no operation is virtual. Equality
+/// compares what files hold, which excludes the description of the external force.
 class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXmlCompoundType> {
  public:
   /// Reads the force and its valid flag; the description gets invalid. See `KtXmlObject::read`.

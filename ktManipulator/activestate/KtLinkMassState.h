@@ -9,8 +9,8 @@
 
 /// The composite inertia of one link: an entry of a `KtManipulatorActiveMassState`.
 ///
-/// The inertia means nothing unless its flag is set, which it is not by default. Entries stand by
-/// value in lists that the innermost loops walk over, so none of the operations is virtual.
+/// The inertia is undefined unless its flag is set; it is not set by default. Entries are stored by
+/// value in lists that the innermost loops read, so no operation is virtual.
 class KT_EXPORT KtLinkMassState : public KtXmlPersistent<KtLinkMassState, KtXmlCompoundType> {
  public:
   void registerComponents() override;

@@ -8,11 +8,11 @@
 #include "ktManipulator/foundation/xml/KtXmlCompoundType.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 
-/// Where one link is: an entry of a `KtManipulatorActivePositionState`.
+/// The frames of one link: an entry of a `KtManipulatorActivePositionState`.
 ///
-/// A frame means nothing unless its flag is set. All flags are false and all frames the identity by
-/// default. Entries stand by value in lists that the innermost loops walk over, so none of the
-/// operations is virtual. Equality is that of what files hold; the joint transform is not in them.
+/// A frame is undefined unless its flag is set. All flags are false and all frames the identity by
+/// default. Entries are stored by value in lists that the innermost loops read, so no operation is
+/// virtual. Equality compares what files hold, which excludes the joint transform.
 class KT_EXPORT KtLinkPositionState
     : public KtXmlPersistent<KtLinkPositionState, KtXmlCompoundType> {
  public:

@@ -3,12 +3,12 @@
 #include "ktManipulator/activestate/KtLinkMotions.h"
 #include "ktManipulator/foundation/containers/KtXmlVectorType.h"
 
-/// How one link moves: an entry of a `KtManipulatorActiveVelocityState`. Velocities are in m/s and
-/// rad/s, momenta in N s and N m s.
+/// The velocities of one link: an entry of a `KtManipulatorActiveVelocityState`. Velocities are in
+/// m/s and rad/s, momenta in N s and N m s.
 ///
-/// A motion means nothing unless its flag is set. All flags are false and all motions zero by
-/// default. Entries stand by value in lists that the innermost loops walk over, so none of the
-/// operations is virtual. Equality is that of what files hold, the first three motions.
+/// A motion is undefined unless its flag is set. All flags are false and all motions zero by
+/// default. Entries are stored by value in lists that the innermost loops read, so no operation is
+/// virtual. Equality compares what files hold, the first three motions.
 class KT_EXPORT KtLinkVelocityState : public Kt::detail::LinkMotions<KtLinkVelocityState> {
  public:
   void registerComponents() override;

@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/state/KtAccelerationState.h"
 
-/// The accelerations of one manipulator, and how its links accelerate as far as that was asked for.
+/// The accelerations of one manipulator, and a cache of the accelerations of its links.
 ///
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked. The joints'

@@ -4,7 +4,7 @@
 #include "ktManipulator/activestate/KtLinkEntries.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 
-/// The articulated dynamics of the links of one manipulator as far as they were asked for.
+/// A cache of the articulated dynamics of the links of one manipulator.
 ///
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.

@@ -4,7 +4,7 @@
 #include "ktManipulator/activestate/KtLinkForceState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 
-/// The forces on the links of one manipulator as far as they were asked for.
+/// A cache of the forces on the links of one manipulator.
 ///
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked, but for those of

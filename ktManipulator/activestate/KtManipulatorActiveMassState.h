@@ -4,8 +4,8 @@
 #include "ktManipulator/activestate/KtLinkMassState.h"
 #include "ktManipulator/foundation/core/KtTypes.h"
 
-/// The composite inertias of the links of one manipulator as far as they were asked for. They
-/// follow from the positions alone.
+/// A cache of the composite inertias of the links of one manipulator. They depend on the positions
+/// alone.
 ///
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.

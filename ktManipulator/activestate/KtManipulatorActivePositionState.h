@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/state/KtPositionState.h"
 
-/// The positions of one manipulator, and where its links are as far as that was asked for.
+/// The positions of one manipulator, and a cache of the frames of its links.
 ///
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.

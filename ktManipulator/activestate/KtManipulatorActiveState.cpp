@@ -31,7 +31,7 @@ bool KtManipulatorActiveState::setPositionState(const KtPositionState& state) {
   activeArticulationState_.invalidateAll();
   activeArticulationState_.resize(joints);
   if (activeAccelerationState_.size() != joints) {
-    activeAccelerationState_.resize(joints);  // makes its entries invalid
+    activeAccelerationState_.resize(joints);  // invalidates its entries
     accelerationClean_ = true;
   }
   if (activeForceState_.size() != joints) {

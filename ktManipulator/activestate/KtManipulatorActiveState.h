@@ -9,10 +9,10 @@
 #include "ktManipulator/actuation/KtActuatorState.h"
 #include "ktManipulator/foundation/core/KtCacheFlag.h"
 
-/// The positions and velocities of one manipulator, with all that was computed from them so far.
+/// The positions and velocities of one manipulator, and a cache of the results computed from them.
 ///
-/// Queries on links are given one and fill it: each cached value has a flag that tells whether it
-/// holds. A setter computes nothing, it only makes invalid what depends on what it sets:
+/// Queries on links take an active state and store their results in it; each cached value has a
+/// flag that tells whether it is valid. Setters compute nothing, but invalidate dependent values:
 ///
 /// | Setter               | position | velocity | mass | acceleration | force | articulation |
 /// |----------------------|----------|----------|------|--------------|-------|--------------|
@@ -20,18 +20,18 @@
 /// | `setVelocityState`   | no       | yes      | no   | yes          | yes   | yes          |
 /// | `setAccelerationState` | no     | no       | no   | yes          | yes   | yes          |
 ///
-/// The setters of whole parts (`setActivePositionState` and so on) and what is set through a part
-/// that was handed out make nothing else invalid. What was computed doesn't tell for which
-/// mechanism, external forces, torques, or attached manipulators: whoever changes one of these
-/// calls `invalidateAll`.
+/// The setters of whole parts (`setActivePositionState` and so on), and changes through a reference
+/// to a part, invalidate nothing else. The cache doesn't know the mechanism, external forces,
+/// torques and attached manipulators that its values belong to: call `invalidateAll` after changing
+/// one of these.
 ///
-/// So that a large acceleration or force state that nobody asked for is not walked over at each
-/// step, each of the two has a flag that says that it is clean: not handed out for writing since it
-/// was made invalid. A reference that is written through must not be older than the last setter.
+/// Do not write through a reference obtained before the last setter call. The acceleration and
+/// force states have a flag that says that no reference for writing was obtained since they were
+/// invalidated; setters then skip them, which saves a loop over all links in each step.
 ///
-/// Setters ask for no memory unless the number of joints changes. An active state belongs to one
-/// thread at a time. What a file holds of it serves to look at, not to go on from: some cached
-/// values have no element, though their flags may.
+/// Setters allocate no memory unless the number of joints changes. Only one thread at a time may
+/// use an active state. Files of active states are for inspection only: some cached values are not
+/// written, although their flags may be.
 class KT_EXPORT KtManipulatorActiveState
     : public KtXmlPersistent<KtManipulatorActiveState, KtXmlCompoundType> {
  public:

@@ -5,7 +5,7 @@
 #include "ktManipulator/foundation/core/KtTypes.h"
 #include "ktManipulator/state/KtVelocityState.h"
 
-/// The velocities of one manipulator, and how its links move as far as that was asked for.
+/// The velocities of one manipulator, and a cache of the velocities of its links.
 ///
 /// There is one entry for each link by `linkIndex`, and one for the base, which an operation that
 /// takes an index reaches by `ktBaseIndex`. Other indices are not checked.

@@ -9,18 +9,18 @@
 #include "ktManipulator/state/KtManipulatorExternalForce.h"
 #include "ktManipulator/state/KtManipulatorSystemState.h"
 
-/// The positions and velocities of all manipulators of a system, with all that was computed from
-/// them so far.
+/// The positions and velocities of all manipulators of a system, and a cache of the results
+/// computed from them.
 ///
-/// It belongs to the caller and is passed into queries, so that one mechanism can serve several of
-/// them; it takes its sizes from the first state that it is given. Setters compute nothing: they
-/// make invalid what depends on what they set, and only if that differs from before. Boxes,
-/// distances and collisions of the system depend on positions alone. Its contact forces are kept
-/// until positions change, too: where they depend on velocities, `setGeneralForceValid` tells that
-/// they don't hold any more.
+/// The caller owns it and passes it to queries, so one mechanism can be used with several active
+/// states. It takes its sizes from the first state that is set. Setters compute nothing: they
+/// invalidate the values that depend on the new state, and nothing if the state is the same. Boxes,
+/// distances and collisions of the system depend on positions alone. Contact forces stay valid
+/// until positions change, too; if they depend on velocities, invalidate them with
+/// `setGeneralForceValid`.
 ///
-/// It belongs to one thread at a time, and so does a mechanism that is asked, whichever active
-/// state it is asked with.
+/// Only one thread at a time may use it, and only one thread at a time may use a mechanism, even
+/// with different active states.
 class KT_EXPORT KtSystemActiveState
     : public KtXmlPersistent<KtSystemActiveState, KtXmlCompoundType> {
  public:

@@ -28,7 +28,7 @@ void CompositeColumns::compute(const KtIndividualManipulator& manipulator,
       const KtRigidBodyMassProperties& body = link->crbi(activeState, asker);
       const KtU32 parent =
           link->inboardLink() != nullptr ? link->inboardLink()->mappedIndex() : ktBaseIndex;
-      // Links are numbered behind their parents, unless a table was not mapped anew.
+      // A link has a higher index than its parent, unless the table is outdated.
       if (parent < i) parents_[i] = parent;
       const Frame* inboard = parent < i ? &frames_[parent] : nullptr;
       Frame& frame = frames_[i];
@@ -91,7 +91,7 @@ void CompositeColumns::getMassMatrix(KtReArray& mass) const {
   const double* f = forces_[0];
   double* entries = mass[0];
   const double* motions = motions_[0];
-  // Few joints have rows too short to gain from vectors.
+  // With few joints, rows are too short for vector instructions.
   if (!isDepthFirst_ || n < 16) {
     for (std::size_t j = 0; j < n; ++j) {
       const double f0 = f[j], f1 = f[n + j], f2 = f[2 * n + j];

@@ -160,8 +160,8 @@ KtGeneralForce KtCrbiAccelerationTool::baseForce(const KtIndividualManipulator& 
   return torque.generalForce() - manipulator.dhFrameForceInLocal(external, activeState, asker);
 }
 
-// The constraints ask for A z' + A' z = 0. Their forces A^T lambda are what takes the accelerations
-// of the free mechanism there.
+// The constraints require A z' + A' z = 0. The constraint forces A^T lambda correct the
+// accelerations of the unconstrained mechanism accordingly.
 void KtCrbiAccelerationTool::addConstraintForces(const KtIndividualManipulator& manipulator,
                                                  KtManipulatorActiveState& activeState) {
   const KtStateEqualityConstraintVector& constraints = manipulator.stateEqualityConstraints();

@@ -71,7 +71,8 @@ const KtReArray& KtGravitationalTorqueTool::gravitationalTorqueGradient(
   return gravitationalTorqueGradient(index, stateOrOwn(activeState), asker);
 }
 
-// Turning a joint inboard of the torque's turns gravity under all that its own joint carries.
+// Rotating a joint inboard of the torque's joint rotates gravity relative to all that this joint
+// carries.
 void KtGravitationalTorqueTool::calculateInboardPartialDerivatives(
     KtGeneralForce force, const KtManipulatorLink* link, KtManipulatorActiveState& activeState) {
   for (; link != nullptr && link->linkIndex() != ktBaseIndex; link = link->parentLink()) {
@@ -81,7 +82,7 @@ void KtGravitationalTorqueTool::calculateInboardPartialDerivatives(
   }
 }
 
-// Moving a joint outboard moves what that joint carries.
+// Moving a joint outboard of it moves what that outboard joint carries.
 void KtGravitationalTorqueTool::calculateOutboardPartialDerivatives(
     const KtGeneralMotion& unit, const KtManipulatorLink& link,
     KtManipulatorActiveState& activeState, const KtStatedSystemStruct* asker) {
@@ -94,7 +95,7 @@ void KtGravitationalTorqueTool::calculateOutboardPartialDerivatives(
   }
 }
 
-// A child that was added after the links were mapped has no place in the result.
+// A child that was added after the links were mapped has no entry in the result.
 void KtGravitationalTorqueTool::setDerivative(const KtManipulatorLink& link, const KtVector& turned,
                                               KtManipulatorActiveState& activeState) {
   const KtU32 i = link.linkIndex();

@@ -1,4 +1,4 @@
-// Composite and articulated inertias of a link and its base, and the accelerations that follow.
+// Composite and articulated inertias of links and base, and accelerations computed from them.
 //
 // The recursions are Featherstone's (Rigid Body Dynamics Algorithms, Springer 2008, ch. 6 and 7).
 #include <optional>

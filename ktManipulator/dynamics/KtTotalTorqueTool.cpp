@@ -61,7 +61,7 @@ const KtManipulatorTorque& KtTotalTorqueTool::torques(const KtManipulatorExterna
   return torques(external, state, asker);
 }
 
-// The base's force is linear in its acceleration, so that one correction is exact.
+// The base's force is linear in its acceleration, so one correction is exact.
 const KtManipulatorTorque& KtTotalTorqueTool::torquesNoBaseForce(
     const KtManipulatorExternalForce& external, KtManipulatorActiveState& activeState,
     const KtStatedSystemStruct* asker) {

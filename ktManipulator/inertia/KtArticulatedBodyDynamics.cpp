@@ -7,7 +7,7 @@ void KtArticulatedBodyDynamics::registerComponents() {
   KtXmlCompoundType::registerComponents();
   registerComponent(KtManip::KtInertiaToken, &inertia_);
   registerComponent(KtManip::KtBiasToken, &bias_);
-  // The bias is written under a name that says something else; its own name is read as well.
+  // The bias is written under another name; its own name is accepted when reading.
   registerComponentReadOnly(KtXml::qualifiedToken("bias"), &bias_);
 }
 

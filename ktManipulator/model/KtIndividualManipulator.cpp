@@ -57,7 +57,7 @@ void KtIndividualManipulator::copyOwnFrom(const KtIndividualManipulator& other) 
 }
 
 bool KtIndividualManipulator::read(KtXmlReader& reader) {
-  referenceManipulator_ = this;  // until a system maps what the file says
+  referenceManipulator_ = this;  // until a system resolves the reference
   const bool good = KtManipulatorLink::read(reader);
   mapManipulator();
   mapLinkCollisionCandidates();
@@ -118,15 +118,15 @@ void KtIndividualManipulator::setChildLinks(const KtXmlVectorType<KtManipulatorL
   mapManipulator();
 }
 
-// The new child is entered into the tables and no more: it gets its manipulator and its references
-// by mapManipulator, which programs call after the last one.
+// Only adds the new child to the tables. Programs call mapManipulator after adding the last child;
+// it sets the manipulator and resolves references.
 void KtIndividualManipulator::addChild(const KtManipulatorLink& link) {
   const KtManipulatorLink* first = ownChildLinks().size() > 0 ? &ownChildLinks()[0] : nullptr;
   KtManipulatorLink::addChild(link);
   auto& children = ownChildLinks();
   const bool moved = first != nullptr && first != &children[0];
   if (moved) {
-    // No entry of the tables holds any more.
+    // All entries of the tables are dangling now.
     linkTable_.clear();
     labelTable_.clear();
   }
@@ -148,7 +148,7 @@ void KtIndividualManipulator::clearChildLinks() {
 }
 
 void KtIndividualManipulator::addLinkToEndOfChain(const KtManipulatorLink& link) {
-  // Not through addChild, which would map twice.
+  // addChild is not used here because it would map twice.
   if (ownChildLinks().size() > 0) {
     ownChildLinks()[0].addLinkToEndOfChain(link);
   } else {
@@ -247,8 +247,8 @@ bool KtIndividualManipulator::makeIndicesCompatible(KtU32& index1, KtU32& index2
 
 // References
 
-// Labels from a file may lead in a circle, or along a chain that recursion had better not follow.
-// Only pointers to manipulators of the list are followed: others may lead to what is gone.
+// References from a file may form a cycle or a chain that is too long for recursion. Only pointers
+// to manipulators of the list are followed; others may be dangling.
 bool KtIndividualManipulator::configureManipulatorReference(
     const KtXmlVectorType<KtIndividualManipulator>& manipulators) {
   constexpr int kMostSteps = 1000;
@@ -281,7 +281,7 @@ bool KtIndividualManipulator::configureManipulatorReference(
     }
     return false;
   }
-  // The manipulators are the system's, which may change them.
+  // The system owns the manipulators and may change them.
   auto* own = const_cast<KtIndividualManipulator*>(
       target);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   referenceManipulator_ = own;
@@ -331,7 +331,7 @@ bool KtIndividualManipulator::replaceLinkAndChildren(const std::string& label,
         "KtIndividualManipulator::replaceLinkAndChildren(): unexpected NULL pointer for link %s.\n",
         label.c_str());
   } else {
-    // The subtree stays where it stands, wherever the new one came from.
+    // The subtree keeps its parent and position, wherever the new links came from.
     KtManipulatorLink* parent = target->parentLink();
     target->KtManipulatorLink::operator=(link);
     target->setParentLink(parent);
@@ -397,7 +397,7 @@ bool KtIndividualManipulator::transformPrimaryFrame(const std::string& label,
 
 bool KtIndividualManipulator::transformAllPrimaryFramesToIdentity() {
   const KtCoordinateSystemTransformation identity;
-  // A reference may have been made, or its target moved, since the last mapping.
+  // A reference may have been added, or its target moved, since the last mapping.
   if (!isReference()) setLinkReferences(labelTable_);
   std::map<const KtManipulatorLink*, KtCoordinateSystemTransformation> framesBefore;
   std::map<const KtShapeContainer*, KtCoordinateSystemTransformation> moved;
@@ -415,7 +415,7 @@ bool KtIndividualManipulator::transformAllPrimaryFramesToIdentity() {
     const KtShapeContainer* const used = &link->shapeContainer();
     if (link->linkReferenceDescription().isShapeReferenced()) {
       const KtManipulatorLink* target = targetOf(*link);
-      // Where a circle of references ends at the link itself, its shapes are its own.
+      // If a cycle of references ends at the link itself, it uses its own shapes.
       const bool shares = used != &link->memberShapeContainer();
       const auto before = framesBefore.find(target);
       if (shares && frame == target->primaryFrame() && !leadsNowhere(*target) &&
@@ -427,8 +427,8 @@ bool KtIndividualManipulator::transformAllPrimaryFramesToIdentity() {
         continue;
       }
       if (shares) link->removeLinkReferences();
-      // The shapes of a link that this walk has come by, at the end of a chain of references too,
-      // stand in its DH frame by now.
+      // The shapes of a link that was visited before, even at the end of a chain of references,
+      // are in its DH frame already.
       if (const auto done = moved.find(used); shares && done != moved.end()) {
         KtShapeContainer shapes = link->memberShapeContainer();
         shapes.transformBy(done->second.inverse());

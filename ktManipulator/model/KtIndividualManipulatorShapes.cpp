@@ -46,7 +46,7 @@ bool KtIndividualManipulator::setSurfacesByIDs(KtU32 linkIndex, KtU32 shapeIndex
 void KtIndividualManipulator::truncateValues(const double& precision) {
   for (const KtManipulatorLink* link : linkTable_) {
     if (link == nullptr) continue;
-    // The table gives links to be read; they are this manipulator's all the same.
+    // The table has const pointers, but this manipulator owns the links.
     const_cast<KtManipulatorLink*>(link)  // NOLINT(cppcoreguidelines-pro-type-const-cast)
         ->truncateValues(precision);
   }
@@ -60,7 +60,7 @@ void KtIndividualManipulator::addBoundingVolumesToLinks(KtShape::KtShapeValues t
     if (shape == nullptr) continue;
     if (type == KtShape::kBox) {
       while (shape != nullptr && shape->shapeType() != type) shape = shape->outerBoundingVolume();
-      if (shape != nullptr) continue;  // it has a box already
+      if (shape != nullptr) continue;  // the shape already has a box
     }
     const_cast<KtManipulatorLink*>(found)  // NOLINT(cppcoreguidelines-pro-type-const-cast)
         ->addBoundingVolume(type);

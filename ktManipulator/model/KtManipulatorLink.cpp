@@ -33,8 +33,8 @@ KtManipulatorLink::KtManipulatorLink(const KtManipulatorLink& other) : KtXmlPers
 
 KtManipulatorLink& KtManipulatorLink::operator=(const KtManipulatorLink& other) {
   if (this == &other) return *this;
-  // The other may stand in a subtree that the assignment is about to remove.
-  // Moving the list in leaves the children where they are, and copies the subtree only once.
+  // The other link may be in the subtree that the assignment removes, so its children are copied
+  // first. Moving the new list in doesn't copy them again and keeps their addresses.
   KtXmlVectorType<KtManipulatorLink> children = other.childLinks_;
   copyAllButChildLinksFrom(other);
   childLinks_ = std::move(children);
@@ -80,7 +80,7 @@ void KtManipulatorLink::copyOwnFrom(const KtManipulatorLink& other) {
   forgetShapeTables();
 }
 
-// What points at this link, or out of it, after its members were replaced.
+// Updates the pointers to and from this link after its members were replaced.
 void KtManipulatorLink::rebind() {
   mapShapes();
   jointActuator_.setManipulatorLink(this);
@@ -88,7 +88,7 @@ void KtManipulatorLink::rebind() {
 }
 
 bool KtManipulatorLink::read(KtXmlReader& reader) {
-  // The shapes are about to go, and what was referenced is not what the file says.
+  // Reading replaces the shapes and the references.
   forgetShapeTables();
   referenceLink_ = this;
   const bool good = KtXmlCompoundType::read(reader);
@@ -96,7 +96,7 @@ bool KtManipulatorLink::read(KtXmlReader& reader) {
   adoptChildren();
   updateMassProperties();
   updateDHMassProperties();
-  // The old form stays, and is taken over again by the next read into this link.
+  // The old form stays; the next read into this link converts it again.
   if (!(oldJointActuator_ == KtOldJointActuator::nullObject())) {
     jointActuator_.setFromOldJointActuator(oldJointActuator_);
   }
@@ -195,7 +195,7 @@ const KtXmlVectorType<KtManipulatorLink>& KtManipulatorLink::childLinks() const 
 
 void KtManipulatorLink::setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links) {
   if (&links != &childLinks_) {
-    // The links may stand below one of those that go.
+    // The links may be below one of those that are removed.
     KtXmlVectorType<KtManipulatorLink> copy = links;
     childLinks_ = std::move(copy);
   }
@@ -219,7 +219,7 @@ void KtManipulatorLink::addLinkToEndOfChain(const KtManipulatorLink& link) {
   }
 }
 
-// All of them: the list may have moved them.
+// Updates all children, because the list may have moved them.
 void KtManipulatorLink::adoptChildren() {
   for (KtManipulatorLink& child : childLinks_.elements()) child.setParentLink(this);
 }
@@ -268,8 +268,8 @@ void KtManipulatorLink::setManipulatorPointer(const KtIndividualManipulator* man
   manipulator_ = manipulator;
 }
 
-// A reference may lead to a reference, and labels from a file may lead in a circle, which is found
-// here once and for all: by the labels, since pointers of links that are resolved later are stale.
+// A reference may lead to another reference, and references from a file may form a cycle, which is
+// detected here. It follows labels, because pointers of links that are resolved later are stale.
 bool KtManipulatorLink::setLinkReferences(const LabelTable& labels) {
   constexpr int kMostSteps = 1000;
   referenceLink_ = this;
@@ -321,7 +321,7 @@ bool KtManipulatorLink::useReferencesWherePossible(const LinkTable& links) {
     linkReferenceDescription_.setIsShapeReferenced(true);
     memberShapeContainer_ = KtShapeContainer();
     forgetShapeTables();
-    // The table gives links to be read; they are the manipulator's all the same.
+    // The table has const pointers, but the manipulator owns the links.
     referenceLink_ =
         const_cast<KtManipulatorLink*>(  // NOLINT(cppcoreguidelines-pro-type-const-cast)
             candidate);

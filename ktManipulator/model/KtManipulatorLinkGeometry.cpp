@@ -1,4 +1,4 @@
-// Named points and frames of a link, and how a link is scaled, moved and replaced.
+// Named points and frames of a link; scaling, moving and replacing a link.
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 
@@ -64,9 +64,9 @@ void KtManipulatorLink::scaleBy(double factor) {
 }
 
 // Shapes, base mass, primary frame, mass in the DH frame, joint model and actuator, in this order.
-// A joint model scales its own lengths and leaves the primary frame to its link: that is scaled
-// here, or the body would not stay at its place in the larger link. The total mass is left as it
-// was: the mass in the DH frame is that total in the primary frame as it has just been scaled.
+// A joint model scales its own lengths but not the primary frame. The link scales it here, so that
+// the body keeps its relative position. The total mass doesn't change; the mass in the DH frame is
+// that total mass in the scaled primary frame.
 void KtManipulatorLink::scaleIndividualLinkBy(double factor) {
   memberShapeContainer_.scaleBy(factor);
   baseMassProperties_.scaleBy(factor);
@@ -92,8 +92,8 @@ void KtManipulatorLink::transformComponentsBy(KtCoordinateSystemTransformation t
 }
 
 bool KtManipulatorLink::transformPrimaryFrame(const KtCoordinateSystemTransformation& frame) {
-  // The total mass stays as it was, and so the mass in the DH frame is that one in the new frame
-  // until updateMassProperties and updateDHMassProperties: programs rely on the order.
+  // The total mass doesn't change, so the mass in the DH frame stays outdated until
+  // updateMassProperties and updateDHMassProperties are called: programs rely on the order.
   transformComponentsBy(frame.inverse() * primaryFrame());
   setPrimaryFrame(frame);
   return true;
@@ -129,10 +129,10 @@ bool KtManipulatorLink::replaceLinkProperties(const std::string& label,
   setNamedFrames(source.namedFrames());
   upperLimitContainer_ = source.upperLimitContainer_;
   lowerLimitContainer_ = source.lowerLimitContainer_;
-  // The default constraints are made for this link's own place in the state.
+  // The default constraints depend on this link's own index in the state.
   updateDefaultLimitConstraints();
   if (!withShape) return true;
-  // Found first: the source may be this link, or use its shapes.
+  // Find them first: the source may be this link, or use its shapes.
   const KtShapeContainer& shapes = source.shapeContainer();
   linkReferenceDescription_.setIsShapeReferenced(false);
   referenceLink_ = this;

@@ -8,7 +8,7 @@ const KtJointActuator& KtManipulatorLink::jointActuator() const {
 
 void KtManipulatorLink::setJointActuator(const KtJointActuator& actuator) {
   jointActuator_ = actuator;
-  jointActuator_.setManipulatorLink(this);  // the assignment took over the other's
+  jointActuator_.setManipulatorLink(this);  // the assignment copied the other's pointer
   updateDefaultLimitConstraints();
 }
 
@@ -78,7 +78,7 @@ void KtManipulatorLink::setLowerLimitConstraint(const KtBaseStateConstraint& con
   lowerLimitContainer_.setTopElement(constraint);
 }
 
-// Those that were never asked for are made when they are.
+// Constraints that were never used are created on first use.
 void KtManipulatorLink::updateDefaultLimitConstraints() {
   LimitConstraint* upper = defaultUpperLimit_.get();
   if (upper != nullptr && upper->made && upperLimitContainer_.topElement() == nullptr) {

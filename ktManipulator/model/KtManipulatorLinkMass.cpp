@@ -1,4 +1,4 @@
-// The mass properties of a link, by themselves and with what is attached to it.
+// The mass properties of a link, without and with attached manipulators.
 #include "ktManipulator/foundation/core/KtPrint.h"
 #include "ktManipulator/model/KtIndividualManipulator.h"
 #include "ktManipulator/model/KtManipulatorSystem.h"

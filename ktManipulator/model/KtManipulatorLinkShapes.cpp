@@ -10,7 +10,7 @@ void report(const char* message) {
   Kt::Print::instance().write(Kt::Print::kError, "%s", message);
 }
 
-// A link's tables give shapes to be read; the shapes are the link's own all the same.
+// The tables of a link have const pointers, but the link owns the shapes.
 KtShape* own(const KtShape* shape) {
   return const_cast<KtShape*>(shape);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
@@ -121,7 +121,7 @@ void KtManipulatorLink::boundingVolumes(KtShape::ShapeVector& volumes, const KtU
   if (shape != nullptr) shape->boundingVolumes(volumes, level);
 }
 
-// The volumes that go, or come, are numbered: the tables must not outlive them.
+// Bounding volumes are numbered, too, so adding or removing one invalidates the tables.
 bool KtManipulatorLink::addBoundingVolume(KtShape::KtShapeValues type) {
   const bool added = memberShapeContainer_.addBoundingVolume(type);
   if (added) mapShapes();
@@ -129,7 +129,7 @@ bool KtManipulatorLink::addBoundingVolume(KtShape::KtShapeValues type) {
 }
 
 void KtManipulatorLink::deleteBoundingVolumes() {
-  forgetShapeTables();  // which mapShapes doesn't where the link references other shapes
+  forgetShapeTables();  // mapShapes doesn't do it if the link references other shapes
   memberShapeContainer_.deleteBoundingVolumes();
   mapShapes();
 }
@@ -177,7 +177,7 @@ void KtManipulatorLink::truncateValues(const double& precision) {
     auto* extent = dynamic_cast<KtBasePhysicalExtent*>(own(getNthNonBoundingShape(i)));
     if (extent != nullptr) extent->truncateValues(precision);
   }
-  // Bounding volumes were fitted anew, to shapes that may be those of a referenced link.
+  // Bounding volumes were recomputed, maybe for the shapes of a referenced link.
   KtManipulatorLink* owner = this;
   while (owner->referenceLink_ != owner) owner = owner->referenceLink_;
   owner->forgetShapeTables();

@@ -97,7 +97,7 @@ void KtManipulatorSystem::addManipulator(const KtIndividualManipulator& manipula
 }
 
 void KtManipulatorSystem::setFromIndividualManipulator(const KtIndividualManipulator& manipulator) {
-  // The new list first: the manipulator may be one of the old.
+  // Build the new list first: the manipulator may be in the old one.
   manipulators_ = ManipulatorVector(1, manipulator);
   linkInteractionsVector_.clear();
   mapAll();
@@ -165,7 +165,7 @@ bool KtManipulatorSystem::mergeWith(const KtManipulatorSystem& other) {
   return true;
 }
 
-// What surrounds them
+// Environment and interactions
 
 const KtSystemEnvironment& KtManipulatorSystem::environment() const {
   return environment_;
@@ -307,7 +307,7 @@ void KtManipulatorSystem::getNumberOfShapes(
 bool KtManipulatorSystem::getCraigDhParameters(std::vector<std::vector<double>>& parameters) const {
   parameters.clear();
   for (const KtIndividualManipulator& original : manipulators_.elements()) {
-    // A copy has links of its own alone, and numbers them anew.
+    // A copy has only links of its own, and renumbers them.
     const KtIndividualManipulator manipulator(original);
     for (KtU32 i = 0; i < manipulator.jointDof(); ++i) {
       std::vector<double>& row = parameters.emplace_back();

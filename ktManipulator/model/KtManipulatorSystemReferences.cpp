@@ -33,14 +33,14 @@ bool KtManipulatorSystem::aboutToModifyManipulator(KtU32 index) {
                                 index);
     return false;
   }
-  // In this order: whoever stands for this manipulator takes over what it stands for itself.
+  // In this order: manipulators that reference this one get its own reference.
   handLinksOn(index);
   if (isReference(manipulators_[index])) resolveReference(index);
   mapAll();
   return true;
 }
 
-// Gives those that stand for a manipulator another one to stand for.
+// Redirects references from one manipulator to another.
 void KtManipulatorSystem::handLinksOn(KtU32 index) {
   const KtString label = manipulators_[index].label();
   std::vector<KtU32> referrers;
@@ -72,7 +72,7 @@ void KtManipulatorSystem::handLinksOn(KtU32 index) {
   }
 }
 
-// Gives a manipulator that stands for another a copy of the links.
+// Gives a manipulator with a reference its own copy of the links.
 void KtManipulatorSystem::resolveReference(KtU32 index) {
   KtString target =
       manipulators_[index].manipulatorReferenceDescription().referencedManipulatorLabel();
@@ -94,7 +94,7 @@ void KtManipulatorSystem::resolveReference(KtU32 index) {
                               target.c_str());
 }
 
-// Makes a manipulator a copy of another in all but the label.
+// Makes a manipulator a copy of another one, except for the label.
 void KtManipulatorSystem::assignLinks(KtU32 index, KtU32 source) {
   const KtString label = manipulators_[index].label();
   manipulators_[index] = manipulators_[source];

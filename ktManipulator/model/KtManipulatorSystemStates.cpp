@@ -20,7 +20,7 @@ bool KtManipulatorSystem::isCompatible(const KtManipulatorSystemState& state) co
 
 void KtManipulatorSystem::rightSizeState(KtManipulatorSystemState& state) const {
   if (isCompatible(state)) return;
-  constexpr double kOffset = 1e-9;  // also on the values that stay, as programs expect
+  constexpr double kOffset = 1e-9;  // also added to existing values; programs rely on it
   const KtU32 count = manipulators_.size();
   KtXmlVectorType<KtPositionState> positions(count);
   KtXmlVectorType<KtVelocityState> velocities(count);
@@ -59,7 +59,7 @@ KtSphere KtManipulatorSystem::absoluteBoundingSphere(const KtManipulatorSystemSt
   KtSphere all;
   for (KtU32 i = 0; i < std::min(stateSize, systemSize); ++i) {
     const KtIndividualManipulator& manipulator = manipulators_[i];
-    // In the order in which programs have come to know it, although it is not that of the frames.
+    // Programs rely on this order of factors, although it is not that of the frames.
     all.expandSelfToInclude(
         manipulator.coordSysXForm() *
         (state.positionStates()[i].coordSysXForm() * manipulator.absoluteBoundingSphere()));

@@ -142,7 +142,7 @@ void KtStatedSystem::resetIsSystemModified() const {
   isSystemModified_ = false;
 }
 
-// Operations that change the number or the size of manipulators
+// Operations that change the number of manipulators or joints
 
 void KtStatedSystem::followSystem() {
   system_->rightSizeState(state_);
@@ -153,7 +153,7 @@ void KtStatedSystem::followSystem() {
 void KtStatedSystem::addManipulator(const KtIndividualManipulator& manipulator,
                                     const KtPositionState& position,
                                     const KtVelocityState& velocity) {
-  // Copies: they may belong to the lists that are about to grow.
+  // Copy them: they may be in the lists that grow below.
   const KtPositionState newPosition(position);
   const KtVelocityState newVelocity(velocity);
   aboutToModifySystem();
@@ -176,7 +176,7 @@ bool KtStatedSystem::exchangeManipulator(KtU32 index, const KtIndividualManipula
                                          const KtPositionState& position,
                                          const KtVelocityState& velocity) {
   if (index >= state_.positionStates().size() || system_ == nullptr) return false;
-  const KtVelocityState newVelocity(velocity);  // of a list that may grow
+  const KtVelocityState newVelocity(velocity);  // may be in a list that grows
   aboutToModifySystem();
   if (!system_->exchangeManipulator(index, manipulator)) return false;
   state_.positionStates()[index] = position;
@@ -193,8 +193,8 @@ KtU32 KtStatedSystem::addShapeAsManipulator(const KtShape& shape,
   KtManipulatorLink body;
   body.setFromShape(shape);
   body.setLabel(label);
-  // A decision: `setFromShape` leaves the shape without a number, and only numbered shapes take
-  // properties, so that without this the data would be lost without a word.
+  // `setFromShape` doesn't number the shape, and only numbered shapes accept properties. Without
+  // this call, the data would be lost without a message.
   body.mapShapes();
   body.setSurfaceProperties(shape.surfaceLabel(), data);
   KtIndividualManipulator manipulator;
@@ -269,7 +269,7 @@ bool KtStatedSystem::scaleManipulatorBy(KtU32 index, double factor) {
   return true;
 }
 
-// Through the system
+// Operations that call the system
 
 const KtSystemEnvironment& KtStatedSystem::environment() const {
   return system().environment();
@@ -315,7 +315,7 @@ bool KtStatedSystem::setSurfacesByKey(const KtShapeStateCacheKey& key,
   return system_->setSurfacesByKey(key, surfaces);
 }
 
-// Through the system, for all that share it: programs count on seeing these in every copy.
+// Changes of the shared system: programs rely on seeing these in every copy.
 
 void KtStatedSystem::setCollisionExclusionMap(const KtSystemCollisionExclusionMap& map) {
   if (system_ != nullptr) system_->setCollisionExclusionMap(map);

@@ -1,4 +1,4 @@
-// What a display of a stated system keeps in it: changed and selected shapes, and transparency.
+// Display data of a stated system: changed and selected shapes, and transparency.
 #include <algorithm>
 
 #include "ktManipulator/foundation/core/KtPrint.h"

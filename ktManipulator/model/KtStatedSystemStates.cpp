@@ -5,7 +5,7 @@
 
 namespace {
 
-// Whether there is a state of that index; the message if not.
+// Whether the index is valid; reports an invalid one.
 template <class State>
 bool checkIndex(const char* operation, const char* kind, KtU32 index,
                 const KtXmlVectorType<State>& states) {

@@ -1,4 +1,4 @@
-// One manipulator's step in time.
+// The time step of one manipulator.
 #include <algorithm>
 #include <typeinfo>
 
@@ -9,14 +9,14 @@
 
 namespace {
 
-// A joint is asked in every step: without virtual calls where no derived class can have another
-// opinion. Comparing the addresses of types may miss an equal one; the virtual call answers then.
+// Every step reads the limits of each joint. It avoids virtual calls if no derived class overrides
+// them. Comparing addresses of types may miss an equal type; then the virtual call is used.
 template <class Cls, class Object>
 bool isPlain(const Object& object) {
   return &typeid(object) == &typeid(Cls);
 }
 
-// What bounds a joint.
+// The limits of a joint.
 struct Bounds {
   double lower, upper, rate;
 };
@@ -25,7 +25,7 @@ struct Bounds {
   return {actuator.lowerLimit(), actuator.upperLimit(), actuator.maxOutputRate()};
 }
 
-// Actuator and holder are contained by value, so that their own operations can be named.
+// Actuator and container are stored by value, so their classes are known and need no virtual call.
 inline Bounds boundsOf(const KtManipulatorLink& link) {
   using Mechanics = KtMechanicalActuatorComponent;
   using Holder = KtMechanicalActuatorComponentContainer;
@@ -38,7 +38,7 @@ inline Bounds boundsOf(const KtManipulatorLink& link) {
           part->Mechanics::maxOutputRate()};
 }
 
-// What `linkByIndex` answers.
+// The same as `linkByIndex`.
 class Links {
  public:
   explicit Links(const KtIndividualManipulator& manipulator)

@@ -2,5 +2,5 @@
 
 template class KtXmlVariableVectorType<KtBaseLinkInteractions>;
 
-// No class of the library is a force law so far.
+// The library has no force law yet.
 void KtLinkInteractionsVector::registerComponentCreators() {}

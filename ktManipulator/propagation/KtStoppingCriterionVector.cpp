@@ -3,5 +3,5 @@
 template class KtXmlVariableVectorType<KtBaseStoppingCriterion>;
 template class KtXmlMapType<KtXmlBasicType<std::string>, KtStoppingCriterionVector>;
 
-// No class of the library is a criterion so far.
+// The library has no stopping criterion yet.
 void KtStoppingCriterionVector::registerComponentCreators() {}

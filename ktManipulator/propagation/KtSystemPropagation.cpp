@@ -1,4 +1,4 @@
-// How systems, stated or not, are carried on in time.
+// The time step of systems and stated systems.
 #include <algorithm>
 #include <utility>
 
@@ -67,7 +67,7 @@ bool KtStatedSystem::propagateTo(double time, KtManipulatorSystemState& state,
   if (collisionCheckMode != 0) scratch.results.resize(count);
   scratch.savedPositions = positions;
 
-  // Constant, as reading must not make the accelerations count as handed out.
+  // Const access, since the non-const accessor marks the cache as modified.
   const auto& active = std::as_const(activeState).manipulatorActiveStateVector().elements();
   for (KtU32 i = 0; i < count; ++i) {
     propagateSingleVelocityStateBy(i, active[i].accelerationState(), dt, velocities[i]);
@@ -91,8 +91,8 @@ bool KtStatedSystem::propagateTo(double time, KtManipulatorSystemState& state,
   return true;
 }
 
-// In one pass by ascending index of the dependents: one that hangs on another dependent follows its
-// new place only if that other has the lower index.
+// One pass by ascending index of the dependents: a manipulator attached to another dependent one
+// follows the new pose of that one only if that one has the lower index.
 void KtStatedSystem::carryAttachments(KtManipulatorSystemState& state) const {
   const KtManipulatorAttachmentMap& map = system().manipulatorAttachmentMap();
   const auto& manipulators = system().manipulators().elements();
@@ -108,7 +108,7 @@ void KtStatedSystem::carryAttachments(KtManipulatorSystemState& state) const {
     if (parent >= reach || dependent >= reach) continue;
     const KtManipulatorLink* link = manipulators[parent].linkByIdentifier(scratch.linkLabel);
     if (link == nullptr) continue;
-    // Made anew for each: states of other manipulators may have the same numbers.
+    // Without this, equal positions would keep the results of the manipulator before.
     KtManipulatorActiveState& active = scratch.parentState;
     active.invalidateAll();
     active.setPositionState(positions[parent]);
@@ -138,8 +138,8 @@ void KtStatedSystem::takeBackAll(KtManipulatorSystemState& state, ResultVector& 
   }
 }
 
-// Those that collide go back in the active state until no more do, which may bring others into
-// collision. Only then do they in the state: where no end is found, it stays propagated.
+// Resets colliding manipulators in the active state until there are no more collisions; a reset may
+// cause new ones. Then resets them in the state. If collisions remain, the state stays propagated.
 void KtStatedSystem::takeBackCollided(KtManipulatorSystemState& state, ResultVector& results,
                                       KtSystemActiveState& activeState,
                                       const KtReal& reservedFactor,

@@ -24,8 +24,8 @@ bool approxEqual(const KtXmlVectorType<State>& a, const KtXmlVectorType<State>& 
   });
 }
 
-// Reads states into the present ones, to use their memory, and cuts the list behind the last one
-// that was complete.
+// Reads states into the existing ones, to reuse their memory, and truncates the list after the last
+// complete one.
 template <class State>
 bool readStates(std::istream& stream, KtU32 count, std::vector<State>& states) {
   KtU32 read = 0;
