@@ -382,25 +382,20 @@ TEST_F(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
   copy.setD1Length(0.3);
   copy.setOppositeLength(0.0);
   EXPECT_TRUE(copy.frameBTransform(0.0).orientation().xAxis().approxEq({0.6, 0.8, 0.0}, 1e-7));
-  KtLogCapture log;
+  const KtLogCapture log;
   link.setOppositeLength(9.0);
-  const T impossible = link.calculateTransform(0.0);
-  EXPECT_EQ(log.text(), "KtQuadrilateralTypeLink::transformBy()-Invalid joint position\n");
-  EXPECT_TRUE(std::isfinite(impossible.translation().mag()));
-  log.clear();
+  EXPECT_TRUE(std::isfinite(link.calculateTransform(0.0).translation().mag()));
   link.setJointType(5);
   link.calculateTransform(0.0);
   link.frameATransform(0.0);
   link.frameBTransform(0.0);
-  link.calculateVelocity(0.0, 1.0);
   link.calculateAcceleration(0.0, 1.0, 1.0);
-  std::string said;
-  for (const char* operation :
-       {"transformBy", "frameATransform", "frameBTransform", "calculateVelocity",
-        "calculateVelocity", "calculateAcceleration"}) {
+  std::string said = "KtQuadrilateralTypeLink::transformBy()-Invalid joint position\n";
+  for (const char* operation : {"transformBy", "frameATransform", "frameBTransform",
+                                "calculateVelocity", "calculateAcceleration"}) {
     said += std::string("KtQuadrilateralTypeLink::") + operation + "() bad joint type:\n";
   }
-  EXPECT_EQ(log.text(), said);
+  EXPECT_EQ(log.errors(), said);
   // An empty model has no angle, but every frame of it is a rotation.
   EXPECT_EQ(Quad().calculateTransform(0.0).orientation(), KtOrientation());
 }
@@ -498,9 +493,9 @@ TEST_F(LinkKinematics, ScrewTurnsWithItsTravel) {
 TEST_F(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
   KtLinkKinematicsContainer holder;
   KtArticulatedBodyDynamics parent;
-  KtLogCapture log;
-  const T before = randomTransformation();
-  T t = before;
+  const KtLogCapture log;
+  T t = randomTransformation();
+  const T before = t;
   EXPECT_FALSE(holder.transformBy(t, 1.0));
   EXPECT_FALSE(holder.transformBy(T(KtVector(1.0, 0.0, 0.0))));
   EXPECT_FALSE(holder.addChildArbdToParent(parent, parent, 1.0, 1.0, 1.0));
@@ -508,7 +503,7 @@ TEST_F(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
   holder.setPrimaryFrame(T());
   EXPECT_EQ(log.text(), "");
   holder.setPrimaryFrame(t);
-  EXPECT_EQ(log.text(), "KtLinkKinematicsContainer::setPrimaryFrame-->Null container\n");
+  EXPECT_EQ(log.errors(), "KtLinkKinematicsContainer::setPrimaryFrame-->Null container\n");
   EXPECT_EQ(t, before);
   for (const T* none :
        {&holder.primaryFrame(), &holder.primaryFrameInverse(), &holder.calculateTransform(1.0)}) {
