@@ -62,6 +62,29 @@ TEST_P(RoundTrip, EqualityLooksAtEveryNumber) {
   }
 }
 
+// No component of a sample is at its default, and a new object that takes over one of them alone
+// is no longer equal to a new one.
+TEST_P(RoundTrip, EqualityLooksAtEveryComponent) {
+  const auto original = GetParam().make();
+  const auto* compound = dynamic_cast<const KtXmlCompoundType*>(original.get());
+  if (compound == nullptr) return;
+  const std::unique_ptr<KtXmlObject> fresh(original->newObject());
+  const auto& entries = compound->componentMap().entries();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].readOnly) continue;
+    SCOPED_TRACE(entries[i].token.text());
+    const std::string text = KtXmlWriter::writeString(*entries[i].component);
+    const std::unique_ptr<KtXmlObject> changed(fresh->clone());
+    const auto& components = dynamic_cast<const KtXmlCompoundType&>(*changed).componentMap();
+    ASSERT_EQ(components.size(), entries.size());
+    KtXmlObject& component = *components.entries()[i].component;
+    EXPECT_NE(KtXmlWriter::writeString(component), text) << "is at its default";
+    EXPECT_TRUE(KtXmlReader::readString(text, component));
+    EXPECT_EQ(KtXmlWriter::writeString(component), text);
+    EXPECT_FALSE(changed->equality(fresh.get())) << "isn't compared";
+  }
+}
+
 TEST_P(RoundTrip, CopiesAreWholeAndIndependent) {
   auto original = GetParam().make();
   const std::string text = KtXmlWriter::writeString(*original);

@@ -2,6 +2,17 @@
 
 using namespace samplekit;
 
+namespace {
+
+// Through its setter the primary frame brings its inverse up to date, as reading does.
+template <class Link>
+void fillLink(Link& link) {
+  fillComponents(link);
+  link.setPrimaryFrame(fromTable<Link>().primaryFrame());
+}
+
+}  // namespace
+
 void addKinematicsSamples(std::vector<Sample>& samples) {
   const auto add = [&samples](Sample one) { samples.push_back(std::move(one)); };
   add(filled<KtDenavitHartenberg>("DenavitHartenberg", [](auto& link) {
@@ -9,23 +20,8 @@ void addKinematicsSamples(std::vector<Sample>& samples) {
     link.setDhType(KtDenavitHartenberg::kGeneralCraig);
     link.setPrecursor(kFrame);
   }));
-  add(filled<KtScrewTypeLink>("Screw", [](auto& link) {
-    link.setPrimaryFrame(kFrame);
-    link.setPrecursor(kFrame.inverse());
-    link.setPitch(-0.125);
-  }));
-  add(filled<KtQuadrilateralTypeLink>("Quadrilateral", [](auto& link) {
-    link.setPrimaryFrame(kFrame);
-    link.setJointType(KtQuadrilateralTypeLink::kPivotedSlider);
-    link.setPrecursor(kFrame.inverse());
-    link.setNominalLength(1.1);
-    link.setD1Length(0.6);
-    link.setD2Length(0.5);
-    link.setOppositeLength(1.3);
-    link.setZDistanceA(0.2);
-    link.setZDistanceB(-0.3);
-    link.setZDistanceC(0.4);
-  }));
+  add(filled<KtScrewTypeLink>("Screw", fillLink));
+  add(filled<KtQuadrilateralTypeLink>("Quadrilateral", fillLink));
   add(filled<KtLinkKinematicsContainer>("LinkKinematicsContainer", [](auto& holder) {
     holder.setTopElement(KtDenavitHartenberg::defaultObject());
   }));

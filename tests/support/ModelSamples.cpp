@@ -39,6 +39,7 @@ void addModelSamples(std::vector<Sample>& samples) {
   }));
   samples.push_back(filled<KtIndividualManipulator>("Manipulator", [](auto& arm) {
     arm.setLabel("arm");
+    arm.setLinkKinematics(KtDenavitHartenberg::defaultObject());
     arm.addChild(link());
     arm.addLinkToEndOfChain(link());
     arm.setMassProperties(KtRigidBodyMassProperties::defaultObject());
@@ -61,6 +62,9 @@ void addModelSamples(std::vector<Sample>& samples) {
     KtStateEqualityConstraintVector equalities;
     equalities.pushBack(KtLinearStateEqualityConstraint());
     arm.setStateEqualityConstraints(equalities);
+    KtStoppingCriterionVector criteria;
+    criteria.setAddLibraries(someLibrary());
+    arm.setStoppingCriteria(criteria);
     KtSurfaceMap surfaces;
     surfaces.add(std::string("steel"), KtDataMap::boundingColor());
     arm.setSurfaces(surfaces);

@@ -1,14 +1,6 @@
 #include "support/SampleKit.h"
 
-namespace {
-
 using namespace samplekit;
-
-KtXmlVectorType<Text> library() {
-  return {1, std::string("sampleLibrary")};
-}
-
-}  // namespace
 
 void addRecordSamples(std::vector<Sample>& samples) {
   const auto add = [&samples](Sample one) { samples.push_back(std::move(one)); };
@@ -29,25 +21,11 @@ void addRecordSamples(std::vector<Sample>& samples) {
     map.attachManipulator(2, 0, "flange", kFrame);
     map.attachManipulator(1, 2, "", {});
   }));
-  add(filled<KtLinkReferenceDescription>("LinkReferenceDescription", [](auto& reference) {
-    reference.setIsShapeReferenced(true);
-    reference.setReferencedLinkLabel("first finger");
-  }));
-  add(filled<KtManipulatorReferenceDescription>("ManipulatorReferenceDescription",
-                                                [](auto& reference) {
-                                                  reference.setIsManipulatorReferenced(true);
-                                                  reference.setReferencedManipulatorLabel("robot");
-                                                }));
-  add(filled<KtLinkAttachment>("LinkAttachment", [](auto& attachment) {
-    attachment.setManipulatorIndex(2);
-    attachment.setLinkIdentifier("tool");
-    attachment.setFrame(kFrame);
-  }));
-  add(filled<KtPropagationDescriptor>("PropagationDescriptor", [](auto& descriptor) {
-    descriptor.setCheckForCollisions(false);
-    descriptor.setCollisionDetectionTolerance(0.25);
-    descriptor.setCollisionDetectionFidelity(3);
-  }));
+  add(tableSample<KtLinkReferenceDescription>("LinkReferenceDescription"));
+  add(tableSample<KtManipulatorReferenceDescription>("ManipulatorReferenceDescription"));
+  add(tableSample<KtLinkAttachment>("LinkAttachment"));
+  add(tableSample<KtPropagationDescriptor>("PropagationDescriptor"));
+  add(tableSample<KtSystemProcessingParameters>("SystemProcessingParameters"));
   add(filled<KtXmlVectorType<KtPropagationResultData>>("PropagationResults", [](auto& list) {
     list.resize(2);
     list[1].setHitJointLimit(true);
@@ -59,14 +37,12 @@ void addRecordSamples(std::vector<Sample>& samples) {
     list[1].setOtherCollidedManipulator(9);
     list[1].registerGenericStoppingCriterion("tips & falls");
   }));
-  add(filled<KtSystemProcessingParameters>(
-      "SystemProcessingParameters", [](auto& parameters) { parameters.setMaxGJKIterations(5); }));
   add(filled<KtXmlMapType<Text, KtStoppingCriterionVector>>("TextToStoppingCriteria",
                                                             [](auto& map) {
                                                               KtStoppingCriterionVector list;
-                                                              list.setAddLibraries(library());
+                                                              list.setAddLibraries(someLibrary());
                                                               map.add(std::string("arm"), list);
                                                             }));
   add(filled<KtLinkInteractionsVector>("LinkInteractionsVector",
-                                       [](auto& list) { list.setAddLibraries(library()); }));
+                                       [](auto& list) { list.setAddLibraries(someLibrary()); }));
 }

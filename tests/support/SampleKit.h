@@ -32,6 +32,24 @@ Sample filled(const char* name, void (*fill)(Cls&)) {
           }};
 }
 
+/// Gives every component of the object that is written a value of its own, which is no default, as
+/// its table lists them. Components that hold objects of several classes stay as they are, and so
+/// do maps.
+void fillComponents(KtXmlCompoundType& object);
+
+/// An object that `fillComponents` has filled.
+template <class Cls>
+Cls fromTable() {
+  Cls object;
+  fillComponents(object);
+  return object;
+}
+
+template <class Cls>
+Sample tableSample(const char* name) {
+  return {name, [] { return std::make_unique<Cls>(fromTable<Cls>()); }};
+}
+
 inline KtXmlVectorType<Real> someReals() {
   KtXmlVectorType<Real> list;
   const double infinity = std::numeric_limits<double>::infinity();
@@ -50,6 +68,11 @@ inline KtXmlVectorType<Text> someTexts() {
     list.pushBack(std::string(text));
   }
   return list;
+}
+
+/// The names of libraries that a holder asks for its classes.
+inline KtXmlVectorType<Text> someLibrary() {
+  return {1, std::string("sampleLibrary")};
 }
 
 }  // namespace samplekit

@@ -1,5 +1,7 @@
 #include "support/Samples.h"
 
+#include <cmath>
+
 #include "support/SampleKit.h"
 
 namespace {
@@ -18,7 +20,72 @@ void fillNode(SampleNode& node) {
   node.children[1].children.resize(1);
 }
 
+/// Finds the type of a component and sets it to the next of a row of distinct values.
+class Filler {
+ public:
+  void fill(KtXmlObject& object) {
+    if (const auto* compound = dynamic_cast<const KtXmlCompoundType*>(&object)) {
+      for (const auto& entry : compound->componentMap().entries()) {
+        if (!entry.readOnly) fill(*entry.component);
+      }
+    } else if (auto* flag = dynamic_cast<Bool*>(&object)) {
+      *flag = !*flag;
+    } else if (auto* choice = dynamic_cast<KtXmlEnumType<KtU32>*>(&object)) {
+      *choice = *choice == 1U ? 0U : 1U;
+    } else {
+      setValue(object) ||
+          setList<Bool, KtXmlVectorType<Real>, KtGeneralForce, KtManufacturerData>(object);
+    }
+  }
+
+ private:
+  double real() {
+    value_ = (value_ < 0.0 ? 1.0 : -1.0) * (std::abs(value_) + 1.0 / 3.0);
+    return value_;
+  }
+  KtVector vector() { return {real(), real(), real()}; }
+
+  template <class... Values>
+  static bool setTo(KtXmlObject& object, const Values&... values) {
+    const auto set = [&object]<class Value>(const Value& value) {
+      auto* member = dynamic_cast<Value*>(&object);
+      if (member != nullptr) *member = value;
+      return member != nullptr;
+    };
+    return (set(values) || ...);
+  }
+  bool setValue(KtXmlObject& object) {
+    auto reals = someReals();
+    auto texts = someTexts();
+    reals.pushBack(real());
+    const std::string text = "<\"" + std::to_string(real()) + "\" & more>";
+    texts.pushBack(text);
+    return setTo(object, Real(real()), Text(text), U32(static_cast<KtU32>(5.0 + std::abs(real()))),
+                 KtXmlVector(vector()), KtGeneralMotion(vector(), vector()),
+                 KtGeneralForce(vector(), vector()),
+                 KtCoordinateSystemTransformation(vector(), KtOrientation(0.5, -0.5, 0.5, 0.5)),
+                 reals, texts);
+  }
+  template <class... Elements>
+  bool setList(KtXmlObject& object) {
+    const auto set = [&]<class List>(List* list) {
+      if (list == nullptr) return false;
+      list->resize(2 + lists_++ % 3);
+      for (KtU32 i = 0; i < list->size(); ++i) fill((*list)[i]);
+      return true;
+    };
+    return (set(dynamic_cast<KtXmlVectorType<Elements>*>(&object)) || ...);
+  }
+
+  double value_ = 0.0;
+  KtU32 lists_ = 0;
+};
+
 }  // namespace
+
+void samplekit::fillComponents(KtXmlCompoundType& object) {
+  Filler().fill(object);
+}
 
 void addFoundationSamples(std::vector<Sample>& samples) {
   const auto add = [&samples](Sample one) { samples.push_back(std::move(one)); };
@@ -123,9 +190,7 @@ void addFoundationSamples(std::vector<Sample>& samples) {
     list.pushBack(KtLinearScalarFunction(3.0, 4.0));
   }));
   add(filled<SampleFunctionHolder>("FunctionHolder", [](auto& holder) {
-    KtXmlVectorType<Text> libraries;
-    libraries.pushBack(std::string("sampleLibrary"));
-    holder.setAddLibraries(libraries);
+    holder.setAddLibraries(someLibrary());
     holder.setElement(KtLinearScalarFunction(1.0, 2.0));
   }));
 }

@@ -31,6 +31,9 @@ KtManipulatorSystem twoArms() {
   KtSystemCollisionExclusionMap exclusions;
   exclusions.excludeLinkCollisionCandidate(0, "upper arm", 1, "right");
   system.setCollisionExclusionMap(exclusions);
+  KtLinkInteractionsVector interactions;
+  interactions.setAddLibraries(someLibrary());
+  system.setLinkInteractionsVector(interactions);
   return system;
 }
 
@@ -45,10 +48,7 @@ void fillBody(Body& body) {
 
 void addSystemSamples(std::vector<Sample>& samples) {
   const auto add = [&samples](Sample one) { samples.push_back(std::move(one)); };
-  add(filled<KtSystemEnvironment>("SystemEnvironment", [](auto& environment) {
-    environment.setCoordSysXForm(kFrame);
-    environment.setUpGravityVector({0.0, 0.0, 9.81});
-  }));
+  add(tableSample<KtSystemEnvironment>("SystemEnvironment"));
   add(sample<KtManipulatorSystem>("ManipulatorSystem", twoArms()));
   add(filled<KtStatedSystem>("StatedSystem", [](auto& stated) {
     stated.setFromSystem(twoArms());
