@@ -183,7 +183,8 @@ TEST_P(RobotFiles, SimulateByBothMethods) {
     for (const int i : {0, 1}) {
       const KtLogCapture log;
       SimulateOptions options{0.02, 1e-3, {}, {}, false, "", ""};
-      options.method = i == 0 ? SimulationMethod::kArticulated : SimulationMethod::kComposite;
+      options.method =
+          i == 0 ? KtSimulation::Method::kArticulated : KtSimulation::Method::kComposite;
       SimulateResult result;
       std::string error;
       ASSERT_TRUE(simulate(early[i], options, result, error)) << error;

@@ -7,12 +7,12 @@
 #include <memory>
 
 #include "Commands.h"
-#include "Energy.h"
 #include "Numbers.h"
 #include "ktManipulator/dynamics/KtGravitationalTorqueTool.h"
 #include "ktManipulator/dynamics/KtMassMatrixTool.h"
 #include "ktManipulator/dynamics/KtTotalTorqueTool.h"
 #include "ktManipulator/model/KtAsker.h"
+#include "ktManipulator/simulation/KtMechanicalEnergy.h"
 
 namespace {
 
@@ -187,8 +187,8 @@ Json Evaluation::result() {
   result["gravityTorques"] = gravityTorques();
   result["inverseDynamics"] = inverseDynamics();
   result["forwardDynamics"] = forwardDynamics();
-  result["kineticEnergy"] = kineticEnergy(manipulator_, active_, asker_);
-  result["potentialEnergy"] = weightEnergy(manipulator_, active_, gravity_);
+  result["kineticEnergy"] = KtMechanicalEnergy::kinetic(manipulator_, active_, asker_);
+  result["potentialEnergy"] = KtMechanicalEnergy::weight(manipulator_, active_, gravity_);
   return result;
 }
 

@@ -44,7 +44,7 @@ bool checkOptions(const KtStatedSystem& system, const SimulateOptions& options,
   return false;
 }
 
-bool readTorques(const std::string& file, const Simulation& simulation, TorqueTable& table,
+bool readTorques(const std::string& file, const KtSimulation& simulation, TorqueTable& table,
                  std::string& error) {
   std::ifstream stream(file, std::ios::binary);
   std::ostringstream text;
@@ -54,7 +54,9 @@ bool readTorques(const std::string& file, const Simulation& simulation, TorqueTa
     return false;
   }
   text << stream.rdbuf();
-  return table.read(text.str(), file, simulation.jointNames(), error);
+  std::vector<std::string> names;
+  for (const KtSimulation::Joint& joint : simulation.joints()) names.push_back(joint.name);
+  return table.read(text.str(), file, names, error);
 }
 
 // How much viscous friction and its own damper hinder a joint, as torque per rate of the joint.
@@ -113,7 +115,7 @@ std::vector<std::string> simulationNotes(const KtStatedSystem& system,
                                          const SimulateOptions& options) {
   std::vector<std::string> notes;
   for (const KtIndividualManipulator& manipulator : system.system().manipulators().elements()) {
-    if (options.method == SimulationMethod::kArticulated &&
+    if (options.method == KtSimulation::Method::kArticulated &&
         manipulator.stateEqualityConstraints().doc() > 0) {
       notes.push_back("the articulated method leaves the equality constraints of \"" +
                       manipulator.label() + "\" out");
@@ -144,9 +146,10 @@ bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateRe
               std::string& error) {
   result = {};
   if (!checkOptions(system, options, error)) return false;
-  Simulation simulation(system, options.method,
-                        options.upGravity.value_or(system.environment().upGravityVector()));
-  simulation.setStopsAtLimits(options.stopsAtLimits);
+  KtSimulation simulation(system, options.method);
+  if (options.upGravity) simulation.setUpGravity(*options.upGravity);
+  if (options.stopsAtLimits) simulation.setLimits(KtSimulation::Limits::kStopRates);
+  simulation.setKeepsBalance(true);
   TorqueTable table;
   if (!options.torqueFile.empty() && !readTorques(options.torqueFile, simulation, table, error)) {
     return false;
@@ -161,7 +164,6 @@ bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateRe
   const TimeGrid grid(system.state().time(), options.duration, options.step);
   const std::uint64_t sampled = std::max<std::uint64_t>(grid.steps() / kEnergySamples, 1);
   std::vector<double> torques(simulation.joints().size(), 0.0);
-  simulation.setTorques(torques);
   const auto began = std::chrono::steady_clock::now();
   bool good = true;
   {
@@ -170,7 +172,6 @@ bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateRe
       if (table.advance(grid.time(step), 1e-6 * options.step, torques)) {
         simulation.setTorques(torques);
       }
-      simulation.computeAccelerations();
       if (traced) trace.write(simulation);
       if (step % sampled == 0 || step == grid.steps()) {
         result.kineticAfter = simulation.kineticEnergy();
@@ -191,10 +192,14 @@ bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateRe
   result.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count();
   result.completed = good;
   result.simulated = grid.time(result.steps) - grid.time(0);
+  result.balance = simulation.energyBalance();
   result.constraintError = simulation.constraintError();
   result.stopsAtLimits = options.stopsAtLimits;
   result.joints = simulation.joints();
   result.stops = simulation.stops();
+  for (const KtIndividualManipulator& manipulator : system.system().manipulators().elements()) {
+    result.labels.push_back(manipulator.label());
+  }
   if (!good) {
     error = options.name + ": " + simulation.complaint();
   } else if (!trace.close()) {
@@ -205,13 +210,65 @@ bool simulate(KtStatedSystem& system, const SimulateOptions& options, SimulateRe
   return good;
 }
 
+namespace {
+
+// What the summary says of the energy.
+std::string describeEnergy(const SimulateResult& result) {
+  const double before = result.kineticBefore + result.potentialBefore;
+  const double after = result.kineticAfter + result.potentialAfter;
+  std::string text = "energy at the start " + shortTextOf(before) + " J (kinetic " +
+                     shortTextOf(result.kineticBefore) + ", potential " +
+                     shortTextOf(result.potentialBefore) + "), at the end " + shortTextOf(after) +
+                     " J (" + shortTextOf(result.kineticAfter) + ", " +
+                     shortTextOf(result.potentialAfter) + ")\n";
+  const KtEnergyBalance& balance = result.balance;
+  // A mechanism at rest has some kinetic energy by rounding, which is no measure.
+  const bool moved = result.greatestKinetic > 1e-9 * std::fmax(std::abs(before), std::abs(after));
+  const auto add = [&](const std::string& what, double energy) {
+    text += what + ' ' + shortTextOf(energy) + " J";
+  };
+  if (balance.isIntegratorAlone()) {
+    add("energy drift", after - before);
+    if (moved) {
+      text += ", " + shortTextOf(100.0 * (after - before) / result.greatestKinetic) +
+              " % of the greatest kinetic energy seen, " + shortTextOf(result.greatestKinetic) +
+              " J";
+    }
+    return text + '\n';
+  }
+  add("the energy has changed by", after - before);
+  text += ", of that";
+  const struct {
+    const char* name;
+    double energy;
+  } parts[] = {{"torques", balance.torques},
+               {"forces", balance.forces},
+               {"springs between joints", balance.springs},
+               {"friction", balance.friction},
+               {"dampers", balance.dampers},
+               {"limits", balance.limits},
+               {"cut rates", balance.rates},
+               {"stops", balance.stops}};
+  const char* separator = " by ";
+  for (const auto& part : parts) {
+    if (part.energy == 0.0) continue;
+    add(separator + std::string(part.name), part.energy);
+    separator = ", ";
+  }
+  text += '\n';
+  add("what is left, the integrator's error:", balance.remainder());
+  return text + '\n';
+}
+
+}  // namespace
+
 std::string describeSimulation(const SimulateResult& result) {
   std::string text;
   const auto add = [&text](std::initializer_list<std::string> words) {
     for (const std::string& word : words) text += word;
     text += '\n';
   };
-  const auto happened = [](const SimulationEvent& event) {
+  const auto happened = [](const KtSimulation::Event& event) {
     return "first at " + shortTextOf(event.first) + " s, in " +
            counted(event.count, "step", "steps");
   };
@@ -221,22 +278,7 @@ std::string describeSimulation(const SimulateResult& result) {
     add({shortTextOf(static_cast<double>(result.steps) / result.wall), " steps/s, ",
          shortTextOf(result.simulated / result.wall), " times real time"});
   }
-  if (result.completed) {
-    const double before = result.kineticBefore + result.potentialBefore;
-    const double after = result.kineticAfter + result.potentialAfter;
-    add({"energy at the start ", shortTextOf(before), " J (kinetic ",
-         shortTextOf(result.kineticBefore), ", potential ", shortTextOf(result.potentialBefore),
-         "), at the end ", shortTextOf(after), " J (", shortTextOf(result.kineticAfter), ", ",
-         shortTextOf(result.potentialAfter), ")"});
-    std::string drift = "energy drift " + shortTextOf(after - before) + " J";
-    // A mechanism at rest has some kinetic energy by rounding, which is no measure.
-    if (result.greatestKinetic > 1e-9 * std::fmax(std::abs(before), std::abs(after))) {
-      drift += ", " + shortTextOf(100.0 * (after - before) / result.greatestKinetic) +
-               " % of the greatest kinetic energy seen, " + shortTextOf(result.greatestKinetic) +
-               " J; torques, friction, dampers and limits count as drift, too";
-    }
-    add({drift});
-  }
+  if (result.completed) text += describeEnergy(result);
   if (result.completed && result.constraintError > 0.0) {
     add({"equality constraints are off by ", shortTextOf(result.constraintError), " at the end"});
   }
@@ -246,7 +288,7 @@ std::string describeSimulation(const SimulateResult& result) {
     add({"joints kept their rates at limits, and gathered more: --limits stop takes them"});
   }
   bool hit = !result.stops.empty();
-  for (const Simulation::Joint& joint : result.joints) {
+  for (const KtSimulation::Joint& joint : result.joints) {
     if (joint.limit.count > 0) {
       add({"limit of joint \"", joint.name, "\": ", happened(joint.limit)});
     }
@@ -255,9 +297,9 @@ std::string describeSimulation(const SimulateResult& result) {
     }
     hit = hit || joint.limit.count > 0 || joint.rate.count > 0;
   }
-  for (const Simulation::Stop& stop : result.stops) {
-    add({"stopping criterion of \"", stop.manipulator, "\", ", stop.description, ": ",
-         happened(stop.event)});
+  for (const KtSimulation::Stop& stop : result.stops) {
+    add({"stopping criterion of \"", result.labels[stop.manipulator], "\", ", stop.description,
+         ": ", happened(stop.event)});
   }
   if (!hit) add({"nothing was hit"});
   return text;

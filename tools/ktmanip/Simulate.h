@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "Simulation.h"
+#include "ktManipulator/simulation/KtSimulation.h"
 
 /// How a system is simulated.
 struct SimulateOptions {
   double duration = 0.0;  ///< s
   double step = 0.0;      ///< s
-  SimulationMethod method = SimulationMethod::kAutomatic;
+  KtSimulation::Method method = KtSimulation::Method::kAutomatic;
   std::optional<KtVector> upGravity;  ///< In the place of the system's, m/s^2.
   bool stopsAtLimits = false;         ///< Whether joints lose their rates at limits.
   std::string torqueFile;             ///< Joint torques over time; none if empty.
@@ -26,15 +26,17 @@ struct SimulateResult {
   double simulated = 0.0;   ///< s
   double wall = 0.0;        ///< s
   double kineticBefore = 0.0, potentialBefore = 0.0, kineticAfter = 0.0,
-         potentialAfter = 0.0;            ///< J
-  double constraintError = 0.0;           ///< `Simulation::constraintError`, at the end.
-  double greatestKinetic = 0.0;           ///< Of some states on the way, J.
-  bool stopsAtLimits = false;             ///< As in the options.
-  std::vector<Simulation::Joint> joints;  ///< With how often limits and greatest rates were hit.
-  std::vector<Simulation::Stop> stops;    ///< What stopping criteria registered.
+         potentialAfter = 0.0;              ///< J
+  KtEnergyBalance balance;                  ///< What has changed the energy.
+  double constraintError = 0.0;             ///< `KtSimulation::constraintError`, at the end.
+  double greatestKinetic = 0.0;             ///< Of some states on the way, J.
+  bool stopsAtLimits = false;               ///< As in the options.
+  std::vector<KtSimulation::Joint> joints;  ///< With how often limits and greatest rates were hit.
+  std::vector<KtSimulation::Stop> stops;    ///< What stopping criteria registered.
+  std::vector<std::string> labels;          ///< Those of the manipulators.
 };
 
-/// Simulates a system: see `Simulation` and `TimeGrid`.
+/// Simulates a system: see `KtSimulation` and `TimeGrid`.
 ///
 /// A run that is continued from its last state gives the same bits as one that goes through, where
 /// start and duration are multiples of the step: but for what is no part of a state, the bristles

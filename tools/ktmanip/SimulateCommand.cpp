@@ -22,8 +22,9 @@ struct Arguments {
   SimulateOptions options;
 };
 
-const std::map<std::string, SimulationMethod> kMethods = {
-    {"articulated", SimulationMethod::kArticulated}, {"composite", SimulationMethod::kComposite}};
+const std::map<std::string, KtSimulation::Method> kMethods = {
+    {"articulated", KtSimulation::Method::kArticulated},
+    {"composite", KtSimulation::Method::kComposite}};
 
 // Whether two names stand for one file, of which writing the one would lose the other.
 bool isSameFile(const std::string& one, const std::string& other) {
@@ -147,6 +148,8 @@ void addSimulate(CLI::App& app, int& status) {
       "whole system; limitsHit, the joints that the step took against a limit, with ; between.\n"
       "Joints and bases stand behind <manipulator>/ if there are several.\n"
       "\n"
-      "The energy drift of the summary is the change of kinetic and potential energy.");
+      "Where nothing but the integrator can have changed the energy, the summary names its drift.\n"
+      "Else it has a balance: what torques, friction, dampers, limits and cut rates have added to\n"
+      "the energy, negative where they took from it. What is left is the integrator's error.");
   command->callback([arguments, &status] { status = run(*arguments); });
 }

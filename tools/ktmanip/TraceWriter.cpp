@@ -18,14 +18,14 @@ TraceWriter::~TraceWriter() {
   close();
 }
 
-bool TraceWriter::open(const std::string& file, const Simulation& simulation) {
+bool TraceWriter::open(const std::string& file, const KtSimulation& simulation) {
   file_ = std::fopen(file.c_str(), "wb");
   if (file_ == nullptr) return false;
   std::setvbuf(file_, nullptr, _IONBF, 0);  // there is a buffer here
   buffer_.reserve(2 * kBufferSize);
   buffer_ = "time";
   const auto& joints = simulation.joints();
-  const auto& manipulators = simulation.manipulators();
+  const auto& manipulators = simulation.system().system().manipulators();
   std::size_t j = 0;
   for (KtU32 m = 0; m < manipulators.size(); ++m) {
     for (; j < joints.size() && joints[j].manipulator == m; ++j) {
@@ -51,25 +51,26 @@ void TraceWriter::addText(const std::string& text) {
   buffer_ += '"';
 }
 
-void TraceWriter::write(Simulation& simulation) {
+void TraceWriter::write(KtSimulation& simulation) {
   appendNumber(buffer_, simulation.state().time());
   const auto& joints = simulation.joints();
-  const auto& manipulators = simulation.manipulators();
-  std::size_t j = 0;
+  const auto& manipulators = simulation.system().system().manipulators();
   hits_.clear();
+  for (const KtU32 hit : simulation.lastStep().limits) {
+    if (!hits_.empty()) hits_ += ';';
+    hits_ += joints[hit].name;
+  }
+  std::size_t j = 0;
   for (KtU32 m = 0; m < manipulators.size(); ++m) {
     KtManipulatorActiveState& active = simulation.active(m);
     const auto& q = active.positionState().jointPositions().elements();
     const auto& qd = active.velocityState().jointVelocities().elements();
     const auto& qdd = simulation.acceleration(m).jointAccelerations().elements();
     for (; j < joints.size() && joints[j].manipulator == m; ++j) {
-      const KtU32 i = joints[j].index;
+      const KtU32 i = joints[j].link;
       for (const double value : {q[i].value(), qd[i].value(), qdd[i].value()}) {
         appendField(buffer_, value);
       }
-      if (!joints[j].isAtLimit) continue;
-      if (!hits_.empty()) hits_ += ';';
-      hits_ += joints[j].name;
     }
     const KtCoordinateSystemTransformation& base =
         manipulators[m].primaryFrameInSystem(active.activePositionState());

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Simulation.h"
+#include "ktManipulator/simulation/KtSimulation.h"
 
 /// Writes how a simulation goes on as comma-separated values (RFC 4180): a header line, and a line
 /// for each state, with numbers in the shortest form that reads back to the same bits.
@@ -17,9 +17,9 @@ class TraceWriter {
   /// Opens a file and writes the header.
   ///
   /// @return false if the file can't be opened
-  bool open(const std::string& file, const Simulation& simulation);
-  /// Writes the state of the last `computeAccelerations`, and what the step to it hit.
-  void write(Simulation& simulation);
+  bool open(const std::string& file, const KtSimulation& simulation);
+  /// Writes the present state, and what the step to it hit.
+  void write(KtSimulation& simulation);
   /// Writes what is left.
   ///
   /// @return whether all that was given has arrived
