@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <optional>
 #include <set>
 
 #include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
 #include "support/Trees.h"
 
 namespace {
@@ -289,100 +287,6 @@ TEST_F(Propagation, AnEmptySystemTakesTheTimeOnly) {
     scene.propagateTo(mode + 1.0, state, results, active, mode, 1.0, 1, 0.0);
     EXPECT_EQ(state.time(), mode + 1.0);
   }
-}
-
-// The whole step of a simulation, many times. The first manipulator's accelerations come from the
-// tool's own state, those of the others from the state of the step. Behind the second step it asks
-// for no memory.
-template <class Tool>
-KtManipulatorSystemState simulated(const KtStatedSystem& scene, double dt, int steps) {
-  const auto& arms = scene.system().manipulators();
-  const KtU32 count = arms.size();
-  KtManipulatorSystemState state = scene.state();
-  KtSystemActiveState active;
-  Results results;
-  std::vector<Tool> tools(count);
-  std::vector<KtManipulatorTorque> torques(count);
-  std::vector<KtManipulatorExternalForce> forces(count);
-  std::vector<KtAccelerationState> accelerations(count), gravity(count);
-  for (KtU32 m = 0; m < count; ++m) {
-    torques[m].jointTorques().resize(arms[m].jointDof());
-    forces[m].resize(arms[m].jointDof());
-    gravity[m].resize(arms[m].jointDof());
-    gravity[m].setGeneralAcceleration({scene.environment().upGravityVector(), KtVector()});
-  }
-  std::optional<Allocations> allocations;
-  for (int k = 1; k <= steps; ++k) {
-    if (k == 3) allocations.emplace();
-    active.setNonredundantState(state);
-    for (KtU32 m = 0; m < count; ++m) {
-      KtManipulatorActiveState& own = active.manipulatorActiveStateVector()[m];
-      own.setAccelerationState(gravity[m]);
-      tools[m].acceleration(scene, arms[m], state.positionStates()[m], state.velocityStates()[m],
-                            torques[m], forces[m], accelerations[m], m > 0 ? &own : nullptr, true);
-      own.setAccelerationState(accelerations[m]);
-    }
-    scene.propagateTo(dt * k, state, results, active);
-  }
-  EXPECT_EQ(allocations->count(), 0U);
-  return state;
-}
-
-void pullTo(KtStatedSystem& scene, const KtVector& up) {
-  KtSystemEnvironment environment;
-  environment.setUpGravityVector(up);
-  scene.setEnvironment(environment);
-}
-
-// With a fixed base and free ones, of which one hangs on another.
-TEST_F(Propagation, IsReproducibleAndAlikeByBothMethods) {
-  KtStatedSystem scene = sceneOf({6, 8, 5, 7});
-  const KtManipulatorSystemState before = scene.state();
-  KtManipulatorSystem system = scene.system();
-  const_cast<KtIndividualManipulator&>(system.manipulators()[3]).setIsFixedBase(true);
-  KtManipulatorAttachmentMap map;
-  map.attachManipulator(2, 1, system.manipulators()[1].linkByIndex(3)->label(),
-                        randomTransformation());
-  system.setManipulatorAttachmentMap(map);
-  scene.setSystem(system);
-  scene.setState(before);
-  pullTo(scene, {0.0, 0.0, 9.81});
-  const auto articulated = simulated<KtArbiAccelerationTool>(scene, 1e-3, 100);
-  const auto composite = simulated<KtCrbiAccelerationTool>(scene, 1e-3, 100);
-  EXPECT_TRUE(simulated<KtArbiAccelerationTool>(scene, 1e-3, 100) == articulated);
-  EXPECT_TRUE(simulated<KtCrbiAccelerationTool>(scene, 1e-3, 100) == composite);
-  for (KtU32 m = 0; m < 4; ++m) {
-    EXPECT_TRUE(articulated.positionStates()[m].approxEq(composite.positionStates()[m], 1e-6)) << m;
-    EXPECT_FALSE(articulated.positionStates()[m].approxEq(before.positionStates()[m], 1e-3)) << m;
-  }
-}
-
-// A point mass on a rod of 1 m, let go horizontally: at 5 s it stands at (0.942305435044,
-// -0.334754338414), by elliptic functions.
-TEST(PropagationOfAPendulum, ConvergesAtFirstOrder) {
-  KtManipulatorLink rod;
-  KtDenavitHartenberg joint;
-  joint.setJointType(KtDenavitHartenberg::kRotational);
-  joint.setDhType(KtDenavitHartenberg::kCraig);
-  rod.setLinkKinematics(joint);
-  KtRigidBodyMassProperties mass;
-  mass.set(1.0, KtVector(1.0, 0.0, 0.0), KtSecondMoment(0.0, 1.0, 1.0, 0.0, 0.0, 0.0), false);
-  rod.setMassProperties(mass);
-  KtIndividualManipulator pendulum;
-  pendulum.addChild(rod);
-  pendulum.mapManipulator();
-  KtStatedSystem scene;
-  scene.addManipulator(pendulum);
-  pullTo(scene, {0.0, 9.81, 0.0});
-  const auto error = [&scene](int steps) {
-    const double q = simulated<KtArbiAccelerationTool>(scene, 5.0 / steps, steps)
-                         .positionStates()[0]
-                         .jointPositions()[0];
-    return std::hypot(std::cos(q) - 0.942305435044, std::sin(q) + 0.334754338414);
-  };
-  const double coarse = error(5000);
-  EXPECT_LT(coarse, 0.02);
-  EXPECT_NEAR(coarse / error(50000), 10.0, 1.5);
 }
 
 }  // namespace
