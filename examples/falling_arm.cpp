@@ -6,36 +6,6 @@
 
 #include "ktManipulator/ktManipulator.h"
 
-namespace {
-
-// Simulates the falling arm in small steps.
-void fall(KtStatedSystem& scene, double duration) {
-  const KtIndividualManipulator& arm = scene.system().manipulators()[0];
-  KtManipulatorExternalForce none;
-  none.resize(arm.jointDof());
-  KtManipulatorTorque limp;
-  limp.jointTorques().resize(arm.jointDof());
-  // Gravity is represented as an upward acceleration of the base.
-  KtAccelerationState gravity =
-      KtAccelerationState::zeroCompatibleState(scene.state().velocityStates()[0]);
-  gravity.setGeneralAcceleration({scene.environment().upGravityVector(), KtVector()});
-
-  KtArbiAccelerationTool tool;
-  KtAccelerationState acceleration;
-  KtSystemActiveState active;
-  constexpr double kStep = 1e-4;
-  for (int i = 1; i * kStep <= duration; ++i) {
-    active.setNonredundantState(scene.state());
-    KtManipulatorActiveState& ofArm = active.manipulatorActiveStateVector()[0];
-    ofArm.setAccelerationState(gravity);
-    tool.acceleration(scene, arm, limp, none, acceleration, ofArm, true);
-    ofArm.setAccelerationState(acceleration);  // the step reads it from there
-    scene.propagateSelfTo(i * kStep, &active);
-  }
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
   const std::string model = argc > 1 ? argv[1] : "examples/models/puma560.xml";
   const std::string result = argc > 2 ? argv[2] : "fallen.xml";
@@ -59,15 +29,14 @@ int main(int argc, char** argv) {
   }
 
   const double before = arm.getCenterOfMassInSystem(active).z;
-  fall(scene, 0.2);
-  active.setPositionState(scene.state().positionStates()[0]);
-  active.setVelocityState(scene.state().velocityStates()[0]);
-  const double after = arm.getCenterOfMassInSystem(active).z;
+  KtSimulation simulation(scene);
+  for (int i = 1; i <= 2000; ++i) simulation.stepTo(i * 1e-4);
+  const double after = arm.getCenterOfMassInSystem(simulation.active()).z;
   std::printf("let go, its centre of mass sinks by %.4f m in %.1f s, to a motion of %.3f J\n",
-              before - after, scene.state().time(),
-              arm.computeKineticEnergy(active, nullptr, nullptr));
+              before - after, simulation.state().time(), simulation.kineticEnergy());
   if (!(after < before)) return 1;
 
+  scene.setState(simulation.state());
   if (!KtXmlWriter::writeFile(result, scene)) return 1;
   std::printf("wrote %s\n", result.c_str());
   return 0;

@@ -38,18 +38,16 @@ struct Flight {
 };
 
 Flight fly(double step) {
-  KtStatedSystem scene = flyingBox();
+  const KtStatedSystem scene = flyingBox();
   const KtIndividualManipulator& box = scene.system().manipulators()[0];
-  KtSystemActiveState active;
-  KtArbiAccelerationTool tool;
-  KtAccelerationState acceleration;
+  KtSimulation simulation(scene);
   Flight flight{};
   const KtSecondMoment& inertia = box.massProperties().secondMoment();
   KtVector spin0, momentum0;
   double energy0 = 0.0;
   const int steps = static_cast<int>(std::lround(10.0 / step));
   for (int k = 0; k <= steps; ++k) {
-    const KtManipulatorSystemState& state = scene.state();
+    const KtManipulatorSystemState& state = simulation.state();
     const KtPositionState& position = state.positionStates()[0];
     const KtOrientation& axes = position.coordSysXForm().orientation();
     const KtVector spin = axes.inverse() * state.velocityStates()[0].generalVelocity().angular();
@@ -62,12 +60,7 @@ Flight fly(double step) {
     if (std::abs(state.time() - 1.0) < step / 2.0) {
       flight.height = position.coordSysXForm().translation().z;
     }
-
-    tool.acceleration(scene, box, position, state.velocityStates()[0], KtManipulatorTorque(),
-                      KtManipulatorExternalForce(), acceleration, nullptr, true);
-    active.setNonredundantState(state);
-    active.manipulatorActiveStateVector()[0].setAccelerationState(acceleration);
-    scene.propagateSelfTo((k + 1) * step, &active);
+    simulation.stepTo((k + 1) * step);
   }
   return flight;
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
 
 #include "ktManipulator/ktManipulator.h"
 
@@ -47,7 +48,7 @@ KtStatedSystem flywheel() {
 }  // namespace
 
 int main() {
-  KtStatedSystem scene = flywheel();
+  const KtStatedSystem scene = flywheel();
   const KtIndividualManipulator& drive = scene.system().manipulators()[0];
   const KtJointActuator& actuator = drive.linkByIndex(0)->jointActuator();
   const KtPowerConverterContainer& motor = actuator.powerConverterContainer();
@@ -55,41 +56,24 @@ int main() {
               actuator.effectiveInertia(0.0));
 
   constexpr double kVoltage = 24.0, kStep = 1e-5;
-  KtSystemActiveState active;
-  active.setNonredundantState(scene.state());
-  KtManipulatorActiveState& state = active.manipulatorActiveStateVector()[0];
-  state.setAccelerationState(KtAccelerationState::zeroCompatibleState(state.velocityState()));
-  actuator.initializeActuatorStates(state);
-  KtActuatorState& motors = state.actuatorState();
+  KtSimulation simulation(scene);
+  KtActuatorState& motors = simulation.active().actuatorState();
   motors.powerConverterStates()[0].resize(motor.numStateVariables());
   KtXmlBasicType<double>& current = motors.powerConverterStates()[0][0];
-
-  KtArbiAccelerationTool tool;
-  KtManipulatorTorque torque;
-  torque.jointTorques().resize(1);
-  KtManipulatorExternalForce none;
-  none.resize(1);
-  KtAccelerationState acceleration;
   KtBasePowerConverter::Derivatives rates;
-  KtStatedSystem::ResultVector results;
-  const auto step = [&](double time) {
-    active.setNonredundantState(scene.state());
-    // The joint is rigid, so it determines the motor's rate; the program integrates the current.
-    motors.motorVelocities()[0] = kRatio * state.velocityState().jointVelocities()[0];
+  // The joint is rigid, so it determines the motor's rate; the program integrates the current.
+  simulation.setTorqueLaw([&](const KtManipulatorSystemState&, std::span<double> torques) {
+    torques[0] = kRatio * motor.outputTorque(kVoltage, motors);
     motor.computeStateDerivatives(kVoltage, motors, rates);
-    torque.jointTorques()[0] = motor.outputTorque(kVoltage, motors);
-    tool.acceleration(scene, drive, torque, none, acceleration, state, true);
     current = current + kStep * rates[0];
-    state.setAccelerationState(acceleration);
-    scene.propagateSelfTo(time, results, &active);
-  };
-  for (int k = 1; k <= 200000; ++k) step(k * kStep);
+  });
+  for (int k = 1; k <= 200000; ++k) simulation.stepTo(k * kStep);
 
   // At constant speed K i = b w and u = R i + K w.
   const double expected = kVoltage * kConstant / (kResistance * kFriction + kConstant * kConstant);
-  const double rate = motors.motorVelocities()[0];
+  const double rate = simulation.active().actuatorState().motorVelocities()[0];
   std::printf("after %.0f s the motor turns at %.3f rad/s with %.4f A, the wheel at %.3f rad/s\n",
-              scene.state().time(), rate, current.value(), rate / kRatio);
+              simulation.state().time(), rate, current.value(), rate / kRatio);
   check(std::abs(rate - expected) < 1e-6 * expected, "that is the rate at which torques balance");
   check(std::abs(current - kFriction * expected / kConstant) < 1e-6, "and this current's torque");
   return 0;

@@ -56,28 +56,16 @@ double exact(double time) {
 }  // namespace
 
 int main() {
-  KtStatedSystem scene = oscillator();
-  const KtIndividualManipulator& manipulator = scene.system().manipulators()[0];
-  KtSystemActiveState active;
-  KtArbiAccelerationTool tool;
-  KtManipulatorTorque limp;
-  limp.jointTorques().resize(1);
-  KtManipulatorExternalForce none;
-  none.resize(1);
-  KtAccelerationState acceleration;
+  const KtStatedSystem scene = oscillator();
+  KtSimulation simulation(scene);
   double worst = 0.0;
   for (int k = 1; k <= 50000; ++k) {
-    const KtManipulatorSystemState& state = scene.state();
-    tool.acceleration(scene, manipulator, state.positionStates()[0], state.velocityStates()[0],
-                      limp, none, acceleration, nullptr, true);
-    active.setNonredundantState(state);
-    active.manipulatorActiveStateVector()[0].setAccelerationState(acceleration);
-    scene.propagateSelfTo(k * 1e-4, &active);
-    const double position = scene.state().positionStates()[0].jointPositions()[0];
-    worst = std::fmax(worst, std::abs(position - exact(scene.state().time())));
+    simulation.stepTo(k * 1e-4);
+    const double time = simulation.state().time();
+    const double position = simulation.state().positionStates()[0].jointPositions()[0];
+    worst = std::fmax(worst, std::abs(position - exact(time)));
     if (k % 10000 == 0) {
-      std::printf("at %.0f s: %8.5f m, exactly %8.5f m\n", scene.state().time(), position,
-                  exact(scene.state().time()));
+      std::printf("at %.0f s: %8.5f m, exactly %8.5f m\n", time, position, exact(time));
     }
   }
   check(worst < 1e-4, "at 1e-4 s the step is never off by more than 0.1 mm");

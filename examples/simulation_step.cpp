@@ -1,10 +1,12 @@
-// Simulates: the step of a dynamic loop, how far a step of first order is off, what happens at
-// limits and in collisions, and that a run can be repeated and continued to the last bit.
+// Simulates: with a class that owns the step, and by the pieces of a step; how far a step of first
+// order is off, what happens at limits and in collisions, what becomes of the energy, and that a
+// run can be continued to the last bit.
 
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <numbers>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,72 +19,11 @@ void check(bool holds, const char* what) {
   if (!holds) std::exit(1);
 }
 
-// The loop's memory of one scene. The tool is KtArbiAccelerationTool or KtCrbiAccelerationTool.
-template <class Tool>
-class Simulation {
- public:
-  explicit Simulation(KtStatedSystem& scene)
-      : scene_(scene), tools_(scene.system().numberOfManipulators()) {
-    const KtU32 count = scene.system().numberOfManipulators();
-    torques_.resize(count);
-    accelerations_.resize(count);
-    gravity_.resize(count);
-    for (KtU32 m = 0; m < count; ++m) {
-      torques_[m].jointTorques().resize(scene.system().jointDof(m));
-      gravity_[m].resize(scene.system().jointDof(m));
-      gravity_[m].setGeneralAcceleration({scene.environment().upGravityVector(), KtVector()});
-    }
-  }
-
-  // One torque for each joint, on the motor's side. They are 0 until they are set.
-  KtXmlVectorType<KtManipulatorTorque>& torques() { return torques_; }
-  // What the last step met.
-  const KtStatedSystem::ResultVector& results() const { return results_; }
-
-  // One step, from the scene's state to that at a later time.
-  void stepTo(double time, KtU32 collisionCheckMode = 0) {
-    const KtManipulatorSystem& system = scene_.system();
-    active_.setNonredundantState(scene_.state());
-    system.processLinkInteractions(active_, scene_.state().time(), torques_);
-    active_.generalForceVector().resize(system.numberOfManipulators());
-    for (KtU32 m = 0; m < system.numberOfManipulators(); ++m) {
-      accelerate(system.manipulators()[m], m);
-    }
-    for (KtPropagationResultData& result : results_.vectorContainer()) result.reset();
-    scene_.propagateSelfTo(time, results_, &active_, collisionCheckMode, 1.0, 1, 0.0);
-  }
-
- private:
-  // Computes the accelerations of a manipulator, and leaves them where the step finds them.
-  void accelerate(const KtIndividualManipulator& manipulator, KtU32 m) {
-    KtManipulatorActiveState& active = active_.manipulatorActiveStateVector()[m];
-    KtManipulatorExternalForce& forces = active_.generalForceVector()[m];
-    forces.resize(manipulator.jointDof());
-
-    active.setAccelerationState(gravity_[m]);
-    for (const KtManipulatorLink* link : manipulator.links()) {
-      link->jointActuator().initializeActuatorStates(active);  // motors in step with the joints
-    }
-    tools_[m].acceleration(scene_, manipulator, torques_[m], forces, accelerations_[m], active,
-                           true);
-    active.setAccelerationState(accelerations_[m]);
-  }
-
-  KtStatedSystem& scene_;
-  KtSystemActiveState active_;
-  std::vector<Tool> tools_;
-  KtXmlVectorType<KtManipulatorTorque> torques_;
-  std::vector<KtAccelerationState> gravity_;
-  std::vector<KtAccelerationState> accelerations_;
-  KtStatedSystem::ResultVector results_;
-};
-
 // Makes steps of equal length up to a time. The times come from a count and not from a sum, so that
 // they don't depend on where a run began.
-template <class Tool>
-void run(Simulation<Tool>& simulation, KtStatedSystem& scene, double step, double until) {
+void run(KtSimulation& simulation, double step, double until) {
   const long last = std::lround(until / step);
-  for (long k = std::lround(scene.state().time() / step) + 1; k <= last; ++k) {
+  for (long k = std::lround(simulation.state().time() / step) + 1; k <= last; ++k) {
     simulation.stepTo(static_cast<double>(k) * step);
   }
 }
@@ -116,21 +57,12 @@ KtStatedSystem pendulum(int rods) {
   return scene;
 }
 
-double angle(const KtStatedSystem& scene, KtU32 joint) {
-  return scene.state().positionStates()[0].jointPositions()[joint];
+double angle(const KtSimulation& simulation) {
+  return simulation.state().positionStates()[0].jointPositions()[0];
 }
 
-double rate(const KtStatedSystem& scene, KtU32 joint) {
-  return scene.state().velocityStates()[0].jointVelocities()[joint];
-}
-
-double energy(const KtStatedSystem& scene, KtManipulatorActiveState& active) {
-  const KtIndividualManipulator& arm = scene.system().manipulators()[0];
-  active.setPositionState(scene.state().positionStates()[0]);
-  active.setVelocityState(scene.state().velocityStates()[0]);
-  const double weight = arm.jointDof() * 9.81;  // of the pendulum's masses
-  return arm.computeKineticEnergy(active, nullptr, nullptr) +
-         weight * arm.getCenterOfMassInSystem(active).z;
+double rate(const KtSimulation& simulation) {
+  return simulation.state().velocityStates()[0].jointVelocities()[0];
 }
 
 // The angle of the simple pendulum by Jacobi's elliptic functions (Abramowitz and Stegun, 16.4).
@@ -151,24 +83,23 @@ double exactAngle(double time) {
 // The simple pendulum after 5 s: how far its mass is off, m, and the greatest error of its energy
 // on the way, J.
 void simplePendulum(double step, double& place, double& worst) {
-  KtStatedSystem scene = pendulum(1);
-  Simulation<KtArbiAccelerationTool> simulation(scene);
+  const KtStatedSystem scene = pendulum(1);
+  KtSimulation simulation(scene);
   const long last = std::lround(5.0 / step);
   for (long k = 1; k <= last; ++k) {
     simulation.stepTo(static_cast<double>(k) * step);
-    const double energy = 0.5 * std::pow(rate(scene, 0), 2) + 9.81 * std::sin(angle(scene, 0));
+    const double energy = 0.5 * std::pow(rate(simulation), 2) + 9.81 * std::sin(angle(simulation));
     worst = std::fmax(worst, std::abs(energy));
   }
-  place = 2.0 * std::abs(std::sin((angle(scene, 0) - exactAngle(5.0)) / 2.0));
+  place = 2.0 * std::abs(std::sin((angle(simulation) - exactAngle(5.0)) / 2.0));
 }
 
 // By how much the energy of a pendulum of two rods is off after a time, J. It begins with 0.
 double doublePendulum(double step, double duration) {
-  KtStatedSystem scene = pendulum(2);
-  Simulation<KtArbiAccelerationTool> simulation(scene);
-  run(simulation, scene, step, duration);
-  KtManipulatorActiveState active;
-  return energy(scene, active);
+  const KtStatedSystem scene = pendulum(2);
+  KtSimulation simulation(scene);
+  run(simulation, step, duration);
+  return simulation.kineticEnergy() + simulation.potentialEnergy();
 }
 
 void accuracy() {
@@ -189,41 +120,93 @@ void accuracy() {
   check(std::abs(doublePendulum(1e-3, 100.0)) > 1.0, "energy drifts where inertia changes");
 }
 
-void bothTools(const KtStatedSystem& arm) {
-  KtStatedSystem articulated = arm, composite = arm;
-  Simulation<KtArbiAccelerationTool> one(articulated);
-  Simulation<KtCrbiAccelerationTool> other(composite);
-  run(one, articulated, 1e-3, 0.2);
-  run(other, composite, 1e-3, 0.2);
-  check(articulated.state().approxEq(composite.state(), 1e-9, 1e-9),
-        "both tools lead to the same state");
+void bothMethods(const KtStatedSystem& arm) {
+  KtSimulation articulated(arm, KtSimulation::Method::kArticulated);
+  KtSimulation composite(arm, KtSimulation::Method::kComposite);
+  run(articulated, 1e-3, 0.2);
+  run(composite, 1e-3, 0.2);
+  check(articulated.state().approxEq(composite.state(), 1e-9, true),
+        "both methods lead to the same state");
 }
 
-// Brings joints to rest that stand at a limit and still move outwards, as an end stop does.
-void restAtLimits(KtStatedSystem& scene, KtU32 m) {
-  const KtPositionState& position = scene.state().positionStates()[m];
-  KtVelocityState velocity = scene.state().velocityStates()[m];
-  for (const KtManipulatorLink* link : scene.system().manipulators()[m].links()) {
-    const double q = position.jointPositions()[link->linkIndex()];
-    KtXmlBasicType<double>& rate = velocity.jointVelocities()[link->linkIndex()];
-    const KtJointActuator& actuator = link->jointActuator();
-    if ((q >= actuator.upperLimit() && rate > 0.0) || (q <= actuator.lowerLimit() && rate < 0.0)) {
-      rate = 0.0;
-    }
+// One step by its pieces: from a scene's state to that at a later time, under torques of motors.
+class Pieces {
+ public:
+  explicit Pieces(KtStatedSystem& scene) : scene_(scene) {
+    torques_.resize(1);
+    torques_[0].jointTorques().resize(scene.system().jointDof(0));
+    forces_.resize(scene.system().jointDof(0));
+    gravity_.resize(scene.system().jointDof(0));
+    gravity_.setGeneralAcceleration({scene.environment().upGravityVector(), KtVector()});
   }
-  scene.setIndividualVelocityState(m, velocity);
+
+  void stepTo(double time) {
+    const KtIndividualManipulator& arm = scene_.system().manipulators()[0];
+    active_.setNonredundantState(scene_.state());
+    scene_.system().processLinkInteractions(active_, scene_.state().time(), torques_);
+    KtManipulatorActiveState& active = active_.manipulatorActiveStateVector()[0];
+    active.setAccelerationState(gravity_);
+    for (const KtManipulatorLink* link : arm.links()) {
+      link->jointActuator().initializeActuatorStates(active);  // motors in step with the joints
+    }
+    tool_.acceleration(scene_, arm, torques_[0], forces_, acceleration_, active, true);
+    active.setAccelerationState(acceleration_);
+    for (KtPropagationResultData& result : results_.vectorContainer()) result.reset();
+    scene_.propagateSelfTo(time, results_, &active_);
+  }
+
+ private:
+  KtStatedSystem& scene_;
+  KtSystemActiveState active_;
+  KtArbiAccelerationTool tool_;
+  KtXmlVectorType<KtManipulatorTorque> torques_;
+  KtManipulatorExternalForce forces_;
+  KtAccelerationState gravity_, acceleration_;
+  KtStatedSystem::ResultVector results_;
+};
+
+void pieces(const KtStatedSystem& arm) {
+  KtStatedSystem scene = arm;
+  Pieces byHand(scene);
+  KtSimulation simulation(arm);
+  for (int k = 1; k <= 200; ++k) {
+    byHand.stepTo(k * 1e-3);
+    simulation.stepTo(k * 1e-3);
+  }
+  check(scene.state() == simulation.state(), "the step by its pieces gives the same bits");
+}
+
+// A controller: each joint is pulled to where it was at the start.
+void control(const KtStatedSystem& arm) {
+  KtSimulation simulation(arm);
+  const KtPositionState start = arm.state().positionStates()[0];
+  KtGravitationalTorqueTool weights;
+  weights.setManipulator(&arm.system().manipulators()[0]);
+  weights.setGravityVector(arm.environment().upGravityVector());
+  simulation.setTorqueLaw([&](const KtManipulatorSystemState& state, std::span<double> torques) {
+    const KtReArray& weight = weights.gravitationalTorques(simulation.active(), nullptr);
+    for (KtU32 i = 0; i < torques.size(); ++i) {
+      const double off =
+          state.positionStates()[0].jointPositions()[i] - start.jointPositions()[i].value();
+      const double rate = state.velocityStates()[0].jointVelocities()[i];
+      torques[i] = weight[i][0] - 50.0 * off - 5.0 * rate;
+    }
+  });
+  run(simulation, 1e-3, 0.5);
+  check(simulation.state().positionStates()[0].approxEq(start, 1e-6), "a controller holds the arm");
 }
 
 void limits() {
   KtStatedSystem scene = pendulum(1);
   scene.setJointLimit(0, "rod 1", true, -1.0);  // true: the lower limit
-  Simulation<KtArbiAccelerationTool> simulation(scene);
-  run(simulation, scene, 1e-3, 1.0);
-  check(simulation.results()[0].hitJointLimit() && angle(scene, 0) == -1.0,
+  KtSimulation keeping(scene), stopping(scene);
+  stopping.setLimits(KtSimulation::Limits::kStopRates);
+  run(keeping, 1e-3, 1.0);
+  run(stopping, 1e-3, 1.0);
+  check(keeping.lastStep().limits.size() == 1 && angle(keeping) == -1.0,
         "a joint stands exactly at the limit that it hit");
-  check(rate(scene, 0) < -5.0, "and keeps its rate, which goes on growing");
-  restAtLimits(scene, 0);
-  check(rate(scene, 0) == 0.0, "unless the program brings it to rest");
+  check(rate(keeping) < -5.0, "and keeps its rate, which goes on growing");
+  check(angle(stopping) == -1.0 && std::abs(rate(stopping)) < 1e-12, "unless an impact takes it");
 }
 
 // A scene with a floor 0.9 m below its origin. A manipulator collides with it where the end of a
@@ -254,27 +237,43 @@ class Floored : public KtStatedSystem {
 };
 
 void collisions() {
-  Floored scene(pendulum(1));
-  Simulation<KtArbiAccelerationTool> simulation(scene);
-  for (long k = 1; k <= 1000; ++k) simulation.stepTo(static_cast<double>(k) * 1e-3, 1);
-  check(simulation.results()[0].collisionOccurred(), "an own check is asked in mode 1");
-  check(std::sin(angle(scene, 0)) > -0.9 && std::sin(angle(scene, 0)) < -0.89,
+  const Floored scene(pendulum(1));
+  KtSimulation simulation(scene);
+  simulation.setCollisions(KtSimulation::Collisions::kTakeBackAll);
+  run(simulation, 1e-3, 1.0);
+  check(simulation.lastStep().collided.size() == 1, "an own check is asked");
+  check(std::sin(angle(simulation)) > -0.9 && std::sin(angle(simulation)) < -0.89,
         "the position before the collision stays");
-  check(scene.state().time() == 1.0, "the time goes on");
+  check(simulation.state().time() == 1.0, "the time goes on");
 }
 
 void sameBits(const KtStatedSystem& arm, const std::string& fileName) {
-  KtStatedSystem whole = arm, first = arm;
-  Simulation<KtArbiAccelerationTool> simulation(whole), begun(first);
-  run(simulation, whole, 1e-3, 0.4);
-  run(begun, first, 1e-3, 0.2);
-  if (!KtXmlWriter::writeFile(fileName, first)) std::exit(1);
+  KtSimulation whole(arm), begun(arm);
+  run(whole, 1e-3, 0.4);
+  run(begun, 1e-3, 0.2);
+  KtStatedSystem scene = arm;
+  scene.setState(begun.state());
+  if (!KtXmlWriter::writeFile(fileName, scene)) std::exit(1);
 
-  KtStatedSystem second;
-  if (!KtXmlReader::readFile(fileName, second)) std::exit(1);
-  Simulation<KtArbiAccelerationTool> continued(second);
-  run(continued, second, 1e-3, 0.4);
-  check(second == whole, "a run that was saved and continued ends at the same bits");
+  KtStatedSystem later;
+  if (!KtXmlReader::readFile(fileName, later)) std::exit(1);
+  KtSimulation continued(later);
+  run(continued, 1e-3, 0.4);
+  check(continued.state() == whole.state(),
+        "a run that was saved and continued ends at the same bits");
+}
+
+// What has changed the energy of an arm that falls against its limits.
+void energy(const KtStatedSystem& arm) {
+  KtSimulation simulation(arm);
+  simulation.setLimits(KtSimulation::Limits::kStopRates);
+  simulation.setKeepsBalance(true);
+  run(simulation, 1e-3, 2.0);
+  const KtEnergyBalance balance = simulation.energyBalance();
+  std::printf("energy changed by %.3f J, at limits by %.3f J, by the integrator by %.3f J\n",
+              balance.change(), balance.limits, balance.remainder());
+  check(balance.limits < 0.0 && std::abs(balance.remainder()) < 0.01 * std::abs(balance.change()),
+        "impacts take energy, and the rest is small");
 }
 
 }  // namespace
@@ -284,10 +283,13 @@ int main(int argc, char** argv) {
   const std::string fileName = argc > 2 ? argv[2] : "half-way.xml";
   KtStatedSystem arm;
   if (!KtXmlReader::readFile(folder + "/puma560.xml", arm)) return 1;  // messages say why
-  bothTools(arm);
+  bothMethods(arm);
+  pieces(arm);
+  control(arm);
   limits();
   collisions();
   sameBits(arm, fileName);
+  energy(arm);
   accuracy();
   return 0;
 }
