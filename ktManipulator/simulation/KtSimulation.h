@@ -69,9 +69,9 @@ class KT_EXPORT KtSimulation {
   };
   /// A description that stopping criteria of a manipulator registered.
   struct Stop {
-    KtU32 manipulator = 0;  ///< its index
-    std::string description;
-    Event event;
+    KtU32 manipulator = 0;    ///< its index
+    std::string description;  ///< as the criteria that were satisfied in one step registered it
+    Event event;              ///< Steps that it was registered in.
   };
   /// What the last step met. Joints are places in `joints()`, manipulators indices.
   struct Step {
