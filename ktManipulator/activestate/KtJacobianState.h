@@ -60,18 +60,15 @@ class KT_EXPORT KtJacobianState {
   /// For each row of the Jacobian, the first column that may be non-zero; see
   /// `KtReArray::nullSpaceSparse`.
   virtual const std::vector<unsigned int>& sparsityIndices() const;
-  /// The same, to be changed.
   virtual std::vector<unsigned int>& sparsityIndices();
   /// For each row of the Jacobian, the first column from which on all are zero; to be changed.
   virtual std::vector<unsigned int>& zeroStart();
   /// Whether `sparsityIndices()` and `zeroStart()` hold. For the caller's use: `isSparse` decides
   /// whether they are used.
   virtual bool sparsityValid() const;
-  /// Sets what `sparsityValid()` answers.
   virtual void setSparsityValid(bool valid);
   /// Whether the null space is computed with the known zeros skipped.
   virtual bool isSparse() const;
-  /// Sets what `isSparse()` answers.
   virtual void setIsSparse(bool sparse);
   /// The Jacobian's factors, in the top rows of a square array, computed if they aren't valid; see
   /// `KtReArray::nullSpace`.

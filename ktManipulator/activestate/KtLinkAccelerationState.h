@@ -7,10 +7,10 @@
 /// Accelerations are in m/s^2 and rad/s^2, rates of momenta in N and N m.
 ///
 /// The accelerations are those of points, not spatial ones: the linear part is the second
-/// derivative of the frame origin's position. A motion is undefined unless its flag is set.
-/// All flags are false and all motions zero by default. Entries are stored by value in lists that
-/// the innermost loops read, so no operation is virtual. Equality compares what files hold, the
-/// first three motions.
+/// derivative of the frame origin's position. A motion is undefined unless its flag is set; setting
+/// a motion sets its flag. All flags are false and all motions zero by default. Entries are stored
+/// by value in lists that the innermost loops read, so no operation is virtual. Equality compares
+/// what files hold, the first three motions.
 class KT_EXPORT KtLinkAccelerationState : public Kt::detail::LinkMotions<KtLinkAccelerationState> {
  public:
   void registerComponents() override;
@@ -19,11 +19,9 @@ class KT_EXPORT KtLinkAccelerationState : public Kt::detail::LinkMotions<KtLinkA
   const KtGeneralMotion& dhFrameAccelerationInLocal() const noexcept {
     return motion(kDhFrameInLocal);
   }
-  /// Sets what `dhFrameAccelerationInLocal()` answers and marks it as valid.
   void setDhFrameAccelerationInLocal(const KtGeneralMotion& motion) noexcept {
     setMotion(kDhFrameInLocal, motion);
   }
-  /// The same from its two parts.
   void setDhFrameAccelerationInLocal(const KtVector& linear, const KtVector& angular) noexcept {
     setMotion(kDhFrameInLocal, linear, angular);
   }
@@ -31,7 +29,6 @@ class KT_EXPORT KtLinkAccelerationState : public Kt::detail::LinkMotions<KtLinkA
   const KtGeneralMotion& dhFrameAccelerationInSystem() const noexcept {
     return motion(kDhFrameInSystem);
   }
-  /// Sets what `dhFrameAccelerationInSystem()` answers and marks it as valid.
   void setDhFrameAccelerationInSystem(const KtGeneralMotion& motion) noexcept {
     setMotion(kDhFrameInSystem, motion);
   }
@@ -39,44 +36,37 @@ class KT_EXPORT KtLinkAccelerationState : public Kt::detail::LinkMotions<KtLinkA
   const KtGeneralMotion& primaryFrameAccelerationInSystem() const noexcept {
     return motion(kPrimaryFrameInSystem);
   }
-  /// Sets what `primaryFrameAccelerationInSystem()` answers and marks it as valid.
   void setPrimaryFrameAccelerationInSystem(const KtGeneralMotion& motion) noexcept {
     setMotion(kPrimaryFrameInSystem, motion);
   }
   /// Acceleration of the centre of mass and of the link's rotation, in DH axes.
   const KtGeneralMotion& comAccelerationInLocal() const noexcept { return motion(kComInLocal); }
-  /// Sets what `comAccelerationInLocal()` answers and marks it as valid.
   void setComAccelerationInLocal(const KtGeneralMotion& motion) noexcept {
     setMotion(kComInLocal, motion);
   }
   /// Rate of the linear momentum, and of the angular momentum about the centre of mass, in DH axes.
   const KtGeneralMotion& momentumRateInLocal() const noexcept { return motion(kMomentum); }
-  /// Sets what `momentumRateInLocal()` answers and marks it as valid.
   void setMomentumRateInLocal(const KtGeneralMotion& motion) noexcept {
     setMotion(kMomentum, motion);
   }
   /// Whether `momentumRateInLocal()` holds.
   bool localMomentumRateValid() const noexcept { return motionValid(kMomentum); }
-  /// Sets what `localMomentumRateValid()` answers.
   void setLocalMomentumRateValid(bool valid) noexcept { setMotionValid(kMomentum, valid); }
   /// The same summed up over the link and all links outboard of it.
   const KtGeneralMotion& compositeMomentumRateInLocal() const noexcept {
     return motion(kCompositeMomentum);
   }
-  /// Sets what `compositeMomentumRateInLocal()` answers and marks it as valid.
   void setCompositeMomentumRateInLocal(const KtGeneralMotion& motion) noexcept {
     setMotion(kCompositeMomentum, motion);
   }
   /// Whether `compositeMomentumRateInLocal()` holds.
   bool compositeMomentumRateValid() const noexcept { return motionValid(kCompositeMomentum); }
-  /// Sets what `compositeMomentumRateValid()` answers.
   void setCompositeMomentumRateValid(bool valid) noexcept {
     setMotionValid(kCompositeMomentum, valid);
   }
 
   /// Exact equality of what files hold.
   bool operator==(const KtLinkAccelerationState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkAccelerationStateToken; }
 };
 

@@ -11,9 +11,9 @@
 
 /// The articulated dynamics of one link: an entry of a `KtManipulatorActiveArticulationState`.
 ///
-/// A value is undefined unless its flag is set. All flags are false and all values zero by
-/// default. Entries are stored by value in lists that the innermost loops read, so no operation is
-/// virtual.
+/// A value is undefined unless its flag is set; setting a value sets its flag. All flags are false
+/// and all values zero by default. Entries are stored by value in lists that the innermost loops
+/// read, so no operation is virtual.
 class KT_EXPORT KtLinkArticulationState
     : public KtXmlPersistent<KtLinkArticulationState, KtXmlCompoundType> {
  public:
@@ -23,26 +23,22 @@ class KT_EXPORT KtLinkArticulationState
   const KtArticulatedBodyDynamics& arbd() const noexcept { return arbd_; }
   /// The same, to be computed in place; its flag is left to the caller.
   KtArticulatedBodyDynamics& arbdToFill() noexcept { return arbd_; }
-  /// Sets what `arbd()` answers and marks it as valid.
   void setArbd(const KtArticulatedBodyDynamics& dynamics) {
     arbd_ = dynamics;
     valid_.set(kArbd);
   }
   /// Whether `arbd()` holds.
   bool arbdValid() const noexcept { return valid_.test(kArbd); }
-  /// Sets what `arbdValid()` answers.
   void setArbdValid(bool valid) noexcept { valid_.set(kArbd, valid); }
   /// What torques and forces add to the acceleration of the DH frame, m/s^2 and rad/s^2, in DH
   /// axes.
   const KtGeneralMotion& supplementalDhAcceleration() const noexcept {
     return supplementalDhAcceleration_;
   }
-  /// Sets what `supplementalDhAcceleration()` answers and marks it as valid.
   void setSupplementalDhAcceleration(const KtGeneralMotion& acceleration) noexcept {
     supplementalDhAcceleration_ = acceleration;
     valid_.set(kSupplementalDhAcceleration);
   }
-  /// The same from its two parts.
   void setSupplementalDhAcceleration(const KtVector& linear, const KtVector& angular) noexcept {
     supplementalDhAcceleration_.setLinear(linear);
     supplementalDhAcceleration_.setAngular(angular);
@@ -52,13 +48,11 @@ class KT_EXPORT KtLinkArticulationState
   bool supplementalDhAccelerationValid() const noexcept {
     return valid_.test(kSupplementalDhAcceleration);
   }
-  /// Sets what `supplementalDhAccelerationValid()` answers.
   void setSupplementalDhAccelerationValid(bool valid) noexcept {
     valid_.set(kSupplementalDhAcceleration, valid);
   }
   /// The acceleration of the joint under torques and forces, rad/s^2 or m/s^2.
   double supplementalJointAcceleration() const noexcept { return supplementalJointAcceleration_; }
-  /// Sets what `supplementalJointAcceleration()` answers and marks it as valid.
   void setSupplementalJointAcceleration(double acceleration) noexcept {
     supplementalJointAcceleration_ = acceleration;
     valid_.set(kSupplementalJointAcceleration);
@@ -67,16 +61,13 @@ class KT_EXPORT KtLinkArticulationState
   bool supplementalJointAccelerationValid() const noexcept {
     return valid_.test(kSupplementalJointAcceleration);
   }
-  /// Sets what `supplementalJointAccelerationValid()` answers.
   void setSupplementalJointAccelerationValid(bool valid) noexcept {
     valid_.set(kSupplementalJointAcceleration, valid);
   }
   /// Makes all three values invalid.
   void invalidateAll() noexcept { valid_.clear(); }
 
-  /// Exact equality.
   bool operator==(const KtLinkArticulationState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkArticulationStateToken; }
 
  private:

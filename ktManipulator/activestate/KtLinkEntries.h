@@ -26,7 +26,6 @@ class LinkEntries {
     handOutForGood();
     return links_;
   }
-  /// Sets what `links()` answers.
   void setLinks(const KtXmlVectorType<Entry>& links) {
     allInvalid_ = false;
     links_ = links;

@@ -10,9 +10,10 @@
 
 /// The forces on one link: an entry of a `KtManipulatorActiveForceState`.
 ///
-/// The force is undefined unless its flag is set. By default it is zero and invalid. Entries are
-/// stored by value in lists that the innermost loops read, so no operation is virtual. Equality
-/// compares what files hold, which excludes the description of the external force.
+/// The force is undefined unless its flag is set; setting the force sets its flag. By default it is
+/// zero and invalid. Entries are stored by value in lists that the innermost loops read, so no
+/// operation is virtual. Equality compares what files hold, which excludes the description of the
+/// external force.
 class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXmlCompoundType> {
  public:
   /// Reads the force and its valid flag; the description gets invalid. See `KtXmlObject::read`.
@@ -22,12 +23,10 @@ class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXm
   /// The force that the inboard side exerts on the link and all links outboard of it, N, and its
   /// moment about the DH frame's origin, N m, in DH axes.
   const KtGeneralForce& dhFrameForceInLocal() const noexcept { return dhFrameForceInLocal_; }
-  /// Sets what `dhFrameForceInLocal()` answers and marks it as valid.
   void setDhFrameForceInLocal(const KtGeneralForce& force) noexcept {
     dhFrameForceInLocal_ = force;
     valid_.set(kLocalDh);
   }
-  /// The same from its two parts.
   void setDhFrameForceInLocal(const KtVector& force, const KtVector& moment) noexcept {
     dhFrameForceInLocal_.setForce(force);
     dhFrameForceInLocal_.setMoment(moment);
@@ -35,13 +34,11 @@ class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXm
   }
   /// Whether `dhFrameForceInLocal()` holds.
   bool localDhValid() const noexcept { return valid_.test(kLocalDh); }
-  /// Sets what `localDhValid()` answers.
   void setLocalDhValid(bool valid) noexcept { valid_.set(kLocalDh, valid); }
   /// The external force on the link, to be shown as an arrow. It tells itself whether it holds.
   const KtExternalForceDescription& externalForceDescription() const noexcept {
     return externalForceDescription_;
   }
-  /// Sets what `externalForceDescription()` answers.
   void setExternalForceDescription(const KtExternalForceDescription& description) {
     externalForceDescription_ = description;
   }
@@ -53,7 +50,6 @@ class KT_EXPORT KtLinkForceState : public KtXmlPersistent<KtLinkForceState, KtXm
 
   /// Exact equality of what files hold.
   bool operator==(const KtLinkForceState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkForceStateToken; }
 
  private:

@@ -9,7 +9,8 @@
 
 /// The composite inertia of one link: an entry of a `KtManipulatorActiveMassState`.
 ///
-/// The inertia is undefined unless its flag is set; it is not set by default. Entries are stored by
+/// The inertia is undefined unless its flag is set; setting the inertia sets its flag, which is not
+/// set by default. Entries are stored by
 /// value in lists that the innermost loops read, so no operation is virtual.
 class KT_EXPORT KtLinkMassState : public KtXmlPersistent<KtLinkMassState, KtXmlCompoundType> {
  public:
@@ -17,21 +18,17 @@ class KT_EXPORT KtLinkMassState : public KtXmlPersistent<KtLinkMassState, KtXmlC
 
   /// The inertia of the link and all links outboard of it, as one rigid body in the DH frame.
   const KtRigidBodyMassProperties& crbi() const noexcept { return crbi_; }
-  /// Sets what `crbi()` answers and marks it as valid.
   void setCrbi(const KtRigidBodyMassProperties& properties) {
     crbi_ = properties;
     valid_.set(kCrbi);
   }
   /// Whether `crbi()` holds.
   bool crbiValid() const noexcept { return valid_.test(kCrbi); }
-  /// Sets what `crbiValid()` answers.
   void setCrbiValid(bool valid) noexcept { valid_.set(kCrbi, valid); }
   /// Makes the inertia invalid.
   void invalidateAll() noexcept { valid_.clear(); }
 
-  /// Exact equality.
   bool operator==(const KtLinkMassState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkMassStateToken; }
 
  private:

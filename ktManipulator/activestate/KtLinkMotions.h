@@ -29,19 +29,15 @@ class LinkMotions : public KtXmlPersistent<State, KtXmlCompoundType> {
 
   /// Whether the motion of the DH frame in its own axes holds.
   bool localDhValid() const noexcept { return valid_.test(kDhFrameInLocal); }
-  /// Sets what `localDhValid()` answers.
   void setLocalDhValid(bool valid) noexcept { valid_.set(kDhFrameInLocal, valid); }
   /// Whether the motion of the DH frame in system axes holds.
   bool systemDhValid() const noexcept { return valid_.test(kDhFrameInSystem); }
-  /// Sets what `systemDhValid()` answers.
   void setSystemDhValid(bool valid) noexcept { valid_.set(kDhFrameInSystem, valid); }
   /// Whether the motion of the primary frame holds.
   bool systemPrimaryValid() const noexcept { return valid_.test(kPrimaryFrameInSystem); }
-  /// Sets what `systemPrimaryValid()` answers.
   void setSystemPrimaryValid(bool valid) noexcept { valid_.set(kPrimaryFrameInSystem, valid); }
   /// Whether the motion of the centre of mass holds.
   bool localComValid() const noexcept { return valid_.test(kComInLocal); }
-  /// Sets what `localComValid()` answers.
   void setLocalComValid(bool valid) noexcept { valid_.set(kComInLocal, valid); }
   /// Makes all six motions invalid.
   void invalidateAll() noexcept { valid_.clear(); }
@@ -71,7 +67,6 @@ class LinkMotions : public KtXmlPersistent<State, KtXmlCompoundType> {
     motions_[which] = motion;
     valid_.set(which);
   }
-  /// The same from its two parts.
   void setMotion(Motion which, const KtVector& linear, const KtVector& angular) noexcept {
     motions_[which].setLinear(linear);
     motions_[which].setAngular(angular);
@@ -79,7 +74,6 @@ class LinkMotions : public KtXmlPersistent<State, KtXmlCompoundType> {
   }
   /// Whether a motion holds.
   bool motionValid(Motion which) const noexcept { return valid_.test(which); }
-  /// Sets what `motionValid` answers.
   void setMotionValid(Motion which, bool valid) noexcept { valid_.set(which, valid); }
   /// Registers the motions that files have, under their names, and their flags.
   void registerMotions(const KtToken& dhFrameInLocal, const KtToken& dhFrameInSystem,

@@ -20,11 +20,11 @@ class KT_EXPORT KtLinkPositionState
 
   /// The DH frame in the system.
   const KtCoordinateSystemTransformation& dhFrame() const noexcept { return dhFrame_; }
-  /// Sets what `dhFrame()` answers, but not its flag.
+  /// Sets the frame and leaves its validity flag as it is.
   void setDhFrame(const KtCoordinateSystemTransformation& frame) noexcept { dhFrame_ = frame; }
   /// The primary frame in the system.
   const KtCoordinateSystemTransformation& primaryFrame() const noexcept { return primaryFrame_; }
-  /// Sets what `primaryFrame()` answers, but not its flag.
+  /// Sets the frame and leaves its validity flag as it is.
   void setPrimaryFrame(const KtCoordinateSystemTransformation& frame) noexcept {
     primaryFrame_ = frame;
   }
@@ -41,7 +41,7 @@ class KT_EXPORT KtLinkPositionState
   }
   /// The joint transform: the DH frame in that of the inboard link.
   const KtCoordinateSystemTransformation& dhTransform() const noexcept { return dhTransform_; }
-  /// Sets what `dhTransform()` answers, but not its flag.
+  /// Sets the transformation and leaves its validity flag as it is.
   void setDhTransform(const KtCoordinateSystemTransformation& transform) noexcept {
     dhTransform_ = transform;
     dhRotation_ = Kt::detail::RotationMatrix(transform.orientation());
@@ -50,11 +50,9 @@ class KT_EXPORT KtLinkPositionState
   const Kt::detail::RotationMatrix& dhRotation() const noexcept { return dhRotation_; }
   /// Whether `dhFrame()` and `primaryFrame()` hold.
   bool locationInSystemValid() const noexcept { return valid_.test(kLocationInSystem); }
-  /// Sets what `locationInSystemValid()` answers.
   void setLocationInSystemValid(bool valid) noexcept { valid_.set(kLocationInSystem, valid); }
   /// Whether `dhTransform()` holds. A file tells it though it doesn't hold the transform.
   bool dhTransformValid() const noexcept { return valid_.test(kDhTransform); }
-  /// Sets what `dhTransformValid()` answers.
   void setDhTransformValid(bool valid) noexcept { valid_.set(kDhTransform, valid); }
   /// Clears both flags.
   void invalidateAll() noexcept { valid_.clear(); }
@@ -64,7 +62,6 @@ class KT_EXPORT KtLinkPositionState
     return valid_ == other.valid_ && dhFrame_ == other.dhFrame_ &&
            primaryFrame_ == other.primaryFrame_;
   }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkPositionStateToken; }
 
  private:

@@ -21,7 +21,6 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
   virtual void setAccelerationState(const KtAccelerationState& state);
   /// The entries of the links.
   virtual const LinkStates& linkAccelerationStates() const { return entries_.links(); }
-  /// The same, to be changed.
   virtual LinkStates& linkAccelerationStates() { return entries_.links(); }
   /// `KtLinkAccelerationState::dhFrameAccelerationInLocal` of a link.
   virtual const KtGeneralMotion& linkDhAccelerationInLocal(KtU32 index) const {
@@ -71,13 +70,10 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
   virtual void setLinkCompositeMomentumRateInLocal(KtU32 index, const KtGeneralMotion& motion) {
     entry(index).setCompositeMomentumRateInLocal(motion);
   }
-  /// Sets what `linkAccelerationStates()` answers.
   virtual void setLinkAccelerationStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkAccelerationState& baseAccelerationState() const { return entries_.base(); }
-  /// The same, to be changed.
   virtual KtLinkAccelerationState& baseAccelerationState() { return entries_.base(); }
-  /// Sets what `baseAccelerationState()` answers.
   virtual void setBaseAccelerationState(const KtLinkAccelerationState& state) {
     entries_[ktBaseIndex] = state;
   }
@@ -97,7 +93,6 @@ class KT_EXPORT KtManipulatorActiveAccelerationState
 
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveAccelerationState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveAccelerationStateToken; }
 
  private:

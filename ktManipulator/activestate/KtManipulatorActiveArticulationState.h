@@ -15,11 +15,9 @@ class KT_EXPORT KtManipulatorActiveArticulationState
 
   /// The entries of the links.
   virtual const LinkStates& linkArticulationStates() const { return entries_.links(); }
-  /// Sets what `linkArticulationStates()` answers.
   virtual void setLinkArticulationStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkArticulationState& baseArticulationState() const { return entries_.base(); }
-  /// Sets what `baseArticulationState()` answers.
   virtual void setBaseArticulationState(const KtLinkArticulationState& state) {
     entries_[ktBaseIndex] = state;
   }
@@ -62,8 +60,6 @@ class KT_EXPORT KtManipulatorActiveArticulationState
   /// Gives the list of entries a size if it has another one; new entries are invalid.
   virtual void resize(KtU32 count) { entries_.resize(count); }
 
-  /// Exact equality.
   bool operator==(const KtManipulatorActiveArticulationState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveArticulationStateToken; }
 };

@@ -28,17 +28,14 @@ class KT_EXPORT KtManipulatorActiveForceState
   virtual void setLinkDhForceInLocal(KtU32 index, const KtGeneralForce& force) {
     entry(index).setDhFrameForceInLocal(force);
   }
-  /// Sets what `linkForceStates()` answers.
   virtual void setLinkForceStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkForceState& baseForceState() const { return entries_.base(); }
-  /// Sets what `baseForceState()` answers.
   virtual void setBaseForceState(const KtLinkForceState& state) { entries_[ktBaseIndex] = state; }
   /// The external force on a link, to be shown as an arrow. An index beyond the end is reported and
   /// gives `m_theZeroForceDescription`.
   virtual const KtExternalForceDescription& externalForceDescription(const KtU32& index) const;
-  /// Sets what `externalForceDescription` answers. An index beyond the end is reported and changes
-  /// nothing.
+  /// An index beyond the end is reported and changes nothing.
   virtual void setExternalForceDescription(const KtU32& index,
                                            const KtExternalForceDescription& description);
   /// Makes all entries and descriptions invalid.
@@ -46,7 +43,6 @@ class KT_EXPORT KtManipulatorActiveForceState
 
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveForceState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveForceStateToken; }
 
   /// The shared description of no force. It is not valid.

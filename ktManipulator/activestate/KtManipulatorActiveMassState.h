@@ -16,11 +16,9 @@ class KT_EXPORT KtManipulatorActiveMassState
 
   /// The entries of the links.
   virtual const LinkStates& linkMassStates() const { return entries_.links(); }
-  /// Sets what `linkMassStates()` answers.
   virtual void setLinkMassStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkMassState& baseMassState() const { return entries_.base(); }
-  /// Sets what `baseMassState()` answers.
   virtual void setBaseMassState(const KtLinkMassState& state) { entries_[ktBaseIndex] = state; }
   /// `KtLinkMassState::crbi` of a link.
   virtual const KtRigidBodyMassProperties& crbi(KtU32 index) const { return entry(index).crbi(); }
@@ -33,8 +31,6 @@ class KT_EXPORT KtManipulatorActiveMassState
   /// Gives the list of entries a size if it has another one; new entries are invalid.
   virtual void resize(KtU32 count) { entries_.resize(count); }
 
-  /// Exact equality.
   bool operator==(const KtManipulatorActiveMassState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveMassStateToken; }
 };

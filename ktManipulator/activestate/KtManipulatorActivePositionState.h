@@ -16,8 +16,8 @@ class KT_EXPORT KtManipulatorActivePositionState
 
   /// The positions of the joints and the place of the base.
   virtual const KtPositionState& positionState() const { return positionState_; }
-  /// Sets what `positionState()` answers, gives the list of entries the number of its joints, and
-  /// makes all entries invalid.
+  /// Sets the positions, resizes the list of entries to the number of joints and makes all entries
+  /// invalid.
   virtual void setPositionState(const KtPositionState& state);
   /// The entries of the links.
   virtual const LinkStates& linkPositionStates() const { return entries_.links(); }
@@ -32,7 +32,6 @@ class KT_EXPORT KtManipulatorActivePositionState
     state.setDhTransform(transform);
     state.setDhTransformValid(true);
   }
-  /// Sets what `linkPositionStates()` answers.
   virtual void setLinkPositionStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkPositionState& basePositionState() const { return entries_.base(); }
@@ -41,7 +40,6 @@ class KT_EXPORT KtManipulatorActivePositionState
                                         const KtCoordinateSystemTransformation& primaryFrame) {
     setFrames(entries_[ktBaseIndex], dhFrame, primaryFrame);
   }
-  /// Sets what `basePositionState()` answers.
   virtual void setBasePositionState(const KtLinkPositionState& state) {
     entries_[ktBaseIndex] = state;
   }
@@ -57,7 +55,6 @@ class KT_EXPORT KtManipulatorActivePositionState
 
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActivePositionState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActivePositionStateToken; }
 
  private:

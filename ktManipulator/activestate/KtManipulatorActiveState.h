@@ -43,8 +43,8 @@ class KT_EXPORT KtManipulatorActiveState
   virtual const KtPositionState& positionState() const {
     return activePositionState_.positionState();
   }
-  /// Sets what `positionState()` answers, gives all parts the number of its joints, and makes
-  /// everything invalid.
+  /// Sets the positions, resizes all parts to the number of joints and makes every cached result
+  /// invalid.
   ///
   /// @return false, with nothing done, if the value is exactly the same as before
   virtual bool setPositionState(const KtPositionState& state);
@@ -61,17 +61,15 @@ class KT_EXPORT KtManipulatorActiveState
   virtual const KtAccelerationState& accelerationState() const {
     return activeAccelerationState_.accelerationState();
   }
-  /// Sets what `accelerationState()` answers, without a comparison, and makes accelerations, forces
-  /// and articulated dynamics invalid.
+  /// Sets the accelerations without a comparison, and makes the cached accelerations, forces and
+  /// articulated dynamics invalid.
   virtual void setAccelerationState(const KtAccelerationState& state);
 
   /// Positions, and frames of links.
   virtual const KtManipulatorActivePositionState& activePositionState() const {
     return activePositionState_;
   }
-  /// The same, to be filled.
   virtual KtManipulatorActivePositionState& activePositionState() { return activePositionState_; }
-  /// Sets what `activePositionState()` answers.
   virtual void setActivePositionState(const KtManipulatorActivePositionState& state) {
     activePositionState_ = state;
   }
@@ -79,9 +77,7 @@ class KT_EXPORT KtManipulatorActiveState
   virtual const KtManipulatorActiveVelocityState& activeVelocityState() const {
     return activeVelocityState_;
   }
-  /// The same, to be filled.
   virtual KtManipulatorActiveVelocityState& activeVelocityState() { return activeVelocityState_; }
-  /// Sets what `activeVelocityState()` answers.
   virtual void setActiveVelocityState(const KtManipulatorActiveVelocityState& state) {
     activeVelocityState_ = state;
   }
@@ -93,7 +89,6 @@ class KT_EXPORT KtManipulatorActiveState
   virtual KtManipulatorActiveAccelerationState& activeAccelerationState() {
     return accelerationCache();
   }
-  /// Sets what `activeAccelerationState()` answers.
   virtual void setActiveAccelerationState(const KtManipulatorActiveAccelerationState& state) {
     activeAccelerationState() = state;
   }
@@ -103,15 +98,12 @@ class KT_EXPORT KtManipulatorActiveState
   }
   /// The same, to be filled. It doesn't count as clean from then on.
   virtual KtManipulatorActiveForceState& activeForceState() { return forceCache(); }
-  /// Sets what `activeForceState()` answers.
   virtual void setActiveForceState(const KtManipulatorActiveForceState& state) {
     activeForceState() = state;
   }
   /// Composite inertias of links.
   virtual const KtManipulatorActiveMassState& activeMassState() const { return activeMassState_; }
-  /// The same, to be filled.
   virtual KtManipulatorActiveMassState& activeMassState() { return activeMassState_; }
-  /// Sets what `activeMassState()` answers.
   virtual void setActiveMassState(const KtManipulatorActiveMassState& state) {
     activeMassState_ = state;
   }
@@ -119,19 +111,15 @@ class KT_EXPORT KtManipulatorActiveState
   virtual const KtManipulatorActiveArticulationState& activeArticulationState() const {
     return activeArticulationState_;
   }
-  /// The same, to be filled.
   virtual KtManipulatorActiveArticulationState& activeArticulationState() {
     return activeArticulationState_;
   }
-  /// Sets what `activeArticulationState()` answers.
   virtual void setActiveArticulationState(const KtManipulatorActiveArticulationState& state) {
     activeArticulationState_ = state;
   }
   /// The dynamic quantities of the actuators.
   virtual const KtActuatorState& actuatorState() const { return actuatorState_; }
-  /// The same, to be changed.
   virtual KtActuatorState& actuatorState() { return actuatorState_; }
-  /// Sets what `actuatorState()` answers.
   virtual void setActuatorState(const KtActuatorState& state) { actuatorState_ = state; }
   /// Makes everything invalid but the dynamic quantities of the actuators, which stay.
   virtual void invalidateAll();
@@ -161,7 +149,6 @@ class KT_EXPORT KtManipulatorActiveState
 
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveStateToken; }
 
  private:

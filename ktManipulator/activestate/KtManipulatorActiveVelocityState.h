@@ -16,12 +16,11 @@ class KT_EXPORT KtManipulatorActiveVelocityState
 
   /// The rates of the joints and the velocity of the base.
   virtual const KtVelocityState& velocityState() const { return velocityState_; }
-  /// Sets what `velocityState()` answers, gives the list of entries the number of its joints, and
-  /// makes all entries invalid.
+  /// Sets the rates, resizes the list of entries to the number of joints and makes all entries
+  /// invalid.
   virtual void setVelocityState(const KtVelocityState& state);
   /// The entries of the links.
   virtual const LinkStates& linkVelocityStates() const { return entries_.links(); }
-  /// The same, to be changed.
   virtual LinkStates& linkVelocityStates() { return entries_.links(); }
   /// `KtLinkVelocityState::dhFrameVelocityInLocal` of a link.
   virtual const KtGeneralMotion& linkDhVelocityInLocal(KtU32 index) const {
@@ -71,13 +70,10 @@ class KT_EXPORT KtManipulatorActiveVelocityState
   virtual void setLinkCompositeMomentumInLocal(KtU32 index, const KtGeneralMotion& motion) {
     entry(index).setCompositeMomentumInLocal(motion);
   }
-  /// Sets what `linkVelocityStates()` answers.
   virtual void setLinkVelocityStates(const LinkStates& states) { entries_.setLinks(states); }
   /// The entry of the base.
   virtual const KtLinkVelocityState& baseVelocityState() const { return entries_.base(); }
-  /// The same, to be changed.
   virtual KtLinkVelocityState& baseVelocityState() { return entries_.base(); }
-  /// Sets what `baseVelocityState()` answers.
   virtual void setBaseVelocityState(const KtLinkVelocityState& state) {
     entries_[ktBaseIndex] = state;
   }
@@ -95,7 +91,6 @@ class KT_EXPORT KtManipulatorActiveVelocityState
 
   /// Exact equality of what files hold.
   bool operator==(const KtManipulatorActiveVelocityState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorActiveVelocityStateToken; }
 
  private:

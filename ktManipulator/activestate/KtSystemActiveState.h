@@ -46,7 +46,7 @@ class KT_EXPORT KtSystemActiveState
   virtual ActiveStateVector& manipulatorActiveStateVector() {
     return manipulatorActiveStateVector_;
   }
-  /// Sets what `manipulatorActiveStateVector()` answers, and nothing else.
+  /// Replaces the states and leaves everything else as it is.
   virtual void setManipulatorActiveStateVector(const ActiveStateVector& states) {
     manipulatorActiveStateVector_ = states;
   }
@@ -54,11 +54,9 @@ class KT_EXPORT KtSystemActiveState
   virtual const KtSystemActiveBoundingBoxState& systemActiveBoundingBoxState() const {
     return systemActiveBoundingBoxState_;
   }
-  /// The same, to be changed.
   virtual KtSystemActiveBoundingBoxState& systemActiveBoundingBoxState() {
     return systemActiveBoundingBoxState_;
   }
-  /// Sets what `systemActiveBoundingBoxState()` answers.
   virtual void setSystemActiveBoundingBoxState(const KtSystemActiveBoundingBoxState& state) {
     systemActiveBoundingBoxState_ = state;
   }
@@ -83,11 +81,9 @@ class KT_EXPORT KtSystemActiveState
   virtual void resetForSystemChange();
   /// The contact forces on the links of each manipulator. They hold if `generalForceValid()`.
   virtual ForceVector& generalForceVector() { return generalForceVector_; }
-  /// Sets what `generalForceVector()` answers.
   virtual void setGeneralForceVector(const ForceVector& forces) { generalForceVector_ = forces; }
   /// Whether `generalForceVector()` holds. False by default.
   virtual bool generalForceValid() const { return generalForceValid_; }
-  /// Sets what `generalForceValid()` answers.
   virtual void setGeneralForceValid(const bool& valid) { generalForceValid_ = valid; }
   /// Makes boxes, collisions and contact forces invalid.
   virtual void invalidateSystemLevel();
@@ -97,11 +93,9 @@ class KT_EXPORT KtSystemActiveState
   virtual const ProximityStateVector& manipulatorLinkProximityStateVector() const {
     return manipulatorLinkProximityStateVector_;
   }
-  /// The same, to be filled.
   virtual ProximityStateVector& manipulatorLinkProximityStateVector() {
     return manipulatorLinkProximityStateVector_;
   }
-  /// Sets what `manipulatorLinkProximityStateVector()` answers.
   virtual void setManipulatorLinkProximityStateVector(const ProximityStateVector& states) {
     manipulatorLinkProximityStateVector_ = states;
   }
@@ -109,23 +103,18 @@ class KT_EXPORT KtSystemActiveState
   virtual const KtSystemShapeCollisionCache& systemShapeCollisionCache() const {
     return systemShapeCollisionCache_;
   }
-  /// The same, to be filled.
   virtual KtSystemShapeCollisionCache& systemShapeCollisionCache() {
     return systemShapeCollisionCache_;
   }
-  /// Sets what `systemShapeCollisionCache()` answers.
   virtual void setSystemShapeCollisionCache(const KtSystemShapeCollisionCache& cache) {
     systemShapeCollisionCache_ = cache;
   }
   /// The shapes that the present query has changed.
   virtual const ShapeKeyVector& modifiedShapeKeyVec() const { return modifiedShapeKeyVec_; }
-  /// The same, to be changed.
   virtual ShapeKeyVector& modifiedShapeKeyVec() { return modifiedShapeKeyVec_; }
-  /// Sets what `modifiedShapeKeyVec()` answers.
   virtual void setModifiedShapeKeyVec(const ShapeKeyVector& keys) { modifiedShapeKeyVec_ = keys; }
   /// The shape that the present query has changed last; that of no shape by default.
   virtual const KtShapeStateCacheKey& modifiedShapeKey() const { return modifiedShapeKey_; }
-  /// Sets what `modifiedShapeKey()` answers.
   virtual void setModifiedShapeKey(const KtShapeStateCacheKey& key) { modifiedShapeKey_ = key; }
 
   /// What the other form answers, to be looked at.
@@ -137,7 +126,6 @@ class KT_EXPORT KtSystemActiveState
   bool operator==(const KtSystemActiveState& other) const {
     return manipulatorActiveStateVector_ == other.manipulatorActiveStateVector_;
   }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtSystemActiveStateToken; }
 
  private:

@@ -23,71 +23,49 @@ class KT_EXPORT KtActuatorState : public KtXmlPersistent<KtActuatorState, KtXmlC
 
   /// The torque that each actuator gave last, on the joint side.
   virtual const Reals& outputTorques() const { return outputTorques_; }
-  /// The same, to be changed.
   virtual Reals& outputTorques() { return outputTorques_; }
-  /// Sets what `outputTorques()` answers.
   virtual void setOutputTorques(const Reals& values) { outputTorques_ = values; }
   /// The position of each motor: the joint's position times the gear ratio where the joint is
   /// rigid.
   virtual const Reals& motorPositions() const { return motorPositions_; }
-  /// The same, to be changed.
   virtual Reals& motorPositions() { return motorPositions_; }
-  /// Sets what `motorPositions()` answers.
   virtual void setMotorPositions(const Reals& values) { motorPositions_ = values; }
   /// The rate of each motor.
   virtual const Reals& motorVelocities() const { return motorVelocities_; }
-  /// The same, to be changed.
   virtual Reals& motorVelocities() { return motorVelocities_; }
-  /// Sets what `motorVelocities()` answers.
   virtual void setMotorVelocities(const Reals& values) { motorVelocities_ = values; }
   /// The acceleration of each motor.
   virtual const Reals& motorAccelerations() const { return motorAccelerations_; }
-  /// The same, to be changed.
   virtual Reals& motorAccelerations() { return motorAccelerations_; }
-  /// Sets what `motorAccelerations()` answers.
   virtual void setMotorAccelerations(const Reals& values) { motorAccelerations_ = values; }
   /// True where the mechanical part is not rigid.
   virtual const Flags& nonRigidActuatorFlags() const { return nonRigidActuatorFlags_; }
-  /// The same, to be changed.
   virtual Flags& nonRigidActuatorFlags() { return nonRigidActuatorFlags_; }
-  /// Sets what `nonRigidActuatorFlags()` answers.
   virtual void setNonRigidActuatorFlags(const Flags& values) { nonRigidActuatorFlags_ = values; }
   /// The motor position at which the spring of the static friction sits.
   virtual const Reals& springDamperCenters() const { return springDamperCenters_; }
-  /// The same, to be changed.
   virtual Reals& springDamperCenters() { return springDamperCenters_; }
-  /// Sets what `springDamperCenters()` answers.
   virtual void setSpringDamperCenters(const Reals& values) { springDamperCenters_ = values; }
   /// True while the joint sticks.
   virtual const Flags& staticFrictionModes() const { return staticFrictionModes_; }
-  /// The same, to be changed.
   virtual Flags& staticFrictionModes() { return staticFrictionModes_; }
-  /// Sets what `staticFrictionModes()` answers.
   virtual void setStaticFrictionModes(const Flags& values) { staticFrictionModes_ = values; }
   /// A motor rate kept for comparison.
   virtual const Reals& lastVelocities() const { return lastVelocities_; }
-  /// The same, to be changed.
   virtual Reals& lastVelocities() { return lastVelocities_; }
-  /// Sets what `lastVelocities()` answers.
   virtual void setLastVelocities(const Reals& values) { lastVelocities_ = values; }
   /// A motor position kept for reversal.
   virtual const Reals& reverseMotionPositions() const { return reverseMotionPositions_; }
-  /// The same, to be changed.
   virtual Reals& reverseMotionPositions() { return reverseMotionPositions_; }
-  /// Sets what `reverseMotionPositions()` answers.
   virtual void setReverseMotionPositions(const Reals& values) { reverseMotionPositions_ = values; }
   /// The state variables of each joint's power converter.
   virtual const RealLists& powerConverterStates() const { return powerConverterStates_; }
-  /// The same, to be changed.
   virtual RealLists& powerConverterStates() { return powerConverterStates_; }
-  /// Sets what `powerConverterStates()` answers.
   virtual void setPowerConverterStates(const RealLists& values) { powerConverterStates_ = values; }
   /// Gives all lists the length n; entries below it stay, new ones are 0, false or empty.
   virtual void resize(KtU32 n);
 
-  /// Exact equality.
   bool operator==(const KtActuatorState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

@@ -13,15 +13,12 @@ class KT_EXPORT KtBaseJointActuator : public KtActuatorPart {
 
   /// The joint's lower limit.
   virtual double lowerLimit() const = 0;
-  /// Sets what `lowerLimit()` answers.
   virtual void setLowerLimit(double value) = 0;
   /// The joint's upper limit.
   virtual double upperLimit() const = 0;
-  /// Sets what `upperLimit()` answers.
   virtual void setUpperLimit(double value) = 0;
   /// The joint's greatest rate.
   virtual double maxOutputRate() const = 0;
-  /// Sets what `maxOutputRate()` answers.
   virtual void setMaxOutputRate(double value) = 0;
   /// The greatest torque on the joint side: `maxTorque()` times `gearRatio()`.
   virtual double maxOutputTorque() const = 0;
@@ -29,19 +26,15 @@ class KT_EXPORT KtBaseJointActuator : public KtActuatorPart {
   virtual double minOutputTorque() const = 0;
   /// The greatest torque on the motor side.
   virtual double maxTorque() const = 0;
-  /// Sets what `maxTorque()` answers.
   virtual void setMaxTorque(double value) = 0;
   /// The least torque on the motor side.
   virtual double minTorque() const = 0;
-  /// Sets what `minTorque()` answers.
   virtual void setMinTorque(double value) = 0;
   /// The rotor's inertia.
   virtual double inertia() const = 0;
-  /// Sets what `inertia()` answers.
   virtual void setInertia(double value) = 0;
   /// The viscous friction per rate of the motor.
   virtual double frictionCoefficient() const = 0;
-  /// Sets what `frictionCoefficient()` answers.
   virtual void setFrictionCoefficient(double value) = 0;
   /// Motor side by joint side.
   virtual double gearRatio() const = 0;

@@ -17,11 +17,9 @@ class KT_EXPORT KtBasePowerConverter : public KtActuatorPart {
 
   /// The greatest torque, on the motor side; 1e+300 by default.
   virtual double maxTorque() const { return maxTorque_; }
-  /// Sets what `maxTorque()` answers.
   virtual void setMaxTorque(double value) { maxTorque_ = value; }
   /// The least torque, on the motor side; -1e+300 by default.
   virtual double minTorque() const { return minTorque_; }
-  /// Sets what `minTorque()` answers.
   virtual void setMinTorque(double value) { minTorque_ = value; }
   /// How many state variables there are.
   virtual KtU32 numStateVariables() const = 0;

@@ -23,15 +23,12 @@ class KT_EXPORT KtDamperProperties : public KtXmlPersistent<KtDamperProperties, 
 
   /// The damping, by which the weighted sum is multiplied once; 0 by default.
   virtual double damperConstant() const { return damperConstant_; }
-  /// Sets what `damperConstant()` answers.
   virtual void setDamperConstant(double value) { damperConstant_ = value; }
   /// The weight of each joint; empty by default.
   virtual const Reals& weightingFactors() const { return weightingFactors_; }
-  /// Sets what `weightingFactors()` answers.
   virtual void setWeightingFactors(Reals factors) { weightingFactors_ = std::move(factors); }
   /// The identifiers of the joints' links; empty by default.
   virtual const Labels& associatedJoints() const { return associatedJoints_; }
-  /// Sets what `associatedJoints()` answers.
   virtual void setAssociatedJoints(Labels identifiers) {
     associatedJoints_ = std::move(identifiers);
   }
@@ -52,9 +49,7 @@ class KT_EXPORT KtDamperProperties : public KtXmlPersistent<KtDamperProperties, 
     return associatedJoints_.elements().empty() && weightingFactors_.elements().empty();
   }
 
-  /// Exact equality.
   bool operator==(const KtDamperProperties&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

@@ -25,36 +25,29 @@ class KT_EXPORT KtDcElectricMotor
 
   /// The inductance L of the armature; 0 by default.
   virtual double armatureInductance() const { return armatureInductance_; }
-  /// Sets what `armatureInductance()` answers.
   virtual void setArmatureInductance(double value) { armatureInductance_ = value; }
   /// The resistance R of the armature; 0 by default.
   virtual double armatureResistance() const { return armatureResistance_; }
-  /// Sets what `armatureResistance()` answers.
   virtual void setArmatureResistance(double value) { armatureResistance_ = value; }
   /// The constant K: torque per current and back voltage per rate; 0 by default.
   virtual double torqueConstant() const { return torqueConstant_; }
-  /// Sets what `torqueConstant()` answers.
   virtual void setTorqueConstant(double value) { torqueConstant_ = value; }
   /// The best efficiency, a datum that nothing computes with; 1 by default.
   virtual double maxEfficiency() const { return maxEfficiency_; }
-  /// Sets what `maxEfficiency()` answers; a value outside [0, 1] is ignored.
+  /// A value outside [0, 1] is ignored.
   virtual void setMaxEfficiency(double value);
   /// The rate without load, a datum that nothing computes with; 0 by default.
   virtual double noLoadSpeed() const { return noLoadSpeed_; }
-  /// Sets what `noLoadSpeed()` answers.
   virtual void setNoLoadSpeed(double value) { noLoadSpeed_ = value; }
   /// The current without load, a datum that nothing computes with; 0 by default.
   virtual double noLoadCurrent() const { return noLoadCurrent_; }
-  /// Sets what `noLoadCurrent()` answers.
   virtual void setNoLoadCurrent(double value) { noLoadCurrent_ = value; }
   /// The torque at rest, a datum that nothing computes with; 0 by default.
   virtual double stallTorque() const { return stallTorque_; }
-  /// Sets what `stallTorque()` answers.
   virtual void setStallTorque(double value) { stallTorque_ = value; }
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtDcElectricMotor&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

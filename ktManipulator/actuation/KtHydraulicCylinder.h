@@ -32,56 +32,43 @@ class KT_EXPORT KtHydraulicCylinder
 
   /// The bulk modulus B of the fluid.
   virtual double fluidBulkModulus() const { return fluidBulkModulus_; }
-  /// Sets what `fluidBulkModulus()` answers.
   virtual void setFluidBulkModulus(double value) { fluidBulkModulus_ = value; }
   /// The density rho of the fluid.
   virtual double fluidDensity() const { return fluidDensity_; }
-  /// Sets what `fluidDensity()` answers.
   virtual void setFluidDensity(double value) { fluidDensity_ = value; }
   /// The pressure of the supply.
   virtual double supplyPressure() const { return supplyPressure_; }
-  /// Sets what `supplyPressure()` answers.
   virtual void setSupplyPressure(double value) { supplyPressure_ = value; }
   /// The pressure of the drain.
   virtual double drainPressure() const { return drainPressure_; }
-  /// Sets what `drainPressure()` answers.
   virtual void setDrainPressure(double value) { drainPressure_ = value; }
   /// The discharge coefficient Cd of the valve.
   virtual double dischargeCoefficient() const { return dischargeCoefficient_; }
-  /// Sets what `dischargeCoefficient()` answers.
   virtual void setDischargeCoefficient(double value) { dischargeCoefficient_ = value; }
   /// The flow area w that the valve gives per opening.
   virtual double flowAreaGradient() const { return flowAreaGradient_; }
-  /// Sets what `flowAreaGradient()` answers.
   virtual void setFlowAreaGradient(double value) { flowAreaGradient_ = value; }
   /// The greatest opening of the valve, to either side.
   virtual double maximumValveOpening() const { return maximumValveOpening_; }
-  /// Sets what `maximumValveOpening()` answers.
   virtual void setMaximumValveOpening(double value) { maximumValveOpening_ = value; }
   /// The area A1 of the piston in chamber 1.
   virtual double effectiveArea1() const { return effectiveArea1_; }
-  /// Sets what `effectiveArea1()` answers.
   virtual void setEffectiveArea1(double value) { effectiveArea1_ = value; }
   /// The area A2 of the piston in chamber 2.
   virtual double effectiveArea2() const { return effectiveArea2_; }
-  /// Sets what `effectiveArea2()` answers.
   virtual void setEffectiveArea2(double value) { effectiveArea2_ = value; }
   /// The volume V1 of chamber 1 at the position 0.
   virtual double fluidVolume1() const { return fluidVolume1_; }
-  /// Sets what `fluidVolume1()` answers.
   virtual void setFluidVolume1(double value) { fluidVolume1_ = value; }
   /// The volume V2 of chamber 2 at the end of the stroke.
   virtual double fluidVolume2() const { return fluidVolume2_; }
-  /// Sets what `fluidVolume2()` answers.
   virtual void setFluidVolume2(double value) { fluidVolume2_ = value; }
   /// The length Lmax of the stroke.
   virtual double maximumFluidLength() const { return maximumFluidLength_; }
-  /// Sets what `maximumFluidLength()` answers.
   virtual void setMaximumFluidLength(double value) { maximumFluidLength_ = value; }
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtHydraulicCylinder&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

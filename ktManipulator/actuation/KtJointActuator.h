@@ -30,8 +30,7 @@ class KT_EXPORT KtJointActuator : public KtXmlPersistent<KtJointActuator, KtActu
   virtual const KtMechanicalActuatorComponentContainer& mechanicalComponentContainer() const {
     return mechanicalComponentContainer_;
   }
-  /// Sets what `mechanicalComponentContainer()` answers. The component gets this actuator's link,
-  /// if there is one.
+  /// Copies the container; its component learns the link of this actuator, if there is one.
   virtual void setMechanicalPartContainer(const KtMechanicalActuatorComponentContainer& container);
   /// Replaces the mechanical component by a copy, which gets this actuator's link.
   virtual void setMechanicalComponent(const KtMechanicalActuatorComponent& component);
@@ -39,22 +38,18 @@ class KT_EXPORT KtJointActuator : public KtXmlPersistent<KtJointActuator, KtActu
   virtual const KtPowerConverterContainer& powerConverterContainer() const {
     return powerConverterContainer_;
   }
-  /// Sets what `powerConverterContainer()` answers. The converter gets this actuator's link, if
-  /// there is one.
+  /// Copies the container; its converter learns the link of this actuator, if there is one.
   virtual void setPowerConverterContainer(const KtPowerConverterContainer& container);
   /// Replaces the power converter by a copy, which gets this actuator's link.
   virtual void setPowerConverter(const KtBasePowerConverter& converter);
   /// The joint's lower limit.
   virtual double lowerLimit() const;
-  /// Sets what `lowerLimit()` answers.
   virtual void setLowerLimit(double value);
   /// The joint's upper limit.
   virtual double upperLimit() const;
-  /// Sets what `upperLimit()` answers.
   virtual void setUpperLimit(double value);
   /// The joint's greatest rate.
   virtual double maxOutputRate() const;
-  /// Sets what `maxOutputRate()` answers.
   virtual void setMaxOutputRate(double value);
   /// The greatest torque on the joint side: `maxTorque()` times `gearRatio()`.
   virtual double maxOutputTorque() const { return maxTorque() * gearRatio(); }
@@ -62,33 +57,26 @@ class KT_EXPORT KtJointActuator : public KtXmlPersistent<KtJointActuator, KtActu
   virtual double minOutputTorque() const { return minTorque() * gearRatio(); }
   /// The power converter's greatest torque, on the motor side.
   virtual double maxTorque() const;
-  /// Sets what `maxTorque()` answers.
   virtual void setMaxTorque(double value);
   /// The power converter's least torque, on the motor side.
   virtual double minTorque() const;
-  /// Sets what `minTorque()` answers.
   virtual void setMinTorque(double value);
   /// The rotor's inertia.
   virtual double inertia() const;
-  /// Sets what `inertia()` answers.
   virtual void setInertia(double value);
   /// The viscous friction per rate of the motor.
   virtual double frictionCoefficient() const;
-  /// Sets what `frictionCoefficient()` answers.
   virtual void setFrictionCoefficient(double value);
   /// Motor side by joint side.
   virtual double gearRatio() const;
-  /// Sets what `gearRatio()` answers.
   virtual void setGearRatio(double value);
   /// Whether motor and joint move in step.
   virtual bool isRigid() const;
-  /// Sets what `isRigid()` answers.
   virtual void setIsRigid(bool value);
   /// The record of the motor's manufacturer.
   virtual const KtManufacturerData& primeMoveManufacturerData() const {
     return primeMoveManufacturerData_;
   }
-  /// Sets what `primeMoveManufacturerData()` answers.
   virtual void setPrimeMoveManufacturerData(const KtManufacturerData& data) {
     primeMoveManufacturerData_ = data;
   }
@@ -96,7 +84,6 @@ class KT_EXPORT KtJointActuator : public KtXmlPersistent<KtJointActuator, KtActu
   virtual const KtXmlVectorType<KtManufacturerData>& gearheadManufacturerDataVector() const {
     return gearheadManufacturerDataVector_;
   }
-  /// Sets what `gearheadManufacturerDataVector()` answers.
   virtual void setGearheadManufacturerDataVector(const KtXmlVectorType<KtManufacturerData>& data) {
     gearheadManufacturerDataVector_ = data;
   }
@@ -122,7 +109,6 @@ class KT_EXPORT KtJointActuator : public KtXmlPersistent<KtJointActuator, KtActu
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtJointActuator&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

@@ -10,9 +10,7 @@ class KT_EXPORT KtJointActuatorContainer
  public:
   void registerComponentCreators() override;
 
-  /// Exact equality.
   bool operator==(const KtJointActuatorContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

@@ -40,43 +40,34 @@ class KT_EXPORT KtJointMechanicsParameters : public Base {
 
   /// The rotor's inertia; 0 by default.
   virtual double inertia() const { return inertia_; }
-  /// Sets what `inertia()` answers.
   virtual void setInertia(double value) { inertia_ = value; }
   /// The viscous friction per rate of the motor; 0 by default.
   virtual double frictionCoefficient() const { return frictionCoefficient_; }
-  /// Sets what `frictionCoefficient()` answers.
   virtual void setFrictionCoefficient(double value) { frictionCoefficient_ = value; }
   /// Motor side by joint side; 1 by default.
   virtual double gearRatio() const { return gearRatio_; }
-  /// Sets what `gearRatio()` answers.
   virtual void setGearRatio(double value) { gearRatio_ = value; }
   /// The joint's lower limit; -1e+300 by default.
   virtual double lowerLimit() const { return lowerLimit_; }
-  /// Sets what `lowerLimit()` answers.
   virtual void setLowerLimit(double value) { lowerLimit_ = value; }
   /// The joint's upper limit; 1e+300 by default.
   virtual double upperLimit() const { return upperLimit_; }
-  /// Sets what `upperLimit()` answers.
   virtual void setUpperLimit(double value) { upperLimit_ = value; }
   /// The joint's greatest rate; 1e+300 by default.
   virtual double maxOutputRate() const { return maxOutputRate_; }
-  /// Sets what `maxOutputRate()` answers.
   virtual void setMaxOutputRate(double value) { maxOutputRate_ = value; }
   /// How far before either limit the stopper begins; 0 by default.
   virtual double stopperZone() const { return stopperZone_; }
-  /// Sets what `stopperZone()` answers.
   virtual void setStopperZone(double value) { stopperZone_ = value; }
   /// The stoppers' stiffness; 0 by default.
   virtual double stopperSpringCoefficient() const { return stopperSpringCoefficient_; }
-  /// Sets what `stopperSpringCoefficient()` answers.
   virtual void setStopperSpringCoefficient(double value) { stopperSpringCoefficient_ = value; }
   /// The stoppers' damping; 0 by default.
   virtual double stopperDampingCoefficient() const { return stopperDampingCoefficient_; }
-  /// Sets what `stopperDampingCoefficient()` answers.
   virtual void setStopperDampingCoefficient(double value) { stopperDampingCoefficient_ = value; }
   /// The greatest dry friction of a sticking joint, on the motor side; 0 by default.
   virtual double staticCoulombFriction() const { return staticCoulombFriction_; }
-  /// Sets what `staticCoulombFriction()` answers; a negative value is ignored.
+  /// A negative value is ignored.
   virtual void setStaticCoulombFriction(double value) {
     if (value >= 0.0) staticCoulombFriction_ = value;
   }
@@ -84,47 +75,46 @@ class KT_EXPORT KtJointMechanicsParameters : public Base {
   virtual double kineticCoulombFrictionPercentage() const {
     return kineticCoulombFrictionPercentage_;
   }
-  /// Sets what `kineticCoulombFrictionPercentage()` answers; a value outside [0, 1] is ignored.
+  /// A value outside [0, 1] is ignored.
   virtual void setKineticCoulombFrictionPercentage(double value) {
     if (value >= 0.0 && value <= 1.0) kineticCoulombFrictionPercentage_ = value;
   }
   /// The stiffness of a sticking joint, on the motor side; 0 by default.
   virtual double staticCoulombSpringCoefficient() const { return staticCoulombSpringCoefficient_; }
-  /// Sets what `staticCoulombSpringCoefficient()` answers; a negative value is ignored.
+  /// A negative value is ignored.
   virtual void setStaticCoulombSpringCoefficient(double value) {
     if (value >= 0.0) staticCoulombSpringCoefficient_ = value;
   }
   /// The damping of a sticking joint, on the motor side; 0 by default.
   virtual double staticCoulombDamperCoefficient() const { return staticCoulombDamperCoefficient_; }
-  /// Sets what `staticCoulombDamperCoefficient()` answers; a negative value is ignored.
+  /// A negative value is ignored.
   virtual void setStaticCoulombDamperCoefficient(double value) {
     if (value >= 0.0) staticCoulombDamperCoefficient_ = value;
   }
   /// The rate of the motor below which the joint sticks; 1e+300 by default.
   virtual double limitingVelocityStickRegion() const { return limitingVelocityStickRegion_; }
-  /// Sets what `limitingVelocityStickRegion()` answers; a value that is not positive is ignored.
+  /// A value that is not positive is ignored.
   virtual void setLimitingVelocityStickRegion(double value) {
     if (value > 0.0) limitingVelocityStickRegion_ = value;
   }
   /// Whether motor and joint move in step; true by default.
   virtual bool isRigid() const { return isRigid_; }
-  /// Sets what `isRigid()` answers.
   virtual void setIsRigid(bool value) { isRigid_ = value; }
   /// The stiffness of the coupling between motor and joint; 0 by default.
   virtual double jointFlexibilityStiffness() const { return jointFlexibilityStiffness_; }
-  /// Sets what `jointFlexibilityStiffness()` answers; a negative value is ignored.
+  /// A negative value is ignored.
   virtual void setJointFlexibilityStiffness(double value) {
     if (value >= 0.0) jointFlexibilityStiffness_ = value;
   }
   /// The damping of that coupling; 0 by default.
   virtual double jointFlexibilityDamping() const { return jointFlexibilityDamping_; }
-  /// Sets what `jointFlexibilityDamping()` answers; a negative value is ignored.
+  /// A negative value is ignored.
   virtual void setJointFlexibilityDamping(double value) {
     if (value >= 0.0) jointFlexibilityDamping_ = value;
   }
   /// The width of the coupling's gap, on the motor side; 0 by default.
   virtual double backlash() const { return backlash_; }
-  /// Sets what `backlash()` answers; a negative value is ignored.
+  /// A negative value is ignored.
   virtual void setBacklash(double value) {
     if (value >= 0.0) backlash_ = value;
   }
@@ -173,7 +163,7 @@ class KT_EXPORT KtEfficientJointMechanics : public KtJointMechanicsParameters<Kt
 
   /// The part of the motor's torque that passes the gear; 1 by default.
   virtual double maxEfficiency() const { return maxEfficiency_; }
-  /// Sets what `maxEfficiency()` answers; a value outside [0, 1] is ignored.
+  /// A value outside [0, 1] is ignored.
   virtual void setMaxEfficiency(double value) {
     if (value >= 0.0 && value <= 1.0) maxEfficiency_ = value;
   }

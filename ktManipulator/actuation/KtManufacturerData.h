@@ -11,18 +11,14 @@ class KT_EXPORT KtManufacturerData : public KtXmlPersistent<KtManufacturerData, 
 
   /// The name of the manufacturer; empty by default.
   virtual const KtString& manufacturer() const { return manufacturer_.value(); }
-  /// Sets what `manufacturer()` answers.
   virtual void setManufacturer(const KtString& name) { manufacturer_ = name; }
   /// The manufacturer's name of the part; empty by default.
   virtual const KtString& partNumber() const { return partNumber_.value(); }
-  /// Sets what `partNumber()` answers.
   virtual void setPartNumber(const KtString& number) { partNumber_ = number; }
   /// Whether either text is not empty.
   virtual bool isValid() const { return !manufacturer().empty() || !partNumber().empty(); }
 
-  /// Exact equality.
   bool operator==(const KtManufacturerData&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

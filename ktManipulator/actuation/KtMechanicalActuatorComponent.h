@@ -27,7 +27,6 @@ class KT_EXPORT KtMechanicalActuatorComponent
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtMechanicalActuatorComponent&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
   /// How messages name the class.

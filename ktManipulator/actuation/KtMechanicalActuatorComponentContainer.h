@@ -16,9 +16,7 @@ class KT_EXPORT KtMechanicalActuatorComponentContainer
   /// `KtJointMechanics::linearTorque` of the component; 0 for an empty holder.
   virtual double linearTorque(KtManipulatorActiveState& active) const;
 
-  /// Exact equality.
   bool operator==(const KtMechanicalActuatorComponentContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

@@ -35,7 +35,6 @@ class KT_EXPORT KtOldJointActuator
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtOldJointActuator&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
   /// How messages name the class.

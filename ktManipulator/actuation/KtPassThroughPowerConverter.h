@@ -13,6 +13,5 @@ class KT_EXPORT KtPassThroughPowerConverter
 
   /// Exact equality; the link takes no part.
   bool operator==(const KtPassThroughPowerConverter&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };

@@ -20,9 +20,7 @@ class KT_EXPORT KtPowerConverterContainer
   virtual void computeStateDerivatives(double input, KtActuatorState& state,
                                        KtBasePowerConverter::Derivatives& derivatives) const;
 
-  /// Exact equality.
   bool operator==(const KtPowerConverterContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

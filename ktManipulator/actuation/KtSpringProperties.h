@@ -23,19 +23,15 @@ class KT_EXPORT KtSpringProperties : public KtXmlPersistent<KtSpringProperties, 
 
   /// The stiffness, by which the weighted sum is multiplied once; 0 by default.
   virtual double springConstant() const { return springConstant_; }
-  /// Sets what `springConstant()` answers.
   virtual void setSpringConstant(double value) { springConstant_ = value; }
   /// The weight of each joint; empty by default.
   virtual const Reals& weightingFactors() const { return weightingFactors_; }
-  /// Sets what `weightingFactors()` answers.
   virtual void setWeightingFactors(Reals factors) { weightingFactors_ = std::move(factors); }
   /// The position at which each joint is at rest; empty by default.
   virtual const Reals& springOffsets() const { return springOffsets_; }
-  /// Sets what `springOffsets()` answers.
   virtual void setSpringOffsets(Reals offsets) { springOffsets_ = std::move(offsets); }
   /// The identifiers of the joints' links; empty by default.
   virtual const Labels& associatedJoints() const { return associatedJoints_; }
-  /// Sets what `associatedJoints()` answers.
   virtual void setAssociatedJoints(Labels identifiers) {
     associatedJoints_ = std::move(identifiers);
   }
@@ -57,9 +53,7 @@ class KT_EXPORT KtSpringProperties : public KtXmlPersistent<KtSpringProperties, 
            springOffsets_.elements().empty();
   }
 
-  /// Exact equality.
   bool operator==(const KtSpringProperties&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

@@ -27,7 +27,6 @@ class KT_EXPORT KtLinkCollisionTable {
     return row < size() && column < rows_[row].size() && rows_[row][column];
   }
 
-  /// Exact equality.
   bool operator==(const KtLinkCollisionTable&) const = default;
 
  private:

@@ -14,15 +14,12 @@ class KT_EXPORT KtLinkProximityData {
 
   /// The distance of the two links, m. 0 by default.
   double distance() const noexcept { return distance_; }
-  /// Sets what `distance()` answers.
   virtual void setDistance(double distance) { distance_ = distance; }
   /// The stamp of the first link's manipulator when the distance was found. `kNever` by default.
   KtU32 updateTime1() const noexcept { return updateTime1_; }
-  /// Sets what `updateTime1()` answers.
   virtual void setUpdateTime1(KtU32 stamp) { updateTime1_ = stamp; }
   /// The stamp of the second link's manipulator when the distance was found. `kNever` by default.
   KtU32 updateTime2() const noexcept { return updateTime2_; }
-  /// Sets what `updateTime2()` answers.
   virtual void setUpdateTime2(KtU32 stamp) { updateTime2_ = stamp; }
 
   virtual ~KtLinkProximityData() = default;

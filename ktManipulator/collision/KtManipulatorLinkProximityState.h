@@ -16,13 +16,9 @@ class KT_EXPORT KtManipulatorLinkProximityState {
  public:
   /// Without pairs and stamps.
   KtManipulatorLinkProximityState() noexcept;
-  /// A copy.
   KtManipulatorLinkProximityState(const KtManipulatorLinkProximityState& other);
-  /// Takes over the other's value.
   KtManipulatorLinkProximityState(KtManipulatorLinkProximityState&& other) noexcept;
-  /// Assigns a value.
   KtManipulatorLinkProximityState& operator=(const KtManipulatorLinkProximityState& other);
-  /// Takes over the other's value.
   KtManipulatorLinkProximityState& operator=(KtManipulatorLinkProximityState&& other) noexcept;
   virtual ~KtManipulatorLinkProximityState();
 
@@ -30,16 +26,13 @@ class KT_EXPORT KtManipulatorLinkProximityState {
   virtual const KtSystemActiveBoundingBoxState& systemActiveBoundingBoxState() const {
     return boxState_;
   }
-  /// The same, to be changed.
   virtual KtSystemActiveBoundingBoxState& systemActiveBoundingBoxState() { return boxState_; }
-  /// Sets what `systemActiveBoundingBoxState()` answers.
   virtual void setSystemActiveBoundingBoxState(const KtSystemActiveBoundingBoxState& state) {
     boxState_ = state;
   }
   /// The entry of a pair, made now if there is none, though this is constant; a new one doesn't
   /// hold. It stays where it is until `initialize` or an assignment.
   virtual const KtLinkProximityData& getData(const KtLinkKey& key1, const KtLinkKey& key2) const;
-  /// The same, to be changed.
   virtual KtLinkProximityData& getData(const KtLinkKey& key1, const KtLinkKey& key2);
   /// Sets the distance of a pair, m, and notes that it holds as its two manipulators stand now.
   ///

@@ -38,9 +38,7 @@ class KT_EXPORT KtManipulatorSelfCollisionLinkMap
   /// Whether the label has an entry, with whatever label, that is no candidate.
   bool linkHasExclusionCandidate(const KtString& label) const;
 
-  /// Exact equality.
   bool operator==(const KtManipulatorSelfCollisionLinkMap&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorSelfCollisionLinkMapToken; }
 
  private:

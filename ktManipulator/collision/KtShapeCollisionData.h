@@ -65,7 +65,6 @@ class KT_EXPORT KtShapeCollisionData {
 
   /// Unit vector from side 1 towards side 2, in system axes.
   const KtVector& collisionNormal() const noexcept { return collisionNormal_; }
-  /// Sets what `collisionNormal()` answers.
   void setCollisionNormal(const KtVector& normal) noexcept { collisionNormal_ = normal; }
   /// The contact point in the primary frame of side 1, m.
   const KtVector& contactPointRel1() const noexcept { return sides_[0].contactPointRel; }
@@ -77,7 +76,6 @@ class KT_EXPORT KtShapeCollisionData {
   }
   /// Distance of the two shapes, m; zero or negative where they penetrate.
   double separationDistance() const noexcept { return separationDistance_; }
-  /// Sets what `separationDistance()` answers.
   void setSeparationDistance(double distance) noexcept { separationDistance_ = distance; }
 
   /// How many penetration points there are on each side.
@@ -118,7 +116,6 @@ class KT_EXPORT KtShapeCollisionData {
   }
   /// Unit vector from the penetration point of side 2 to that of side 1, in system axes.
   const KtVector& lineOfAction() const noexcept { return lineOfAction_; }
-  /// Sets what `lineOfAction()` answers.
   void setLineOfAction(const KtVector& direction) noexcept { lineOfAction_ = direction; }
 
   /// Velocity of the primary frame of side 1 in this step.
@@ -149,7 +146,6 @@ class KT_EXPORT KtShapeCollisionData {
 
   /// What the contact does.
   KtFrictionMode frictionMode() const noexcept { return frictionMode_; }
-  /// Sets what `frictionMode()` answers.
   void setFrictionMode(KtFrictionMode mode) noexcept { frictionMode_ = mode; }
   /// Where a static contact began, in the primary frame of side 1, m.
   const KtVector& staticStartCollisionPointInPrimary1() const noexcept {
@@ -159,11 +155,9 @@ class KT_EXPORT KtShapeCollisionData {
   const KtVector& staticStartCollisionPointInPrimary2() const noexcept {
     return sides_[1].staticStartPoint;
   }
-  /// Sets what `staticStartCollisionPointInPrimary1()` answers.
   void setStaticStartCollisionPointInPrimary1(const KtVector& point) noexcept {
     sides_[0].staticStartPoint = point;
   }
-  /// Sets what `staticStartCollisionPointInPrimary2()` answers.
   void setStaticStartCollisionPointInPrimary2(const KtVector& point) noexcept {
     sides_[1].staticStartPoint = point;
   }
@@ -175,11 +169,9 @@ class KT_EXPORT KtShapeCollisionData {
   const KtCoordinateSystemTransformation& staticStartPrimaryFrame2InSystem() const noexcept {
     return sides_[1].staticStartFrame;
   }
-  /// Sets what `staticStartPrimaryFrame1InSystem()` answers.
   void setStaticStartPrimaryFrame1InSystem(const KtCoordinateSystemTransformation& t) noexcept {
     sides_[0].staticStartFrame = t;
   }
-  /// Sets what `staticStartPrimaryFrame2InSystem()` answers.
   void setStaticStartPrimaryFrame2InSystem(const KtCoordinateSystemTransformation& t) noexcept {
     sides_[1].staticStartFrame = t;
   }

@@ -119,11 +119,8 @@ class KT_EXPORT KtShapeStateCacheKey {
   constexpr KtU32 linkIndex() const noexcept { return key_.linkIndex; }
   /// Number of the shape in its link.
   constexpr KtU32 shapeIndex() const noexcept { return key_.shapeIndex; }
-  /// Sets what `manipulatorIndex()` answers.
   constexpr void setManipulatorIndex(KtU32 index) noexcept { key_.manipulatorIndex = index; }
-  /// Sets what `linkIndex()` answers.
   constexpr void setLinkIndex(KtU32 index) noexcept { key_.linkIndex = index; }
-  /// Sets what `shapeIndex()` answers.
   constexpr void setShapeIndex(KtU32 index) noexcept { key_.shapeIndex = index; }
 
   /// The shared key that stands for no shape.

@@ -29,7 +29,6 @@ class KT_EXPORT KtSystemActiveBoundingBoxState
                                       KtU32& interval) const;
   /// Whether the boxes have been built. False by default.
   virtual bool isInitialized() const { return isInitialized_; }
-  /// Sets what `isInitialized()` answers.
   virtual void setIsInitialized(bool value) { isInitialized_ = value; }
   /// Notes that links may have moved. The boxes stay until they are asked for.
   virtual void invalidateAll() { positionsCurrent_ = false; }
@@ -40,7 +39,6 @@ class KT_EXPORT KtSystemActiveBoundingBoxState
 
   /// Always true.
   bool operator==(const KtSystemActiveBoundingBoxState&) const noexcept { return true; }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtSystemActiveBoundingBoxStateToken; }
 
  private:

@@ -115,7 +115,6 @@ class KT_EXPORT KtSystemCollisionExclusionMap
 
   /// Exact equality of the entries by label. What is compiled from them does not count.
   bool operator==(const KtSystemCollisionExclusionMap& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtSystemCollisionExclusionMapToken; }
 
  private:

@@ -50,21 +50,16 @@ class KT_EXPORT KtLinearStateEqualityConstraint
 
   /// The weights of the joints, by row and link index. Empty by default.
   virtual const Rows& jointWeights() const { return jointWeights_; }
-  /// Sets what `jointWeights()` answers.
   virtual void setJointWeights(const Rows& weights) { jointWeights_ = weights; }
   /// The weights of the base's motion, by row, up to six: linear x, y, z, angular x, y, z. Further
   /// ones don't count. Empty by default.
   virtual const Rows& baseWeights() const { return baseWeights_; }
-  /// Sets what `baseWeights()` answers.
   virtual void setBaseWeights(const Rows& weights) { baseWeights_ = weights; }
   /// The right sides by row. Empty by default.
   virtual const Row& weightedSums() const { return weightedSums_; }
-  /// Sets what `weightedSums()` answers.
   virtual void setWeightedSums(const Row& sums) { weightedSums_ = sums; }
 
-  /// Exact equality.
   bool operator==(const KtLinearStateEqualityConstraint&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinearStateEqualityConstraintToken; }
 
  private:

@@ -21,7 +21,6 @@ class KT_EXPORT KtMultivariableJointStateConstraint
   virtual const KtBaseMultivariableConstraint* constraint() const {
     return constraint_.topElement();
   }
-  /// The same, to be changed.
   virtual KtBaseMultivariableConstraint* constraint() { return constraint_.topElement(); }
   /// Makes the constraint a copy of the argument.
   virtual void setConstraint(const KtBaseMultivariableConstraint& constraint) {
@@ -30,7 +29,6 @@ class KT_EXPORT KtMultivariableJointStateConstraint
 
   /// Exact equality, also of the gradient buffers.
   bool operator==(const KtMultivariableJointStateConstraint&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtMultivariableJointStateConstraintToken; }
 
  private:

@@ -12,9 +12,7 @@ class KT_EXPORT KtStateConstraintContainer
  public:
   void registerComponentCreators() override;
 
-  /// Exact equality.
   bool operator==(const KtStateConstraintContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtStateConstraintContainerToken; }
 };
 

@@ -15,9 +15,7 @@ class KT_EXPORT KtStateConstraintVector
 
   void registerComponentCreators() override;
 
-  /// Exact equality.
   bool operator==(const KtStateConstraintVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtStateConstraintVectorToken; }
 };
 

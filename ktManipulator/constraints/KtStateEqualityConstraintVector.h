@@ -40,7 +40,6 @@ class KT_EXPORT KtStateEqualityConstraintVector
 
   /// Exact equality of the constraints; the buffers take no part.
   bool operator==(const KtStateEqualityConstraintVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtStateEqualityConstraintVectorToken; }
 
  private:

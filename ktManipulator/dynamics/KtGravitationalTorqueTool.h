@@ -13,7 +13,6 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
   /// The acceleration of the base that stands for gravity: upwards, in the axes of the system;
   /// (0, 0, 9.8) m/s^2 by default.
   virtual const KtVector& gravityVector() const { return gravityVector_; }
-  /// Sets what `gravityVector()` answers.
   virtual void setGravityVector(const KtVector& v) { gravityVector_ = v; }
   /// The torque (or force) that a joint needs to hold what it carries.
   ///

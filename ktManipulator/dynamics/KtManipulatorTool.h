@@ -18,8 +18,8 @@ class KT_EXPORT KtManipulatorTool {
 
   /// The manipulator that is asked about; null by default. Not owned.
   virtual const KtIndividualManipulator* manipulator() const { return manipulator_; }
-  /// Sets what `manipulator()` answers, gives the results their sizes, and makes invalid what the
-  /// tool's own state has cached. The manipulator has to live as long as the tool is asked.
+  /// Sets the manipulator, resizes the results and makes invalid what the tool's own state has
+  /// cached. The manipulator has to live as long as the tool is asked.
   virtual void setManipulator(const KtIndividualManipulator* manipulator) {
     manipulator_ = manipulator;
     if (ownWasAsked_) own_.invalidateAll();

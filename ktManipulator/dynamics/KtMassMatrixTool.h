@@ -57,11 +57,9 @@ class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
                                            const KtReArray& nullSpace);
   /// Whether the base is held; true by default. `setManipulator` doesn't change it.
   virtual bool isFixedBase() const { return isFixedBase_; }
-  /// Sets what `isFixedBase()` answers.
   virtual void setIsFixedBase(bool value) { isFixedBase_ = value; }
   /// How many constraints the caller's null space leaves out; 0 by default.
   virtual KtU32 degreesOfConstraint() const { return degreesOfConstraint_; }
-  /// Sets what `degreesOfConstraint()` answers.
   virtual void setDegreesOfConstraint(unsigned int count) { degreesOfConstraint_ = count; }
   /// Gives the mass matrix the manipulator's size, filled with zeros.
   virtual void resize();

@@ -50,13 +50,11 @@ class KT_EXPORT KtArticulatedBodyDynamics
   virtual KtGeneralMotion calculateAcceleration(const KtGeneralForce& force) const;
   /// The inertia.
   virtual const KtArticulatedBodyInertia& inertia() const { return inertia_; }
-  /// Sets what `inertia()` answers.
   virtual void setInertia(const KtArticulatedBodyInertia& inertia) { inertia_ = inertia; }
   /// Sets the inertia to a rigid body's.
   virtual void setInertiaFromRigidBody(const KtRigidBodyMassProperties& properties);
   /// The force at rest.
   virtual const KtGeneralForce& bias() const { return bias_; }
-  /// Sets what `bias()` answers.
   virtual void setBias(const KtGeneralForce& bias) { bias_ = bias; }
   /// Sets both members.
   virtual void set(const KtArticulatedBodyInertia& inertia, const KtGeneralForce& bias);
@@ -107,9 +105,7 @@ class KT_EXPORT KtArticulatedBodyDynamics
     return KtArticulatedBodyDynamics(*this) -= other;
   }
 
-  /// Exact equality.
   bool operator==(const KtArticulatedBodyDynamics&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtArticulatedBodyDynamicsToken; }
 
  private:

@@ -105,7 +105,6 @@ class KT_EXPORT KtArticulatedBodyInertia
 
   /// Exact equality of the blocks and of `isRigid()`.
   bool operator==(const KtArticulatedBodyInertia&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtArticulatedBodyInertiaToken; }
 
  private:

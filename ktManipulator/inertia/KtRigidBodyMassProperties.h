@@ -192,7 +192,6 @@ class KT_EXPORT KtRigidBodyMassProperties
   /// tensor to be a real body's.
   static KtRigidBodyMassProperties defaultObject();
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtRigidBodyMassPropertiesToken; }
 
  private:

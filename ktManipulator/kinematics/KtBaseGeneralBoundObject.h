@@ -20,7 +20,6 @@ class KT_EXPORT KtBaseGeneralBoundObject : public KtXmlCompoundType {
   virtual void setShape(const KtShape& shape) { shapeContainer_.setTopElement(shape); }
   /// The frame of the shape in the frame that the object rides on.
   virtual const KtCoordinateSystemTransformation& primaryFrame() const { return primaryFrame_; }
-  /// Sets what `primaryFrame()` answers.
   virtual void setPrimaryFrame(const KtCoordinateSystemTransformation& frame) {
     primaryFrame_ = frame;
   }
@@ -34,7 +33,6 @@ class KT_EXPORT KtBaseGeneralBoundObject : public KtXmlCompoundType {
   virtual const KtCoordinateSystemTransformation& locationInSystem(
       KtManipulatorActiveState& activeState, const KtIndividualManipulator& manipulator) const = 0;
 
-  /// Exact equality.
   bool operator==(const KtBaseGeneralBoundObject&) const = default;
 
  private:

@@ -85,31 +85,24 @@ class KT_EXPORT KtDenavitHartenberg
   virtual void registerDhTypeEnumerations();
   /// A `JointType`.
   virtual unsigned int jointType() const { return jointType_; }
-  /// Sets what `jointType()` answers.
   virtual void setJointType(unsigned int type);
   /// A `DhType`.
   virtual unsigned int dhType() const { return dhType_; }
-  /// Sets what `dhType()` answers.
   virtual void setDhType(unsigned int type);
   /// The fixed inboard transformation of the general types.
   virtual const KtCoordinateSystemTransformation& precursor() const { return precursor_; }
-  /// Sets what `precursor()` answers.
   virtual void setPrecursor(const KtCoordinateSystemTransformation& t);
   /// Joint angle of a prismatic joint.
   virtual const KtAngle& dhTheta() const { return theta_.value(); }
-  /// Sets what `dhTheta()` answers.
   virtual void setDhTheta(const KtAngle& theta);
   /// Link offset of a rotational joint, m.
   virtual double dhD() const { return d_; }
-  /// Sets what `dhD()` answers.
   virtual void setDhD(double d);
   /// Link length, m.
   virtual double dhA() const { return a_; }
-  /// Sets what `dhA()` answers.
   virtual void setDhA(double a);
   /// Link twist.
   virtual const KtAngle& dhAlpha() const { return alpha_.value(); }
-  /// Sets what `dhAlpha()` answers.
   virtual void setDhAlpha(const KtAngle& alpha);
   /// The motion of the DH frame at a unit of joint rate, which doesn't depend on q. A bad type
   /// leaves `motion` as it was.
@@ -140,7 +133,6 @@ class KT_EXPORT KtDenavitHartenberg
   /// An example of typical numbers, prismatic and of type paul. The primary frame's quaternion is
   /// not of unit length.
   static KtDenavitHartenberg defaultObject();
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtDenavitHartenbergToken; }
 
  private:

@@ -16,9 +16,7 @@ class KT_EXPORT KtGeneralBoundObjectVector
 
   void registerComponentCreators() override;
 
-  /// Exact equality.
   bool operator==(const KtGeneralBoundObjectVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtGeneralBoundObjectVectorToken; }
 };
 

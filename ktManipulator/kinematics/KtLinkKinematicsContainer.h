@@ -55,9 +55,7 @@ class KT_EXPORT KtLinkKinematicsContainer
   /// See `KtLinkKinematics`.
   virtual double jointParameterScalability() const;
 
-  /// Exact equality.
   bool operator==(const KtLinkKinematicsContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkKinematicsContainerToken; }
 };
 

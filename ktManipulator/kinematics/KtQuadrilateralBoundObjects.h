@@ -20,7 +20,6 @@ class KT_EXPORT KtBaseQuadrilateralBoundObject : public KtBaseGeneralBoundObject
 
   /// Label of the link, which must have a `KtQuadrilateralTypeLink` as its joint model.
   virtual const std::string& linkIdentifier() const { return linkIdentifier_; }
-  /// Sets what `linkIdentifier()` answers.
   virtual void setlinkIdentifier(const std::string& label) { linkIdentifier_ = label; }
 
   /// Exact equality. The last location does not count.
@@ -51,9 +50,7 @@ class KT_EXPORT KtQuadrilateralFixedSliderJointOAObject
  public:
   KtQuadrilateralFixedSliderJointOAObject();  ///< A body without a shape, on no link.
 
-  /// Exact equality.
   bool operator==(const KtQuadrilateralFixedSliderJointOAObject&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() {
     return KtManip::KtQuadrilateralFixedSliderJointOAObjectToken;
   }
@@ -66,9 +63,7 @@ class KT_EXPORT KtQuadrilateralFixedSliderJointCBObject
  public:
   KtQuadrilateralFixedSliderJointCBObject();  ///< A body without a shape, on no link.
 
-  /// Exact equality.
   bool operator==(const KtQuadrilateralFixedSliderJointCBObject&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() {
     return KtManip::KtQuadrilateralFixedSliderJointCBObjectToken;
   }
@@ -82,9 +77,7 @@ class KT_EXPORT KtQuadrilateralPivotedSliderJointBObject
  public:
   KtQuadrilateralPivotedSliderJointBObject();  ///< A body without a shape, on no link.
 
-  /// Exact equality.
   bool operator==(const KtQuadrilateralPivotedSliderJointBObject&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() {
     return KtManip::KtQuadrilateralPivotedSliderJointBObjectToken;
   }
@@ -97,9 +90,7 @@ class KT_EXPORT KtQuadrilateralPivotedSliderJointCObject
  public:
   KtQuadrilateralPivotedSliderJointCObject();  ///< A body without a shape, on no link.
 
-  /// Exact equality.
   bool operator==(const KtQuadrilateralPivotedSliderJointCObject&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() {
     return KtManip::KtQuadrilateralPivotedSliderJointCObjectToken;
   }

@@ -68,39 +68,32 @@ class KT_EXPORT KtQuadrilateralTypeLink
   virtual void registerJointTypeEnumerations();
   /// A `JointType`.
   virtual unsigned int jointType() const { return jointType_; }
-  /// Sets what `jointType()` answers.
   virtual void setJointType(unsigned int type);
   /// The fixed inboard transformation.
   virtual const KtCoordinateSystemTransformation& precursor() const { return precursor_; }
-  /// Sets what `precursor()` answers.
   virtual void setPrecursor(const KtCoordinateSystemTransformation& t);
   /// The slider's length at q = 0, m.
   virtual double nominalLength() const { return nominalLength_; }
-  /// Sets what `nominalLength()` answers.
   virtual void setNominalLength(double length);
   /// Length of the side d1, m.
   virtual double d1Length() const { return d1Length_; }
-  /// Sets what `d1Length()` answers.
   virtual void setD1Length(double length);
   /// Length of the side d2, which the link carries, m.
   virtual double d2Length() const { return d2Length_; }
-  /// Sets what `d2Length()` answers.
   virtual void setD2Length(double length);
   /// Length of the fixed side that faces the slider, m.
   virtual double oppositeLength() const { return oppositeLength_; }
-  /// Sets what `oppositeLength()` answers.
   virtual void setOppositeLength(double length);
   /// Place of the DH frame and frame A along z, m.
   virtual double zDistanceA() const { return zDistanceA_; }
-  /// Sets what `zDistanceA()` answers. A transformation that is kept stays.
+  /// A transformation that was stored before stays as it is.
   virtual void setZDistanceA(double distance) { zDistanceA_ = distance; }
   /// Place of frame B along z, m.
   virtual double zDistanceB() const { return zDistanceB_; }
-  /// Sets what `zDistanceB()` answers. A transformation that is kept stays.
+  /// A transformation that was stored before stays as it is.
   virtual void setZDistanceB(double distance) { zDistanceB_ = distance; }
   /// A distance along z that files carry and scaling scales; no frame uses it.
   virtual double zDistanceC() const { return zDistanceC_; }
-  /// Sets what `zDistanceC()` answers.
   virtual void setZDistanceC(double distance) { zDistanceC_ = distance; }
   /// Whether the primary frames and the seven lengths differ by no more than the tolerance, and the
   /// joint types are equal. The precursors are not compared.
@@ -122,7 +115,6 @@ class KT_EXPORT KtQuadrilateralTypeLink
 
   /// Exact equality of the primary frames, the type, the precursor and the seven lengths.
   bool operator==(const KtQuadrilateralTypeLink& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtQuadrilateralTypeLinkToken; }
 
  private:

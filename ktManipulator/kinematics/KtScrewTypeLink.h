@@ -30,11 +30,9 @@ class KT_EXPORT KtScrewTypeLink : public KtXmlPersistent<KtScrewTypeLink, KtLink
 
   /// The fixed inboard transformation.
   virtual const KtCoordinateSystemTransformation& precursor() const { return precursor_; }
-  /// Sets what `precursor()` answers.
   virtual void setPrecursor(const KtCoordinateSystemTransformation& t);
   /// Turns per m.
   virtual double pitch() const { return pitch_; }
-  /// Sets what `pitch()` answers.
   virtual void setPitch(double turnsPerMetre);
   using KtLinkKinematics::approxEq;
   /// Whether the primary frames are equal within a tolerance. Precursor and pitch are not compared.
@@ -42,7 +40,6 @@ class KT_EXPORT KtScrewTypeLink : public KtXmlPersistent<KtScrewTypeLink, KtLink
 
   /// Exact equality of the primary frames, the precursor and the pitch.
   bool operator==(const KtScrewTypeLink& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtScrewTypeLinkToken; }
 
  private:

@@ -101,11 +101,9 @@ class KT_EXPORT KtIndividualManipulator
   virtual void setFromLink(const KtManipulatorLink& link);
   /// The fixed frame between the position state's frame and the base's DH frame.
   virtual const KtCoordinateSystemTransformation& coordSysXForm() const;
-  /// Sets what `coordSysXForm()` answers.
   virtual void setCoordSysXForm(const KtCoordinateSystemTransformation& t);
   /// A sphere around the whole mechanism in any position, in the base's frame.
   virtual const KtSphere& absoluteBoundingSphere() const;
-  /// Sets what `absoluteBoundingSphere()` answers.
   virtual void setAbsoluteBoundingSphere(const KtSphere& sphere);
   /// Fills the self-collision map with all pairs of links, marks none of them to be tested, and
   /// compiles the map.
@@ -114,19 +112,16 @@ class KT_EXPORT KtIndividualManipulator
   virtual void fitAbsoluteBoundingSphere();
   /// Whether the base cannot move; true by default.
   virtual bool isFixedBase() const;
-  /// Sets what `isFixedBase()` answers.
   virtual void setIsFixedBase(bool value);
   /// Whether reading a file prepares all links for display; false by default.
   virtual bool optimizeOnLoad() const;
-  /// Sets what `optimizeOnLoad()` answers.
   virtual void setOptimizeOnLoad(bool value);
   /// Whether a controller may move the manipulator; true by default.
   virtual bool isControllable() const;
-  /// Sets what `isControllable()` answers.
   virtual void setIsControllable(bool value);
   /// Names the manipulator whose links this one uses.
   virtual const KtManipulatorReferenceDescription& manipulatorReferenceDescription() const;
-  /// Sets what `manipulatorReferenceDescription()` answers; the system resolves it.
+  /// The system resolves the reference at its next mapping.
   virtual void setManipulatorReferenceDescription(
       const KtManipulatorReferenceDescription& description);
   /// Place of the manipulator in its system.
@@ -220,7 +215,6 @@ class KT_EXPORT KtIndividualManipulator
       const KtXmlVectorType<KtIndividualManipulator>& manipulators);
   /// Bodies that ride on frames of closed linkages.
   virtual const KtGeneralBoundObjectVector& generalBoundObjects() const;
-  /// Sets what `generalBoundObjects()` answers.
   virtual void setGeneralBoundObjects(const KtGeneralBoundObjectVector& objects);
   /// Numbers all links anew and resolves the references among them.
   virtual bool mapManipulator();
@@ -230,7 +224,6 @@ class KT_EXPORT KtIndividualManipulator
   virtual bool mapManipulator(LinkTable& links, LabelTable& labels);
   /// The properties of surfaces by label.
   virtual const KtSurfaceMap& surfaces() const;
-  /// Sets what `surfaces()` answers.
   virtual void setSurfaces(const KtSurfaceMap& surfaces);
   using KtManipulatorLink::setSurfaces;
   /// Sets the self-collision map and compiles it.
@@ -278,15 +271,12 @@ class KT_EXPORT KtIndividualManipulator
                                       const KtStatedSystemStruct* asker) const;
   /// Constraints on the joint positions.
   virtual const KtStateConstraintVector& stateConstraints() const;
-  /// Sets what `stateConstraints()` answers.
   virtual void setStateConstraints(const KtStateConstraintVector& constraints);
   /// Linear equations that joint motions must satisfy.
   virtual const KtStateEqualityConstraintVector& stateEqualityConstraints() const;
-  /// Sets what `stateEqualityConstraints()` answers.
   virtual void setStateEqualityConstraints(const KtStateEqualityConstraintVector& constraints);
   /// The criteria that stop a propagation.
   virtual const KtStoppingCriterionVector& stoppingCriteria() const;
-  /// Sets what `stoppingCriteria()` answers.
   virtual void setStoppingCriteria(const KtStoppingCriterionVector& criteria);
   /// Collects a, alpha and d of every link whose joint is of the craig convention, by index. A link
   /// with a precursor adds nothing; compare the length to find out whether links are missing.
@@ -300,7 +290,6 @@ class KT_EXPORT KtIndividualManipulator
   virtual bool setBoundingVolume(const std::string& label, const KtShape& shape,
                                  const KtDataMap* data = nullptr);
 
-  /// Sets what `manipulatorIndex()` answers.
   void setManipulatorIndex(KtU32 index) noexcept { manipulatorIndex_ = index; }
   /// Exchanges two link indices if the first is less than the second; the base counts as the
   /// largest index.
@@ -332,7 +321,6 @@ class KT_EXPORT KtIndividualManipulator
 
   /// Equality of everything that is written to files.
   bool operator==(const KtIndividualManipulator& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtIndividualManipulatorToken; }
 
  private:

@@ -21,15 +21,12 @@ class KT_EXPORT KtLinkAttachment : public KtXmlPersistent<KtLinkAttachment, KtXm
 
   /// Position of the manipulator in its system; 0 by default.
   virtual KtU32 manipulatorIndex() const { return manipulatorIndex_; }
-  /// Sets what `manipulatorIndex()` answers.
   virtual void setManipulatorIndex(KtU32 index) { manipulatorIndex_ = index; }
   /// Label of the link; empty by default.
   virtual const KtString& linkIdentifier() const { return linkIdentifier_.value(); }
-  /// Sets what `linkIdentifier()` answers.
   virtual void setLinkIdentifier(const KtString& label) { linkIdentifier_ = label; }
   /// The frame in the link's primary frame; the identity by default.
   virtual const KtCoordinateSystemTransformation& frame() const { return frame_; }
-  /// Sets what `frame()` answers.
   virtual void setFrame(const KtCoordinateSystemTransformation& frame) { frame_ = frame; }
   /// The pose of the frame in the system.
   ///
@@ -56,9 +53,7 @@ class KT_EXPORT KtLinkAttachment : public KtXmlPersistent<KtLinkAttachment, KtXm
                                      KtManipulatorActiveState& activeState,
                                      std::vector<double>& acceleration, KtU32 startIndex) const;
 
-  /// Exact equality.
   bool operator==(const KtLinkAttachment&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkAttachmentToken; }
 
  private:

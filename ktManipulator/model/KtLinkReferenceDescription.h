@@ -14,16 +14,12 @@ class KT_EXPORT KtLinkReferenceDescription
 
   /// Whether the shapes are those of another link; false by default.
   virtual bool isShapeReferenced() const { return isShapeReferenced_; }
-  /// Sets what `isShapeReferenced()` answers.
   virtual void setIsShapeReferenced(bool value) { isShapeReferenced_ = value; }
   /// Label of that link; empty by default. Clearing the flag doesn't clear the label.
   virtual const KtString& referencedLinkLabel() const { return referencedLinkLabel_.value(); }
-  /// Sets what `referencedLinkLabel()` answers.
   virtual void setReferencedLinkLabel(const KtString& label) { referencedLinkLabel_ = label; }
 
-  /// Exact equality.
   bool operator==(const KtLinkReferenceDescription&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkReferenceDescriptionToken; }
 
  private:

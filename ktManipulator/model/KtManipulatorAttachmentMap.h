@@ -61,9 +61,7 @@ class KT_EXPORT KtManipulatorAttachmentMap
       KtManipulatorActivePositionState& positionState, std::vector<KtU32>& dependents,
       KtXmlVectorType<KtCoordinateSystemTransformation>& locations) const;
 
-  /// Exact equality.
   bool operator==(const KtManipulatorAttachmentMap&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorAttachmentMapToken; }
 };
 

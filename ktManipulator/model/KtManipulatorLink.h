@@ -138,14 +138,13 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                            const KtSurfaceMap& surfaces);
   /// The holder of the joint model that leads from the parent's DH frame to this link's.
   virtual const KtLinkKinematicsContainer& linkKinematicsContainer() const;
-  /// Sets what `linkKinematicsContainer()` answers, and brings the mass in the DH frame up to date.
+  /// Sets the joint model and computes the mass in the DH frame anew.
   virtual void setLinkKinematicsContainer(const KtLinkKinematicsContainer& container);
   /// Replaces the joint model by a copy of another. The mass in the DH frame stays as it is; see
   /// `updateDHMassProperties`.
   virtual void setLinkKinematics(const KtLinkKinematics& kinematics);
   /// The children, in the order of all walks.
   virtual const KtXmlVectorType<KtManipulatorLink>& childLinks() const;
-  /// Sets what `childLinks()` answers.
   virtual void setChildLinks(const KtXmlVectorType<KtManipulatorLink>& links);
   /// Appends a copy of a link to the children.
   virtual void addChild(const KtManipulatorLink& link);
@@ -176,7 +175,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void setPrimaryFrame(const KtCoordinateSystemTransformation& frame);
   /// The joint's actuator.
   virtual const KtJointActuator& jointActuator() const;
-  /// Sets what `jointActuator()` answers, bound to this link, and its limits' constraints.
+  /// Copies the actuator, binds the copy to this link and sets the constraints of its limits.
   virtual void setJointActuator(const KtJointActuator& actuator);
   /// Truncates the coordinates of this link's shapes to a precision, but not those of its children;
   /// see `KtBasePhysicalExtent::truncateValues`.
@@ -191,11 +190,10 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void setMassProperties(const KtRigidBodyMassProperties& properties);
   /// The mass properties of the link itself, in the primary frame.
   virtual const KtRigidBodyMassProperties& baseMassProperties() const;
-  /// Sets what `baseMassProperties()` answers; the masses it carries stay.
+  /// The masses that the link carries stay as they are.
   virtual void setBaseMassProperties(const KtRigidBodyMassProperties& properties);
   /// The masses that the link carries, by name, in the primary frame.
   virtual const MassMap& massPropertiesMap() const;
-  /// Sets what `massPropertiesMap()` answers.
   virtual void setMassPropertiesMap(const MassMap& map);
   /// Removes all masses that the link carries.
   virtual void clearMassPropertiesMap();
@@ -206,15 +204,13 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual bool deleteMassProperties(const std::string& name);
   /// The joint's spring.
   virtual const KtSpringProperties& springProperties() const;
-  /// Sets what `springProperties()` answers.
   virtual void setSpringProperties(const KtSpringProperties& properties);
   /// The joint's damper.
   virtual const KtDamperProperties& damperProperties() const;
-  /// Sets what `damperProperties()` answers.
   virtual void setDamperProperties(const KtDamperProperties& properties);
   /// Whose shapes this link uses.
   virtual const KtLinkReferenceDescription& linkReferenceDescription() const;
-  /// Sets what `linkReferenceDescription()` answers; it is resolved at the next mapping.
+  /// The reference is resolved at the next mapping.
   virtual void setLinkReferenceDescription(const KtLinkReferenceDescription& description);
   /// The torque of spring and damper at the joint; 0, with a message, without a manipulator.
   virtual double totalLocalTorque(KtManipulatorActiveState& activeState) const;
@@ -228,7 +224,6 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void transformComponentsBy(KtCoordinateSystemTransformation t);
   /// The link that holds this one, or null.
   virtual KtManipulatorLink* parentLink() const;
-  /// Sets what `parentLink()` answers.
   virtual void setParentLink(KtManipulatorLink* link);
   /// Position of this link in its manipulator's table, by which state vectors are indexed;
   /// `ktUnmappedIndex` for a link that was never mapped.
@@ -305,7 +300,7 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual KtShapeQueryData& queryData() const;
   /// The manipulator of this link, or null if it was not mapped by one.
   virtual const KtIndividualManipulator* manipulator() const;
-  /// Sets what `manipulator()` answers.
+  /// Records the manipulator that owns this link; mapping calls it.
   virtual void setManipulatorPointer(const KtIndividualManipulator* manipulator) const;
   /// An upper bound for the distance of this link's DH frame from the parent's, over the joint's
   /// range, m; see `KtLinkKinematics::upperBoundDhFrameDistance`.
@@ -443,15 +438,14 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   /// The constraint that is at least 0 below the joint's upper limit: the one that was set, or by
   /// default the actuator's limit minus the joint's position, which the first call creates.
   virtual const KtBaseStateConstraint& upperLimitConstraint() const;
-  /// Sets what `upperLimitConstraint()` answers, to a copy.
+  /// Stores a copy of the constraint.
   virtual void setUpperLimitConstraint(const KtBaseStateConstraint& constraint);
   /// The constraint that is at least 0 above the joint's lower limit; see `upperLimitConstraint`.
   virtual const KtBaseStateConstraint& lowerLimitConstraint() const;
-  /// Sets what `lowerLimitConstraint()` answers, to a copy.
+  /// Stores a copy of the constraint.
   virtual void setLowerLimitConstraint(const KtBaseStateConstraint& constraint);
   /// The named points, in the primary frame.
   virtual const PointMap& namedPoints() const;
-  /// Sets what `namedPoints()` answers.
   virtual void setNamedPoints(const PointMap& points);
   /// Looks up a named point. Returns false, and leaves the argument unchanged, if there is none.
   virtual bool lookupNamedPoint(const std::string& name, KtVector& point) const;
@@ -459,7 +453,6 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
   virtual void addNamedPoint(const std::string& name, const KtVector& point);
   /// The named frames, in the primary frame.
   virtual const FrameMap& namedFrames() const;
-  /// Sets what `namedFrames()` answers.
   virtual void setNamedFrames(const FrameMap& frames);
   /// Looks up a named frame. Returns false, and leaves the argument unchanged, if there is none.
   virtual bool lookupNamedFrame(const std::string& name,
@@ -469,7 +462,6 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
                              const KtCoordinateSystemTransformation& frame);
   /// Whether the joint is marked as constrained.
   virtual bool isConstrained() const;
-  /// Sets what `isConstrained()` answers.
   virtual void setIsConstrained(bool value);
   /// Updates the limit constraints after a change of the actuator's limits. For a link without a
   /// place in a state vector (a root, or a link that was never mapped) they are constants.
@@ -517,13 +509,11 @@ class KT_EXPORT KtManipulatorLink : public KtXmlPersistent<KtManipulatorLink, Kt
 
   /// Equality of everything that is written to files.
   bool operator==(const KtManipulatorLink& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorLinkToken; }
 
  protected:
   /// The link whose shapes this one uses; never null.
   KtManipulatorLink* referenceLink() const noexcept { return referenceLink_; }
-  /// Sets what `referenceLink()` answers.
   void setReferenceLink(KtManipulatorLink* link) noexcept { referenceLink_ = link; }
   /// Sets the index.
   void setLinkIndex(KtU32 index) noexcept { linkIndex_ = index; }

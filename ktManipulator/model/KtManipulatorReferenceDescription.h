@@ -14,20 +14,16 @@ class KT_EXPORT KtManipulatorReferenceDescription
 
   /// Whether the links are those of another manipulator; false by default.
   virtual bool isManipulatorReferenced() const { return isManipulatorReferenced_; }
-  /// Sets what `isManipulatorReferenced()` answers.
   virtual void setIsManipulatorReferenced(bool value) { isManipulatorReferenced_ = value; }
   /// Label of that manipulator; empty by default.
   virtual const KtString& referencedManipulatorLabel() const {
     return referencedManipulatorLabel_.value();
   }
-  /// Sets what `referencedManipulatorLabel()` answers.
   virtual void setReferencedManipulatorLabel(const KtString& label) {
     referencedManipulatorLabel_ = label;
   }
 
-  /// Exact equality.
   bool operator==(const KtManipulatorReferenceDescription&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorReferenceDescriptionToken; }
 
  private:

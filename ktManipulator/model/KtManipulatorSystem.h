@@ -63,11 +63,10 @@ class KT_EXPORT KtManipulatorSystem
   virtual KtU32 jointAndBaseDof() const;
   /// The environment of the manipulators.
   virtual const KtSystemEnvironment& environment() const;
-  /// Sets what `environment()` answers.
   virtual void setEnvironment(const KtSystemEnvironment& environment);
   /// The manipulators.
   virtual const ManipulatorVector& manipulators() const;
-  /// Sets what `manipulators()` answers, and maps them; the argument may be the own list.
+  /// Replaces all manipulators and maps them; the argument may be the system's own list.
   virtual void setManipulators(const ManipulatorVector& manipulators);
   /// Appends a copy of a manipulator.
   virtual void addManipulator(const KtIndividualManipulator& manipulator);
@@ -105,16 +104,15 @@ class KT_EXPORT KtManipulatorSystem
   virtual void setFromIndividualManipulator(const KtIndividualManipulator& manipulator);
   /// The forces that act between links.
   virtual const KtLinkInteractionsVector& linkInteractionsVector() const;
-  /// Sets what `linkInteractionsVector()` answers.
   virtual void setLinkInteractionsVector(const KtLinkInteractionsVector& interactions);
   /// The pairs of links of different manipulators that are never tested for collision.
   virtual const KtSystemCollisionExclusionMap& collisionExclusionMap() const;
-  /// Sets what `collisionExclusionMap()` answers, and compiles it for the present links.
+  /// Sets the map and compiles it for the present links.
   virtual void setCollisionExclusionMap(const KtSystemCollisionExclusionMap& map);
   /// The manipulators whose base is fixed to a link of another one.
   virtual const KtManipulatorAttachmentMap& manipulatorAttachmentMap() const;
-  /// Sets what `manipulatorAttachmentMap()` answers. Attachments of a manipulator of this system to
-  /// a manipulator or a link that it doesn't have are left out.
+  /// Leaves out each attachment that fixes one of the system's manipulators to a manipulator or
+  /// link that the system doesn't have.
   virtual void setManipulatorAttachmentMap(const KtManipulatorAttachmentMap& map);
   /// Advances all positions of a state, and its time, by a time step, s, at its velocities; see
   /// `KtIndividualManipulator::propagateState`. Attachments, collisions and stopping criteria are
@@ -199,9 +197,7 @@ class KT_EXPORT KtManipulatorSystem
   /// @return true
   bool getCraigDhParameters(std::vector<std::vector<double>>& parameters) const;
 
-  /// Exact equality.
   bool operator==(const KtManipulatorSystem& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorSystemToken; }
 
  private:

@@ -110,11 +110,10 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual bool deleteManipulator(KtU32 index);
   /// The environment of the manipulators.
   virtual const KtSystemEnvironment& environment() const;
-  /// Sets what `environment()` answers.
   virtual void setEnvironment(const KtSystemEnvironment& environment);
   /// The state.
   virtual const KtManipulatorSystemState& state() const;
-  /// Sets what `state()` answers. That it fits the system is the caller's matter.
+  /// The caller sees to it that the state fits the system.
   virtual void setState(const KtManipulatorSystemState& state);
   /// Sets the position of one manipulator; a bad index is reported.
   virtual void setIndividualPositionState(KtU32 index, const KtPositionState& position);
@@ -197,15 +196,12 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual bool setSurfacesByKey(const KtShapeStateCacheKey& key, const KtSurfaceMap& surfaces);
   /// Keys of the shapes that changed since the display was last updated.
   virtual const ShapeKeyVector& modifiedShapeKeyVec() const;
-  /// The same, to be changed.
   virtual ShapeKeyVector& modifiedShapeKeyVec();
-  /// Sets what `modifiedShapeKeyVec()` answers.
   virtual void setModifiedShapeKeyVec(const ShapeKeyVector& keys);
   /// Adds a shape to those that changed, unless it is among them. Ignores keys without a shape.
   virtual void addModifiedShapeKeyVec(const KtShapeStateCacheKey& key);
   /// Whether the display shows the system as transparent.
   virtual bool isTransparentDisplay() const;
-  /// Sets what `isTransparentDisplay()` answers.
   virtual void setIsTransparentDisplay(bool value) const;
   /// Will intersect a line segment with the system. It does nothing yet, nor does
   /// `KtIndividualManipulator::intersectLineSegmentWithManipulator`.
@@ -252,15 +248,12 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
   virtual void changeEmissionAlpha(const KtShapeStateCacheKey& key, const double& alpha);
   /// Keys of the shapes that the application has selected.
   virtual const ShapeKeyVector& selectedShapeKeyVector() const;
-  /// Sets what `selectedShapeKeyVector()` answers.
   virtual void setSelectedShapeKeyVector(const ShapeKeyVector& keys);
   /// Opacity of a transparent display.
   virtual double transparencyAlpha() const;
-  /// Sets what `transparencyAlpha()` answers.
   virtual void setTransparencyAlpha(double alpha);
   /// Whether the selection changed since the display was last updated.
   virtual bool isSelectionDataChanged() const;
-  /// Sets what `isSelectionDataChanged()` answers.
   virtual void setIsSelectionDataChanged(bool value) const;
   /// See `KtManipulatorSystem::setCollisionExclusionMap`; all that share the system see the change.
   virtual void setCollisionExclusionMap(const KtSystemCollisionExclusionMap& map);
@@ -310,7 +303,6 @@ class KT_EXPORT KtStatedSystem : public KtXmlPersistent<KtStatedSystem, KtXmlCom
 
   /// Equality of system, state, lists of shapes and display values.
   bool operator==(const KtStatedSystem& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtStatedSystemToken; }
 
  private:

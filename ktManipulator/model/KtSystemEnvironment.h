@@ -15,16 +15,12 @@ class KT_EXPORT KtSystemEnvironment
 
   /// The frame of the system in the world; the identity by default.
   virtual const KtCoordinateSystemTransformation& coordSysXForm() const { return coordSysXForm_; }
-  /// Sets what `coordSysXForm()` answers.
   virtual void setCoordSysXForm(const KtCoordinateSystemTransformation& t) { coordSysXForm_ = t; }
   /// The acceleration against which a body at rest is held up, upwards, m/s^2; zero by default.
   virtual const KtXmlVector& upGravityVector() const { return upGravityVector_; }
-  /// Sets what `upGravityVector()` answers.
   virtual void setUpGravityVector(const KtXmlVector& gravity) { upGravityVector_ = gravity; }
 
-  /// Exact equality.
   bool operator==(const KtSystemEnvironment&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtEnvironmentToken; }
 
  private:

@@ -26,6 +26,5 @@ class KT_EXPORT KtBaseLinkInteractions : public KtXmlCompoundType {
                                  const KtXmlVectorType<KtManipulatorTorque>& torques,
                                  KtXmlVectorType<KtManipulatorExternalForce>& forces) const = 0;
 
-  /// Exact equality.
   bool operator==(const KtBaseLinkInteractions&) const = default;
 };

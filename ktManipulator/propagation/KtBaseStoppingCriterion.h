@@ -24,6 +24,5 @@ class KT_EXPORT KtBaseStoppingCriterion : public KtXmlCompoundType {
                     const KtReal& time, KtU32 manipulatorIndex,
                     KtPropagationResultData& result) const = 0;
 
-  /// Exact equality.
   bool operator==(const KtBaseStoppingCriterion&) const = default;
 };

@@ -15,9 +15,7 @@ class KT_EXPORT KtLinkInteractionsVector
 
   void registerComponentCreators() override;
 
-  /// Exact equality.
   bool operator==(const KtLinkInteractionsVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLinkInteractionsVectorToken; }
 };
 

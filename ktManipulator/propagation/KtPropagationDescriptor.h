@@ -14,22 +14,17 @@ class KT_EXPORT KtPropagationDescriptor
 
   /// Whether to check at all; true by default.
   virtual bool checkForCollisions() const { return checkForCollisions_; }
-  /// Sets what `checkForCollisions()` answers.
   virtual void setCheckForCollisions(bool value) { checkForCollisions_ = value; }
   /// The distance from which on links count as collided, m; 0.001 by default.
   virtual KtReal collisionDetectionTolerance() const { return collisionDetectionTolerance_; }
-  /// Sets what `collisionDetectionTolerance()` answers.
   virtual void setCollisionDetectionTolerance(KtReal distance) {
     collisionDetectionTolerance_ = distance;
   }
   /// The level of detail of the bounding volumes that are checked; 1 by default.
   virtual KtU32 collisionDetectionFidelity() const { return collisionDetectionFidelity_; }
-  /// Sets what `collisionDetectionFidelity()` answers.
   virtual void setCollisionDetectionFidelity(KtU32 level) { collisionDetectionFidelity_ = level; }
 
-  /// Exact equality.
   bool operator==(const KtPropagationDescriptor&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtPropagationDescriptorToken; }
 
  private:

@@ -16,9 +16,7 @@ class KT_EXPORT KtStoppingCriterionVector
 
   void registerComponentCreators() override;
 
-  /// Exact equality.
   bool operator==(const KtStoppingCriterionVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtStoppingCriterionVectorToken; }
 };
 

@@ -13,12 +13,9 @@ class KT_EXPORT KtSystemProcessingParameters
 
   /// The bound on the iterations of one distance computation of convex shapes; 120 by default.
   virtual KtU32 maxGJKIterations() const { return maxGJKIterations_; }
-  /// Sets what `maxGJKIterations()` answers.
   virtual void setMaxGJKIterations(KtU32 count) { maxGJKIterations_ = count; }
 
-  /// Exact equality.
   bool operator==(const KtSystemProcessingParameters&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtSystemProcessingParametersToken; }
 
  private:

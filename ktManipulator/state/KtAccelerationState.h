@@ -23,9 +23,7 @@ class KT_EXPORT KtAccelerationState
 
   /// The joint accelerations, rad/s^2 or m/s^2. Empty by default.
   virtual const JointVector& jointAccelerations() const { return jointAccelerations_; }
-  /// The same, to be changed.
   virtual JointVector& jointAccelerations() { return jointAccelerations_; }
-  /// Sets what `jointAccelerations()` answers.
   virtual void setJointAccelerations(const JointVector& accelerations) {
     jointAccelerations_ = accelerations;
   }
@@ -34,9 +32,7 @@ class KT_EXPORT KtAccelerationState
   virtual void setJointAccelerations(const KtReArray& accelerations);
   /// The acceleration of the base, m/s^2 and rad/s^2. Zero by default.
   virtual const KtGeneralMotion& generalAcceleration() const { return generalAcceleration_; }
-  /// The same, to be changed.
   virtual KtGeneralMotion& generalAcceleration() { return generalAcceleration_; }
-  /// Sets what `generalAcceleration()` answers.
   virtual void setGeneralAcceleration(const KtGeneralMotion& acceleration) {
     generalAcceleration_ = acceleration;
   }
@@ -48,9 +44,7 @@ class KT_EXPORT KtAccelerationState
   /// A state without acceleration for as many joints as the velocity state has.
   static KtAccelerationState zeroCompatibleState(const KtVelocityState& velocity);
 
-  /// Exact equality.
   bool operator==(const KtAccelerationState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtAccelerationStateToken; }
 
  private:

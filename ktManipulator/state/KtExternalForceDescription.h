@@ -16,16 +16,13 @@ class KT_EXPORT KtExternalForceDescription
  public:
   /// Whether the force is up to date. False by default.
   virtual bool valid() const { return valid_; }
-  /// Sets what `valid()` answers.
   virtual void setValid(bool valid) { valid_ = valid; }
 
   /// The force, N, and its moment about the origin of the frame that it is given in, N m.
   const KtGeneralForce& externalLinkForce() const noexcept { return externalLinkForce_; }
-  /// Sets what `externalLinkForce()` answers.
   void setExternalLinkForce(const KtGeneralForce& force) noexcept { externalLinkForce_ = force; }
   /// The point that the force acts on, m. The other operations don't look at it.
   const KtVector& forceApplicationPoint() const noexcept { return forceApplicationPoint_; }
-  /// Sets what `forceApplicationPoint()` answers.
   void setForceApplicationPoint(const KtVector& point) noexcept { forceApplicationPoint_ = point; }
   /// A segment on the line of action: from its point closest to the origin, (F x M) / (F . F) for
   /// force F and moment M, on by F, a metre for each newton.
@@ -36,7 +33,6 @@ class KT_EXPORT KtExternalForceDescription
 
   /// Always true.
   bool operator==(const KtExternalForceDescription&) const noexcept { return true; }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtExternalForceDescriptionToken; }
 
   /// The shared segment of length 0 at the origin.

@@ -17,13 +17,11 @@ class KT_EXPORT KtManipulatorExternalForce
 
   /// The forces on the links. Empty by default.
   virtual const KtXmlVectorType<KtGeneralForce>& linkForces() const { return linkForces_; }
-  /// Sets what `linkForces()` answers.
   virtual void setLinkForces(const KtXmlVectorType<KtGeneralForce>& forces) {
     linkForces_ = forces;
   }
   /// The force on the base. Zero by default.
   virtual const KtGeneralForce& baseForce() const { return baseForce_; }
-  /// Sets what `baseForce()` answers.
   virtual void setBaseForce(const KtGeneralForce& force) { baseForce_ = force; }
   /// The force on the link of an index, that on the base for `ktBaseIndex`. An index beyond the end
   /// is reported and gives `m_theNullGeneralForce`.
@@ -40,9 +38,7 @@ class KT_EXPORT KtManipulatorExternalForce
   /// Makes all forces zero, for as many links as there are.
   virtual void setToZeros();
 
-  /// Exact equality.
   bool operator==(const KtManipulatorExternalForce&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorExternalForceToken; }
 
   /// The shared zero force.

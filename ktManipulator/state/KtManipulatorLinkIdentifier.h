@@ -22,14 +22,11 @@ class KT_EXPORT KtManipulatorLinkIdentifier
 
   /// Position of the manipulator in its system; 0 by default.
   virtual KtU32 manipulatorIndex() const { return manipulatorIndex_; }
-  /// Sets what `manipulatorIndex()` answers.
   virtual void setManipulatorIndex(KtU32 index) { manipulatorIndex_ = index; }
   /// Label of the link; empty by default.
   virtual const KtString& linkId() const { return linkId_.value(); }
-  /// Sets what `linkId()` answers.
   virtual void setLinkId(const KtString& label) { linkId_ = label; }
 
-  /// Exact equality.
   bool operator==(const KtManipulatorLinkIdentifier&) const = default;
   /// Order by manipulator, then by the bytes of the labels: one that begins another comes first.
   bool operator<(const KtManipulatorLinkIdentifier& other) const noexcept {
@@ -38,7 +35,6 @@ class KT_EXPORT KtManipulatorLinkIdentifier
     }
     return linkId_.value() < other.linkId_.value();
   }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorLinkIdToken; }
 
  private:

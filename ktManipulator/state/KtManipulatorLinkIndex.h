@@ -13,11 +13,9 @@ class KtManipulatorLinkIndex {
 
   /// Position of the manipulator in its system.
   constexpr KtU32 manipulatorIndex() const noexcept { return manipulatorIndex_; }
-  /// Sets what `manipulatorIndex()` answers.
   constexpr void setManipulatorIndex(KtU32 index) noexcept { manipulatorIndex_ = index; }
   /// Index of the link in its manipulator.
   constexpr KtU32 linkIndex() const noexcept { return linkIndex_; }
-  /// Sets what `linkIndex()` answers.
   constexpr void setLinkIndex(KtU32 index) noexcept { linkIndex_ = index; }
 
   /// Whether both indices are equal.

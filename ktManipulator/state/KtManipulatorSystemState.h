@@ -24,17 +24,13 @@ class KT_EXPORT KtManipulatorSystemState
   virtual bool mergeWith(const KtManipulatorSystemState& other);
   /// The positions by manipulator. Empty by default.
   virtual const KtXmlVectorType<KtPositionState>& positionStates() const { return positionStates_; }
-  /// The same, to be changed.
   virtual KtXmlVectorType<KtPositionState>& positionStates() { return positionStates_; }
-  /// Sets what `positionStates()` answers.
   virtual void setPositionStates(const KtXmlVectorType<KtPositionState>& states) {
     positionStates_ = states;
   }
   /// The velocities by manipulator. Empty by default.
   virtual const KtXmlVectorType<KtVelocityState>& velocityStates() const { return velocityStates_; }
-  /// The same, to be changed.
   virtual KtXmlVectorType<KtVelocityState>& velocityStates() { return velocityStates_; }
-  /// Sets what `velocityStates()` answers.
   virtual void setVelocityStates(const KtXmlVectorType<KtVelocityState>& states) {
     velocityStates_ = states;
   }
@@ -42,7 +38,6 @@ class KT_EXPORT KtManipulatorSystemState
   virtual void zeroVelocityStates();
   /// The time, s. 0 by default.
   virtual double time() const { return time_; }
-  /// Sets what `time()` answers.
   virtual void setTime(double time) { time_ = time; }
   /// Whether all counts are equal and no number differs by more than the tolerance.
   ///
@@ -103,7 +98,6 @@ class KT_EXPORT KtManipulatorSystemState
 
   /// Exact equality, also of the time.
   bool operator==(const KtManipulatorSystemState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorSystemStateToken; }
 
  private:

@@ -22,23 +22,17 @@ class KT_EXPORT KtManipulatorTorque
 
   /// The joint torques or forces, N m or N. Empty by default.
   virtual const JointVector& jointTorques() const { return jointTorques_; }
-  /// The same, to be changed.
   virtual JointVector& jointTorques() { return jointTorques_; }
-  /// Sets what `jointTorques()` answers.
   virtual void setJointTorques(const JointVector& torques) { jointTorques_ = torques; }
   /// Sets the joint torques from the first column of an array, one for each of its rows. An array
   /// that has rows but no column changes nothing.
   virtual void setJointTorques(const KtReArray& torques);
   /// The load on the base, N and N m. Zero by default.
   virtual const KtGeneralForce& generalForce() const { return generalForce_; }
-  /// The same, to be changed.
   virtual KtGeneralForce& generalForce() { return generalForce_; }
-  /// Sets what `generalForce()` answers.
   virtual void setGeneralForce(const KtGeneralForce& force) { generalForce_ = force; }
 
-  /// Exact equality.
   bool operator==(const KtManipulatorTorque&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtManipulatorTorqueToken; }
 
   /// A shared torque of no joints and a zero load.

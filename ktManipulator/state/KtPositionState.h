@@ -22,15 +22,11 @@ class KT_EXPORT KtPositionState : public KtXmlPersistent<KtPositionState, KtXmlC
 
   /// The joint positions, rad or m. Empty by default.
   virtual const JointVector& jointPositions() const { return jointPositions_; }
-  /// The same, to be changed.
   virtual JointVector& jointPositions() { return jointPositions_; }
-  /// Sets what `jointPositions()` answers.
   virtual void setJointPositions(const JointVector& positions) { jointPositions_ = positions; }
   /// The base's frame in the system. The identity by default.
   virtual const KtCoordinateSystemTransformation& coordSysXForm() const { return coordSysXForm_; }
-  /// The same, to be changed.
   virtual KtCoordinateSystemTransformation& coordSysXForm() { return coordSysXForm_; }
-  /// Sets what `coordSysXForm()` answers.
   virtual void setCoordSysXForm(const KtCoordinateSystemTransformation& frame) {
     coordSysXForm_ = frame;
   }
@@ -56,9 +52,7 @@ class KT_EXPORT KtPositionState : public KtXmlPersistent<KtPositionState, KtXmlC
   virtual bool linearInterpolation(const KtPositionState& state1, const KtPositionState& state2,
                                    const double& f);
 
-  /// Exact equality.
   bool operator==(const KtPositionState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtPositionStateToken; }
 
  private:

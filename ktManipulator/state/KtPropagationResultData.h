@@ -15,27 +15,22 @@ class KT_EXPORT KtPropagationResultData
 
   /// Whether a joint was stopped at its limit.
   virtual bool hitJointLimit() const { return hitJointLimit_; }
-  /// Sets what `hitJointLimit()` answers.
   virtual void setHitJointLimit(bool value) { hitJointLimit_ = value; }
   /// Whether a singular position was met.
   virtual bool hitSingularity() const { return hitSingularity_; }
-  /// Sets what `hitSingularity()` answers.
   virtual void setHitSingularity(bool value) { hitSingularity_ = value; }
   /// Whether one of the manipulator's stopping criteria was satisfied.
   virtual bool hitGeneralStoppingCriterion() const { return hitGeneralStoppingCriterion_; }
-  /// Sets what `hitGeneralStoppingCriterion()` answers.
   virtual void setHitGeneralStoppingCriterion(bool value) { hitGeneralStoppingCriterion_ = value; }
   /// The descriptions of the satisfied criteria, joined by `m_theDescriptionSeparator`.
   virtual const KtString& satisfiedGeneralStoppingCriteriaDescription() const {
     return satisfiedGeneralStoppingCriteriaDescription_.value();
   }
-  /// Sets what `satisfiedGeneralStoppingCriteriaDescription()` answers.
   virtual void setSatisfiedGeneralStoppingCriteriaDescription(const KtString& text) {
     satisfiedGeneralStoppingCriteriaDescription_ = text;
   }
   /// Whether the manipulator collided.
   virtual bool collisionOccurred() const { return collisionOccurred_; }
-  /// Sets what `collisionOccurred()` answers.
   virtual void setCollisionOccurred(bool value) { collisionOccurred_ = value; }
   /// Sets what `linkIndexAtJointLimit()` answers.
   virtual void setLinkIndexAtJointLimit(const KtU32& index) { linkIndexAtJointLimit_ = index; }
@@ -43,19 +38,15 @@ class KT_EXPORT KtPropagationResultData
   virtual KtU32 linkIndexAtJointLimit() const { return linkIndexAtJointLimit_; }
   /// Index of the manipulator that collided. Not written to files.
   virtual KtU32 collidedManipulator() const { return collidedManipulator_; }
-  /// Sets what `collidedManipulator()` answers.
   virtual void setCollidedManipulator(KtU32 index) { collidedManipulator_ = index; }
   /// Index of its link that collided, `ktBaseIndex` for the root.
   virtual KtU32 collidedLink() const { return collidedLink_; }
-  /// Sets what `collidedLink()` answers.
   virtual void setCollidedLink(KtU32 index) { collidedLink_ = index; }
   /// Index of the link that it collided with.
   virtual KtU32 otherCollidedLink() const { return otherCollidedLink_; }
-  /// Sets what `otherCollidedLink()` answers.
   virtual void setOtherCollidedLink(KtU32 index) { otherCollidedLink_ = index; }
   /// Index of the manipulator that it collided with, which may be itself.
   virtual KtU32 otherCollidedManipulator() const { return otherCollidedManipulator_; }
-  /// Sets what `otherCollidedManipulator()` answers.
   virtual void setOtherCollidedManipulator(KtU32 index) { otherCollidedManipulator_ = index; }
   /// Records a satisfied criterion: sets the flag and appends the text to the descriptions.
   virtual void registerGenericStoppingCriterion(const KtString& text);
@@ -65,7 +56,6 @@ class KT_EXPORT KtPropagationResultData
 
   /// Exact equality of what files hold: of all but `collidedManipulator()`.
   bool operator==(const KtPropagationResultData& other) const;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtPropagationResultDataToken; }
 
   /// What stands between two descriptions, "; ".

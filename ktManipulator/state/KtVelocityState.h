@@ -24,18 +24,14 @@ class KT_EXPORT KtVelocityState : public KtXmlPersistent<KtVelocityState, KtXmlC
 
   /// The joint velocities, rad/s or m/s. Empty by default.
   virtual const JointVector& jointVelocities() const { return jointVelocities_; }
-  /// The same, to be changed.
   virtual JointVector& jointVelocities() { return jointVelocities_; }
-  /// Sets what `jointVelocities()` answers.
   virtual void setJointVelocities(const JointVector& velocities) { jointVelocities_ = velocities; }
   /// Sets the joint velocities from the first column of an array, one for each of its rows. An
   /// array that has rows but no column changes nothing.
   virtual void setJointVelocities(const KtReArray& velocities);
   /// The motion of the base, m/s and rad/s. Zero by default.
   virtual const KtGeneralMotion& generalVelocity() const { return generalVelocity_; }
-  /// The same, to be changed.
   virtual KtGeneralMotion& generalVelocity() { return generalVelocity_; }
-  /// Sets what `generalVelocity()` answers.
   virtual void setGeneralVelocity(const KtGeneralMotion& velocity) { generalVelocity_ = velocity; }
   /// Whether there are as many joints, and no number differs by more than the tolerance.
   virtual bool approxEq(const KtVelocityState& other, double tolerance) const;
@@ -58,9 +54,7 @@ class KT_EXPORT KtVelocityState : public KtXmlPersistent<KtVelocityState, KtXmlC
   virtual bool linearInterpolation(const KtVelocityState& state1, const KtVelocityState& state2,
                                    const double& f);
 
-  /// Exact equality.
   bool operator==(const KtVelocityState&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtVelocityStateToken; }
 
  private:

@@ -22,13 +22,10 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
 
   /// The empty holder.
   KtBaseExpressionTreeContainer() = default;
-  /// A copy.
   KtBaseExpressionTreeContainer(const KtBaseExpressionTreeContainer& other)
       : KtXmlBaseVariableCompoundType(other),
         topElement_(Kt::detail::cloneAs<E>(other.topElement_.get())) {}
-  /// Takes over the other's value.
   KtBaseExpressionTreeContainer(KtBaseExpressionTreeContainer&&) noexcept = default;
-  /// Assigns a value.
   KtBaseExpressionTreeContainer& operator=(const KtBaseExpressionTreeContainer& other) {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(other);
@@ -36,7 +33,6 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
     if (topElement_ != nullptr) setTopElementContainerToThis();
     return *this;
   }
-  /// Takes over the other's value.
   KtBaseExpressionTreeContainer& operator=(KtBaseExpressionTreeContainer&&) noexcept = default;
 
   /// Lets the visitor visit this object.
@@ -72,7 +68,6 @@ class KT_EXPORT KtBaseExpressionTreeContainer : public KtXmlBaseVariableCompound
 
   /// The object, or null; owned by the holder.
   virtual const E* topElement() const { return topElement_.get(); }
-  /// The same, to be changed.
   virtual E* topElement() { return topElement_.get(); }
   /// Replaces the object by a copy of the argument, which may be the holder's own.
   virtual void setTopElement(const E& element) {

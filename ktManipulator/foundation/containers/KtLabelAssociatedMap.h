@@ -45,12 +45,10 @@ class KT_EXPORT KtLabelAssociatedMap
   /// Sets the value of two rows; false and a message if there is no such cell.
   bool setValueByIndex(KtU32 row, KtU32 column, const E& value);
 
-  /// Exact equality.
   bool operator==(const KtLabelAssociatedMap& other) const {
     return rows_ == other.rows_ && labels_ == other.labels_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLabelAssociatedMapToken; }
 
  private:
@@ -154,8 +152,6 @@ class KT_EXPORT KtLabelAssociatedRealMap
     : public KtXmlPersistent<KtLabelAssociatedRealMap,
                              KtLabelAssociatedMap<KtXmlBasicType<double>>> {
  public:
-  /// Exact equality.
   bool operator==(const KtLabelAssociatedRealMap&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtManip::KtLabelAssociatedRealMapToken; }
 };

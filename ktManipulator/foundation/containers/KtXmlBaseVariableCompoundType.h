@@ -41,7 +41,6 @@ class KT_EXPORT KtXmlBaseVariableCompoundType : public KtXmlObject {
   virtual KtXmlObject* newObjectFromToken(const KtToken& token) const;
   /// The libraries that the file asked for.
   virtual const LibraryList& addLibraries() const;
-  /// Sets what `addLibraries()` answers.
   virtual void setAddLibraries(const LibraryList& libraries);
   /// The creators by the text of their names.
   virtual const std::map<std::string, Creator>& creatorMap() const;
@@ -63,13 +62,9 @@ class KT_EXPORT KtXmlBaseVariableCompoundType : public KtXmlObject {
 
  protected:
   KtXmlBaseVariableCompoundType() = default;
-  /// A copy.
   KtXmlBaseVariableCompoundType(const KtXmlBaseVariableCompoundType&) = default;
-  /// Takes over the other's value.
   KtXmlBaseVariableCompoundType(KtXmlBaseVariableCompoundType&&) = default;
-  /// Assigns a value.
   KtXmlBaseVariableCompoundType& operator=(const KtXmlBaseVariableCompoundType&) = default;
-  /// Takes over the other's value.
   KtXmlBaseVariableCompoundType& operator=(KtXmlBaseVariableCompoundType&&) = default;
 
   /// Reads the list of libraries from the element in hand and processes it.

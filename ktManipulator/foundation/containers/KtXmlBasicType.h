@@ -30,15 +30,10 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
   KtXmlBasicType() = default;
   /// From a value.
   KtXmlBasicType(const T& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
-  /// A copy.
   KtXmlBasicType(const KtXmlBasicType&) = default;
-  /// Takes over the other's value.
   KtXmlBasicType(KtXmlBasicType&&) noexcept = default;
-  /// Assigns a value.
   KtXmlBasicType& operator=(const KtXmlBasicType&) = default;
-  /// Takes over the other's value.
   KtXmlBasicType& operator=(KtXmlBasicType&&) noexcept = default;
-  /// Assigns a value.
   KtXmlBasicType& operator=(const T& value) {
     value_ = value;
     return *this;
@@ -59,7 +54,6 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
   void writeSchema(KtXmlSchema& schema) const override;
   bool isBasicType() const override { return true; }
 
-  /// Exact equality.
   bool operator==(const KtXmlBasicType&) const = default;
   /// Order of texts and unsigned integers, for keys.
   bool operator<(const KtXmlBasicType& other) const
@@ -83,7 +77,6 @@ class KT_EXPORT KtXmlBasicType : public KtXmlPersistent<KtXmlBasicType<T>> {
     return value_ < static_cast<const T&>(value);
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtBasicTypeToken; }
 
  private:

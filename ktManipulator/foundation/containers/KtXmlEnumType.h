@@ -26,9 +26,7 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   KtXmlEnumType() = default;
   /// From a value.
   KtXmlEnumType(const T& value) : value_(value) {}  // NOLINT(google-explicit-constructor)
-  /// A copy.
   KtXmlEnumType(const KtXmlEnumType&) = default;
-  /// Takes over the other's value.
   KtXmlEnumType(KtXmlEnumType&&) noexcept = default;
   /// Takes the value; the words stay, unless this one has none.
   KtXmlEnumType& operator=(const KtXmlEnumType& other) {
@@ -36,7 +34,6 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
     if (words_ == nullptr) words_ = other.words_;  // also right for the object itself
     return *this;
   }
-  /// Assigns a value.
   KtXmlEnumType& operator=(const T& value) {
     value_ = value;
     return *this;
@@ -59,14 +56,12 @@ class KT_EXPORT KtXmlEnumType : public KtXmlPersistent<KtXmlEnumType<T>> {
   void writeSchema(KtXmlSchema& schema) const override;
   bool isBasicType() const override { return true; }
 
-  /// Exact equality.
   bool operator==(const KtXmlEnumType& other) const { return value_ == other.value_; }
   /// Whether the value equals a plain one, an integer or an enumerator.
   template <class U>
   requires std::is_integral_v<U> || std::is_enum_v<U>
   bool operator==(const U& value) const { return value_ == static_cast<T>(value); }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtEnumTypeToken; }
 
  private:

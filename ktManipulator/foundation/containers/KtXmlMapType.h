@@ -50,7 +50,6 @@ class KT_EXPORT KtXmlMapType : public KtXmlPersistent<KtXmlMapType<K, V>> {
     const auto found = entries_.find(key);
     return found == entries_.end() ? nullptr : &found->second;
   }
-  /// The same, to be changed.
   virtual V* lookupPointer(const K& key) {
     const auto found = entries_.find(key);
     return found == entries_.end() ? nullptr : &found->second;
@@ -63,7 +62,6 @@ class KT_EXPORT KtXmlMapType : public KtXmlPersistent<KtXmlMapType<K, V>> {
   virtual void clear() { entries_.clear(); }
   /// The entries, in key order.
   virtual const std::map<K, V>& mapContainer() const { return entries_; }
-  /// The same, to be changed.
   virtual std::map<K, V>& mapContainer() { return entries_; }
   /// Position of the key in key order; false, and the position at the size, for an unknown key.
   virtual bool keyIndex(const K& key, KtU32& index) const {
@@ -83,10 +81,8 @@ class KT_EXPORT KtXmlMapType : public KtXmlPersistent<KtXmlMapType<K, V>> {
   /// How many entries there are.
   virtual KtU32 size() const { return static_cast<KtU32>(entries_.size()); }
 
-  /// Exact equality.
   bool operator==(const KtXmlMapType& other) const { return entries_ == other.entries_; }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtMapTypeToken; }
 
  private:

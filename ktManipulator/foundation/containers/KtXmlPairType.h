@@ -31,15 +31,11 @@ class KT_EXPORT KtXmlPairType : public KtXmlPersistent<KtXmlPairType<A, B>> {
 
   /// The first value.
   virtual const A& first() const { return pair_.first; }
-  /// The same, to be changed.
   virtual A& first() { return pair_.first; }
-  /// Sets what `first()` answers.
   virtual void setFirst(const A& value) { pair_.first = value; }
   /// The second value.
   virtual const B& second() const { return pair_.second; }
-  /// The same, to be changed.
   virtual B& second() { return pair_.second; }
-  /// Sets what `second()` answers.
   virtual void setSecond(const B& value) { pair_.second = value; }
   /// Sets both values.
   virtual void set(const A& first, const B& second) {
@@ -48,15 +44,12 @@ class KT_EXPORT KtXmlPairType : public KtXmlPersistent<KtXmlPairType<A, B>> {
   }
   /// Both values.
   virtual const std::pair<A, B>& pairContainer() const { return pair_; }
-  /// The same, to be changed.
   virtual std::pair<A, B>& pairContainer() { return pair_; }
 
-  /// Exact equality.
   bool operator==(const KtXmlPairType& other) const {
     return pair_.first == other.pair_.first && pair_.second == other.pair_.second;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtPairTypeToken; }
 
  private:

@@ -44,10 +44,8 @@ class KT_EXPORT KtXmlSetType : public KtXmlPersistent<KtXmlSetType<E>> {
   /// The elements, in order.
   virtual const std::set<E>& setContainer() const { return elements_; }
 
-  /// Exact equality.
   bool operator==(const KtXmlSetType& other) const { return elements_ == other.elements_; }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtSetTypeToken; }
 
  private:

@@ -20,20 +20,16 @@ class KT_EXPORT KtXmlVariableElementType : public KtXmlBaseVariableCompoundType 
 
   /// The empty holder.
   KtXmlVariableElementType() = default;
-  /// A copy.
   KtXmlVariableElementType(const KtXmlVariableElementType& other)
       : KtXmlBaseVariableCompoundType(other),
         element_(Kt::detail::cloneAs<E>(other.element_.get())) {}
-  /// Takes over the other's value.
   KtXmlVariableElementType(KtXmlVariableElementType&&) noexcept = default;
-  /// Assigns a value.
   KtXmlVariableElementType& operator=(const KtXmlVariableElementType& other) {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(other);
     element_.reset(Kt::detail::cloneAs<E>(other.element_.get()));
     return *this;
   }
-  /// Takes over the other's value.
   KtXmlVariableElementType& operator=(KtXmlVariableElementType&&) noexcept = default;
 
   void accept(KtXmlObjectVisitor* visitor) const override { visitor->visit(this); }  ///< Visits it.
@@ -47,7 +43,6 @@ class KT_EXPORT KtXmlVariableElementType : public KtXmlBaseVariableCompoundType 
 
   /// The object, or null; owned by the holder.
   virtual const E* element() const { return element_.get(); }
-  /// The same, to be changed.
   virtual E* element() { return element_.get(); }
   /// Replaces the object by a copy of the argument, which must not be the holder's own: that one is
   /// deleted first.

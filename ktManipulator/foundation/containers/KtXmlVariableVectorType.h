@@ -27,17 +27,14 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
   KtXmlVariableVectorType() = default;
   /// A list of so many null entries.
   explicit KtXmlVariableVectorType(KtU32 count) : entries_(count, nullptr) {}
-  /// A copy.
   KtXmlVariableVectorType(const KtXmlVariableVectorType& other)
       : KtXmlBaseVariableCompoundType(other) {
     cloneEntriesOf(other);
   }
-  /// Takes over the other's value.
   KtXmlVariableVectorType(KtXmlVariableVectorType&& other) noexcept
       : KtXmlBaseVariableCompoundType(std::move(other)), entries_(std::move(other.entries_)) {
     other.entries_.clear();
   }
-  /// Assigns a value.
   KtXmlVariableVectorType& operator=(const KtXmlVariableVectorType& other) {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(other);
@@ -48,7 +45,6 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
     for (const E* element : replaced) delete element;
     return *this;
   }
-  /// Takes over the other's value.
   KtXmlVariableVectorType& operator=(KtXmlVariableVectorType&& other) noexcept {
     if (this == &other) return *this;
     KtXmlBaseVariableCompoundType::operator=(std::move(other));
@@ -69,7 +65,6 @@ class KT_EXPORT KtXmlVariableVectorType : public KtXmlBaseVariableCompoundType {
   /// none gives an object of one of its classes that is no part of the list. Only a list that
   /// accepts no class at all has nothing to give; don't ask it.
   virtual const E& operator[](KtU32 index) const { return *entry(index); }
-  /// The same, to be changed.
   virtual E& operator[](KtU32 index) { return *entry(index); }
   /// Replaces entry i by a copy of the element; false and a message if there is no such entry.
   virtual bool exchange(KtU32 index, const E& element);

@@ -36,13 +36,9 @@ class KT_EXPORT KtXmlVectorType : public KtXmlPersistent<KtXmlVectorType<E>> {
   explicit KtXmlVectorType(KtU32 count) : elements_(count) {}
   /// A list of so many copies of the element.
   KtXmlVectorType(KtU32 count, const E& element) : elements_(count, element) {}
-  /// A copy.
   KtXmlVectorType(const KtXmlVectorType& other);
-  /// Takes over the other's value.
   KtXmlVectorType(KtXmlVectorType&& other) noexcept;
-  /// Assigns a value.
   KtXmlVectorType& operator=(const KtXmlVectorType& other);
-  /// Takes over the other's value.
   KtXmlVectorType& operator=(KtXmlVectorType&& other) noexcept;
   ~KtXmlVectorType() override;
 
@@ -60,7 +56,6 @@ class KT_EXPORT KtXmlVectorType : public KtXmlPersistent<KtXmlVectorType<E>> {
   virtual bool erase(KtU32 first, KtU32 last);
   /// The elements, for loops that need no virtual call.
   virtual const std::vector<E>& vectorContainer() const { return elements_; }
-  /// The same, to be changed.
   virtual std::vector<E>& vectorContainer() { return elements_; }
   /// Sets memory aside for so many elements.
   virtual void reserve(KtU32 count) { elements_.reserve(count); }
@@ -105,17 +100,14 @@ class KT_EXPORT KtXmlVectorType : public KtXmlPersistent<KtXmlVectorType<E>> {
   /// The same as `vectorContainer`, which is a virtual call where the list's exact type is not
   /// known.
   const std::vector<E>& elements() const noexcept { return elements_; }
-  /// The same, to be changed.
   std::vector<E>& elements() noexcept { return elements_; }
   /// Element i; unguarded.
   const E& operator[](KtU32 index) const { return elements_[index]; }
   /// The same, to be changed.
   E& operator[](KtU32 index) { return elements_[index]; }
 
-  /// Exact equality.
   bool operator==(const KtXmlVectorType& other) const { return elements_ == other.elements_; }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtXml::KtVectorTypeToken; }
 
  private:

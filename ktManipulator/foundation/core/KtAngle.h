@@ -13,9 +13,7 @@ class KT_EXPORT KtAngle {
   /// From radians.
   KtAngle(double radians) noexcept  // NOLINT(google-explicit-constructor): angles are numbers
       : value_(radians), sine_(std::sin(radians)), cosine_(std::cos(radians)) {}
-  /// A copy.
   KtAngle(const KtAngle&) noexcept = default;
-  /// Assigns a value.
   KtAngle& operator=(const KtAngle&) noexcept = default;
 
   /// Sine of the angle.

@@ -5,7 +5,6 @@
 class KtCacheFlag {
  public:
   constexpr KtCacheFlag() noexcept = default;
-  /// A copy.
   constexpr KtCacheFlag(const KtCacheFlag&) noexcept {}
   /// Clears the flag.
   constexpr KtCacheFlag& operator=(const KtCacheFlag&) noexcept {
@@ -20,7 +19,6 @@ class KtCacheFlag {
 
   /// Whether the cache holds.
   constexpr explicit operator bool() const noexcept { return holds_; }
-  /// Exact equality.
   constexpr bool operator==(const KtCacheFlag&) const noexcept { return true; }
 
  private:

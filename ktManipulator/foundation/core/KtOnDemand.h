@@ -9,9 +9,7 @@ template <class T>
 class KtOnDemand {
  public:
   constexpr KtOnDemand() noexcept = default;
-  /// A copy.
   constexpr KtOnDemand(const KtOnDemand&) noexcept {}
-  /// Assigns a value.
   constexpr KtOnDemand& operator=(const KtOnDemand&) noexcept { return *this; }
   ~KtOnDemand() {
     if (object_ != nullptr) destroy();
@@ -25,7 +23,6 @@ class KtOnDemand {
     return *object_;
   }
 
-  /// Exact equality.
   constexpr bool operator==(const KtOnDemand&) const noexcept { return true; }
 
  private:

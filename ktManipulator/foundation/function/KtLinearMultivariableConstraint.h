@@ -19,22 +19,18 @@ class KT_EXPORT KtLinearMultivariableConstraint
 
   /// The constant.
   virtual double constant() const;
-  /// Sets what `constant()` answers.
   virtual void setConstant(double value);
   /// The coefficients by the position of their variables.
   virtual const Variables& coefficients() const;
-  /// Sets what `coefficients()` answers.
   virtual void setCoefficients(const Variables& coefficients);
   /// Sets the coefficient of one variable; those before it that were not set are 0. A position of
   /// `kMostVariables` or more, such as the index of a link that was never mapped, is reported,
   /// gives false, and changes nothing.
   virtual bool setCoefficient(KtU32 position, double value);
 
-  /// Exact equality.
   bool operator==(const KtLinearMultivariableConstraint& other) const {
     return constant_ == other.constant_ && coefficients_ == other.coefficients_;
   }
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

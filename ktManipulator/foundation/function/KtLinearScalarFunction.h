@@ -21,16 +21,12 @@ class KT_EXPORT KtLinearScalarFunction
 
   /// The value at 0.
   virtual double startValue() const;
-  /// Sets what `startValue()` answers.
   virtual void setStartValue(double value);
   /// The value at 1.
   virtual double endValue() const;
-  /// Sets what `endValue()` answers.
   virtual void setEndValue(double value);
 
-  /// Exact equality.
   bool operator==(const KtLinearScalarFunction&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
   /// From 0 to 1: the identity.
   static KtLinearScalarFunction defaultObject() { return {0.0, 1.0}; }

@@ -18,9 +18,7 @@ class KT_EXPORT KtMultivariableConstraintContainer
   virtual const std::vector<double>& gradient(
       const KtBaseMultivariableConstraint::Variables& x) const;
 
-  /// Exact equality.
   bool operator==(const KtMultivariableConstraintContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

@@ -16,9 +16,7 @@ class KT_EXPORT KtScalarFunctionContainer
   /// The derivative of the function; 0 for an empty holder.
   virtual double derivative(double x) const;
 
-  /// Exact equality.
   bool operator==(const KtScalarFunctionContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

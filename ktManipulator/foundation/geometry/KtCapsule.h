@@ -15,9 +15,7 @@ class KT_EXPORT KtCapsule : public KtXmlRecord<KtCapsule> {
   const KtLineSegment& lineSegment() const noexcept { return lineSegment_; }
   /// The radius.
   double radius() const noexcept { return radius_; }
-  /// Sets what `lineSegment()` answers.
   void setLineSegment(const KtLineSegment& segment) noexcept { lineSegment_ = segment; }
-  /// Sets what `radius()` answers.
   void setRadius(double r) noexcept { radius_ = r; }
   /// Volume: a cylinder and two halves of a ball.
   double volume() const noexcept {
@@ -25,12 +23,10 @@ class KT_EXPORT KtCapsule : public KtXmlRecord<KtCapsule> {
     return pi * radius_ * radius_ * (lineSegment_.length() + 4.0 / 3.0 * radius_);
   }
 
-  /// Exact equality.
   bool operator==(const KtCapsule& other) const noexcept {
     return lineSegment_ == other.lineSegment_ && radius_ == other.radius_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtGeom::KtCapsuleToken; }
 
  private:

@@ -38,9 +38,7 @@ class KT_EXPORT KtCoordinateSystemTransformation
   const KtVector& translation() const noexcept { return p_; }
   /// The rotation R.
   const KtOrientation& orientation() const noexcept { return r_; }
-  /// Sets what `translation()` answers.
   void setTranslation(const KtVector& p) noexcept { p_ = p; }
-  /// Sets what `orientation()` answers.
   void setOrientation(const KtOrientation& r) noexcept { r_ = r; }
   /// Makes this the identity.
   void setToIdentity() noexcept {
@@ -110,7 +108,6 @@ class KT_EXPORT KtCoordinateSystemTransformation
   /// Writes what `readBin` reads.
   bool writeBin(std::ostream& stream) const;
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtCoordinateSystemTransformToken; }
 
  private:

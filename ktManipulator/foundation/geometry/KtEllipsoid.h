@@ -29,12 +29,10 @@ class KT_EXPORT KtEllipsoid : public KtXmlRecord<KtEllipsoid> {
     return 4.0 / 3.0 * pi * radii_.x * radii_.y * radii_.z;
   }
 
-  /// Exact equality.
   bool operator==(const KtEllipsoid& other) const noexcept {
     return radii_ == other.radii_ && frame_ == other.frame_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtGeom::KtEllipsoidToken; }
 
  private:

@@ -22,9 +22,7 @@ class KT_EXPORT KtGeneralForce : public KtXmlRecord<KtGeneralForce> {
   const KtVector& force() const noexcept { return force_; }
   /// The moment.
   const KtVector& moment() const noexcept { return moment_; }
-  /// Sets what `force()` answers.
   void setForce(const KtVector& v) noexcept { force_ = v; }
-  /// Sets what `moment()` answers.
   void setMoment(const KtVector& v) noexcept { moment_ = v; }
 
   /// Sum.
@@ -128,7 +126,6 @@ class KT_EXPORT KtGeneralForce : public KtXmlRecord<KtGeneralForce> {
     return force_ == f.force_ && moment_ == f.moment_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtGeneralForceToken; }
 
  private:

@@ -25,9 +25,7 @@ class KT_EXPORT KtGeneralMotion : public KtXmlRecord<KtGeneralMotion> {
   const KtVector& linear() const noexcept { return linear_; }
   /// The angular part.
   const KtVector& angular() const noexcept { return angular_; }
-  /// Sets what `linear()` answers.
   void setLinear(const KtVector& v) noexcept { linear_ = v; }
-  /// Sets what `angular()` answers.
   void setAngular(const KtVector& v) noexcept { angular_ = v; }
 
   /// Sum.
@@ -140,7 +138,6 @@ class KT_EXPORT KtGeneralMotion : public KtXmlRecord<KtGeneralMotion> {
   /// Writes what `readBin` reads.
   bool writeBin(std::ostream& stream) const;
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtGeneralVelocityToken; }
 
  private:

@@ -27,12 +27,10 @@ class KT_EXPORT KtLine : public KtXmlRecord<KtLine> {
   /// @param t      receives the same for the other line
   double distanceSquared(const KtLine& other, double& s, double& t) const noexcept;
 
-  /// Exact equality.
   bool operator==(const KtLine& other) const noexcept {
     return point_ == other.point_ && unitVector_ == other.unitVector_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtGeom::KtLineToken; }
 
  private:

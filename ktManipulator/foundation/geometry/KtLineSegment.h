@@ -18,9 +18,7 @@ class KT_EXPORT KtLineSegment : public KtXmlRecord<KtLineSegment> {
   const KtVector& endpoint0() const noexcept { return endpoint0_; }
   /// The second point.
   const KtVector& endpoint1() const noexcept { return endpoint1_; }
-  /// Sets what `endpoint0()` answers.
   void setEndpoint0(const KtVector& v) noexcept { endpoint0_ = v; }
-  /// Sets what `endpoint1()` answers.
   void setEndpoint1(const KtVector& v) noexcept { endpoint1_ = v; }
   /// The point halfway.
   KtVector center() const noexcept { return (endpoint0_ + endpoint1_) * 0.5; }
@@ -32,12 +30,10 @@ class KT_EXPORT KtLineSegment : public KtXmlRecord<KtLineSegment> {
     endpoint1_ = t * endpoint1_;
   }
 
-  /// Exact equality.
   bool operator==(const KtLineSegment& other) const noexcept {
     return endpoint0_ == other.endpoint0_ && endpoint1_ == other.endpoint1_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtGeom::KtLineSegmentToken; }
 
  private:

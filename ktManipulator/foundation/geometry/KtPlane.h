@@ -18,17 +18,13 @@ class KT_EXPORT KtPlane : public KtXmlRecord<KtPlane> {
   const KtVector& basePoint() const noexcept { return basePoint_; }
   /// The normal vector.
   const KtVector& normalVector() const noexcept { return normalVector_; }
-  /// Sets what `basePoint()` answers.
   void setBasePoint(const KtVector& v) noexcept { basePoint_ = v; }
-  /// Sets what `normalVector()` answers.
   void setNormalVector(const KtVector& v) noexcept { normalVector_ = v; }
 
-  /// Exact equality.
   bool operator==(const KtPlane& other) const noexcept {
     return basePoint_ == other.basePoint_ && normalVector_ == other.normalVector_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtGeom::KtPlaneToken; }
 
  private:

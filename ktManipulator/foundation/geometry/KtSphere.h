@@ -23,9 +23,7 @@ class KT_EXPORT KtSphere : public KtXmlRecord<KtSphere> {
   double radius() const noexcept { return radius_; }
   /// The dimension of the space.
   int dimension() const noexcept { return dimension_; }
-  /// Sets what `center()` answers.
   void setCenter(const KtVector& v) noexcept { center_ = v; }
-  /// Sets what `radius()` answers.
   void setRadius(double r) noexcept { radius_ = r; }
   /// Whether it has no point.
   bool isEmpty() const noexcept { return radius_ < 0.0; }
@@ -33,12 +31,10 @@ class KT_EXPORT KtSphere : public KtXmlRecord<KtSphere> {
   /// Makes this the smallest ball that includes itself and the other.
   void expandSelfToInclude(const KtSphere& other) noexcept;
 
-  /// Exact equality.
   bool operator==(const KtSphere& other) const noexcept {
     return center_ == other.center_ && radius_ == other.radius_ && dimension_ == other.dimension_;
   }
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtGeom::KtSphereToken; }
 
  private:

@@ -22,9 +22,7 @@ class KT_EXPORT KtVector {
       : x(xValue), y(yValue), z(zValue) {}
   // Component by component: compilers copy a trivial struct of this size through 16-byte registers,
   // which then wait for the components that were just stored one by one.
-  /// A copy.
   constexpr KtVector(const KtVector& v) noexcept : x(v.x), y(v.y), z(v.z) {}
-  /// Assigns a value.
   constexpr KtVector& operator=(const KtVector& v) noexcept {
     x = v.x, y = v.y, z = v.z;
     return *this;

@@ -12,11 +12,8 @@ class KT_EXPORT KtXmlOrientation : public KtXmlPersistent<KtXmlOrientation>, pub
   KtXmlOrientation() noexcept = default;
   /// From an orientation.
   KtXmlOrientation(const KtOrientation& q) noexcept : KtOrientation(q) {}  // NOLINT
-  /// A copy.
   KtXmlOrientation(const KtXmlOrientation&) noexcept = default;
-  /// Assigns a value.
   KtXmlOrientation& operator=(const KtXmlOrientation&) noexcept = default;
-  /// Assigns a value.
   KtXmlOrientation& operator=(const KtOrientation& q) noexcept {
     KtOrientation::operator=(q);
     return *this;
@@ -26,9 +23,7 @@ class KT_EXPORT KtXmlOrientation : public KtXmlPersistent<KtXmlOrientation>, pub
   bool write(KtXmlWriter& writer) const override;
   void writeSchema(KtXmlSchema& schema) const override;
 
-  /// Exact equality.
   bool operator==(const KtXmlOrientation& q) const noexcept { return KtOrientation::operator==(q); }
-  /// Exact equality.
   bool operator==(const KtOrientation& q) const noexcept { return KtOrientation::operator==(q); }
 
   /// The shared value that stands for nothing: a default-constructed object.
@@ -36,6 +31,5 @@ class KT_EXPORT KtXmlOrientation : public KtXmlPersistent<KtXmlOrientation>, pub
     static const KtXmlOrientation theNullObject;
     return theNullObject;
   }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtOrientationToken; }
 };

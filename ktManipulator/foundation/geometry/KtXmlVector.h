@@ -15,11 +15,8 @@ class KT_EXPORT KtXmlVector : public KtXmlPersistent<KtXmlVector>, public KtVect
   /// From the three components.
   KtXmlVector(double xValue, double yValue, double zValue) noexcept
       : KtVector(xValue, yValue, zValue) {}
-  /// A copy.
   KtXmlVector(const KtXmlVector&) noexcept = default;
-  /// Assigns a value.
   KtXmlVector& operator=(const KtXmlVector&) noexcept = default;
-  /// Assigns a value.
   KtXmlVector& operator=(const KtVector& v) noexcept {
     KtVector::operator=(v);
     return *this;
@@ -29,9 +26,7 @@ class KT_EXPORT KtXmlVector : public KtXmlPersistent<KtXmlVector>, public KtVect
   bool write(KtXmlWriter& writer) const override;
   void writeSchema(KtXmlSchema& schema) const override;
 
-  /// Exact equality.
   bool operator==(const KtXmlVector& v) const noexcept { return KtVector::operator==(v); }
-  /// Exact equality.
   bool operator==(const KtVector& v) const noexcept { return KtVector::operator==(v); }
 
   /// The shared value that stands for nothing: a default-constructed object.
@@ -39,7 +34,6 @@ class KT_EXPORT KtXmlVector : public KtXmlPersistent<KtXmlVector>, public KtVect
     static const KtXmlVector theNullObject;
     return theNullObject;
   }
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtVectorToken; }
 };
 

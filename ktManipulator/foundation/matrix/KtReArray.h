@@ -23,13 +23,10 @@ class KT_EXPORT KtReArray {
   KtReArray() noexcept = default;
   /// Zeros.
   KtReArray(KtU32 rows, KtU32 columns);
-  /// A copy.
   KtReArray(const KtReArray&) = default;
-  /// Takes over the other's value.
   KtReArray(KtReArray&& other) noexcept { swap(other); }
   /// Takes over shape and entries; asks for memory only if this was never as large.
   KtReArray& operator=(const KtReArray&) = default;
-  /// Takes over the other's value.
   KtReArray& operator=(KtReArray&& other) noexcept {
     swap(other);
     return *this;

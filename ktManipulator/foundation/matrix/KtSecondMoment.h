@@ -123,7 +123,6 @@ class KT_EXPORT KtSecondMoment : public KtXmlPersistent<KtSecondMoment> {
   /// own keeps an inertia that can be inverted, far below what matters beside other links.
   void makeValid() noexcept;
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtSecondMomentToken; }
 
  private:

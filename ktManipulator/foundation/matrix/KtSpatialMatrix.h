@@ -34,11 +34,8 @@ class KT_EXPORT KtSpatialMatrix : public KtXmlPersistent<KtSpatialMatrix> {
   KtVector row1() const noexcept { return {m_[1][0], m_[1][1], m_[1][2]}; }
   /// The third row.
   KtVector row2() const noexcept { return {m_[2][0], m_[2][1], m_[2][2]}; }
-  /// Sets what `row0()` answers.
   void setRow0(const KtVector& v) noexcept { setRow(0, v); }
-  /// Sets what `row1()` answers.
   void setRow1(const KtVector& v) noexcept { setRow(1, v); }
-  /// Sets what `row2()` answers.
   void setRow2(const KtVector& v) noexcept { setRow(2, v); }
 
   /// Matrix product.
@@ -146,7 +143,6 @@ class KT_EXPORT KtSpatialMatrix : public KtXmlPersistent<KtSpatialMatrix> {
   /// @return whether no pivot had to be raised
   bool getSymmetricPositiveDefiniteInverse(KtSpatialMatrix& out) const noexcept;
 
-  /// Name of the class in files.
   static const KtToken& classToken() { return KtFoundCommon::KtSpatialMatrixToken; }
 
  private:

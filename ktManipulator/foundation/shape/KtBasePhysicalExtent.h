@@ -33,7 +33,6 @@ class KT_EXPORT KtBasePhysicalExtent : public KtShape {
   bool massMoments(double density, double& mass, KtVector& firstMoment,
                    KtSecondMoment& secondMoment) const;
 
-  /// Exact equality.
   bool operator==(const KtBasePhysicalExtent&) const = default;
 
  protected:

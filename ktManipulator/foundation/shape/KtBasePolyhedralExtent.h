@@ -16,9 +16,7 @@ class KT_EXPORT KtBasePolyhedralExtent : public KtFramedExtent {
  public:
   KtBasePolyhedralExtent();
   ~KtBasePolyhedralExtent() override;
-  /// A copy.
   KtBasePolyhedralExtent(const KtBasePolyhedralExtent&);
-  /// Assigns a value.
   KtBasePolyhedralExtent& operator=(const KtBasePolyhedralExtent&);
 
   bool read(KtXmlReader& reader) override;
@@ -33,7 +31,6 @@ class KT_EXPORT KtBasePolyhedralExtent : public KtFramedExtent {
   /// The triangles between them.
   virtual const std::vector<std::array<KtU32, 3>>& triangles() const = 0;
 
-  /// Exact equality.
   bool operator==(const KtBasePolyhedralExtent& other) const {
     return KtFramedExtent::operator==(other) && vertices_ == other.vertices_;
   }

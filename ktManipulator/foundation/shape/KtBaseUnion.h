@@ -30,10 +30,8 @@ class KT_EXPORT KtBaseUnion : public KtBasePhysicalExtent {
   virtual KtU32 numberOfMembers() const = 0;
   /// Member i, or null if there is none.
   virtual const KtShape* member(KtU32 index) const = 0;
-  /// The same, to be changed.
   virtual KtShape* member(KtU32 index) = 0;
 
-  /// Exact equality.
   bool operator==(const KtBaseUnion&) const = default;
 
  protected:

@@ -20,12 +20,10 @@ class KT_EXPORT KtBoxShape : public KtXmlPersistent<KtBoxShape, KtFramedExtent> 
 
   /// The lengths of the edges along x, y and z of the frame, as they were set.
   const KtVector& size() const noexcept { return size_; }
-  /// Sets what `size()` answers; negative lengths count as their magnitudes.
+  /// Negative lengths count as their magnitudes.
   void setSize(const KtVector& size) noexcept { size_ = size; }
 
-  /// Exact equality.
   bool operator==(const KtBoxShape&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

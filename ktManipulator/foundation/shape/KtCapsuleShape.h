@@ -31,16 +31,14 @@ class KT_EXPORT KtCapsuleShape : public KtXmlPersistent<KtCapsuleShape, KtBasePh
   KtCapsule capsule() const noexcept {
     return {KtLineSegment(endpoint0_, endpoint1_), radius_.value()};
   }
-  /// Sets what `capsule()` answers; a negative radius counts as 0.
+  /// A negative radius counts as 0.
   void setCapsule(const KtCapsule& capsule) noexcept {
     endpoint0_ = capsule.lineSegment().endpoint0();
     endpoint1_ = capsule.lineSegment().endpoint1();
     radius_ = KtNonNegReal(capsule.radius());
   }
 
-  /// Exact equality.
   bool operator==(const KtCapsuleShape&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

@@ -22,14 +22,12 @@ class KT_EXPORT KtConeShape : public KtXmlPersistent<KtConeShape, KtFramedExtent
   double radius() const noexcept { return radius_.value(); }
   /// The height of the tip above the base.
   double height() const noexcept { return height_.value(); }
-  /// Sets what `radius()` answers; a negative one counts as 0.
+  /// A negative radius counts as 0.
   void setRadius(double radius) noexcept { radius_ = KtNonNegReal(radius); }
-  /// Sets what `height()` answers; a negative one counts as 0.
+  /// A negative height counts as 0.
   void setHeight(double height) noexcept { height_ = KtNonNegReal(height); }
 
-  /// Exact equality.
   bool operator==(const KtConeShape&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

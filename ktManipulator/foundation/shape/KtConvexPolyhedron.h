@@ -31,7 +31,6 @@ class KT_EXPORT KtConvexPolyhedron
   bool operator==(const KtConvexPolyhedron& other) const {
     return KtBasePolyhedralExtent::operator==(other);
   }
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

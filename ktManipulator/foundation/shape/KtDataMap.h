@@ -29,9 +29,7 @@ class KT_EXPORT KtDataMap
   /// no properties of contact.
   static const KtDataMap& boundingColor();
 
-  /// Exact equality.
   bool operator==(const KtDataMap&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

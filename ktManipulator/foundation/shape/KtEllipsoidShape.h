@@ -21,12 +21,10 @@ class KT_EXPORT KtEllipsoidShape : public KtXmlPersistent<KtEllipsoidShape, KtFr
 
   /// The semi-axes along x, y and z of the frame.
   const KtVector& radii() const noexcept { return radii_; }
-  /// Sets what `radii()` answers; negative ones count as their magnitudes.
+  /// Negative radii count as their magnitudes.
   void setRadii(const KtVector& radii) noexcept { radii_ = radii; }
 
-  /// Exact equality.
   bool operator==(const KtEllipsoidShape&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

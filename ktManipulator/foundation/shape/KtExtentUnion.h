@@ -9,9 +9,7 @@ class KT_EXPORT KtExtentVector
     : public KtXmlPersistent<KtExtentVector, KtXmlVariableVectorType<KtBasePhysicalExtent>> {
  public:
   void registerComponentCreators() override;
-  /// Exact equality.
   bool operator==(const KtExtentVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 
@@ -35,7 +33,6 @@ class KT_EXPORT KtExtentUnion : public KtXmlPersistent<KtExtentUnion, KtBaseUnio
 
   /// The members.
   const KtExtentVector& members() const noexcept { return members_; }
-  /// Sets what `members()` answers.
   void setMembers(const KtExtentVector& members) { members_ = members; }
   /// Adds a copy of an extent.
   void addMember(const KtBasePhysicalExtent& extent) { members_.pushBack(extent); }
@@ -43,9 +40,7 @@ class KT_EXPORT KtExtentUnion : public KtXmlPersistent<KtExtentUnion, KtBaseUnio
   /// Registers every kind of extent that is no union with a holder.
   static void registerExtents(KtXmlBaseVariableCompoundType& holder);
 
-  /// Exact equality.
   bool operator==(const KtExtentUnion&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

@@ -29,10 +29,8 @@ class KT_EXPORT KtFramedExtent : public KtBasePhysicalExtent {
 
   /// The own frame, in the frame of the link.
   const KtCoordinateSystemTransformation& frame() const noexcept { return frame_; }
-  /// Sets what `frame()` answers.
   void setFrame(const KtCoordinateSystemTransformation& frame) noexcept { frame_ = frame; }
 
-  /// Exact equality.
   bool operator==(const KtFramedExtent&) const = default;
 
  protected:

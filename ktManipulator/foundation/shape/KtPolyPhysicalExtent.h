@@ -35,9 +35,7 @@ class KT_EXPORT KtPolyPhysicalExtent
   bool setMesh(const std::vector<KtVector>& vertices,
                const std::vector<std::array<KtU32, 3>>& triangles);
 
-  /// Exact equality.
   bool operator==(const KtPolyPhysicalExtent&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

@@ -121,18 +121,16 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   virtual const KtManipulatorLink* link() const { return link_; }
   /// The name by which a link finds the shape; may be empty.
   virtual const std::string& identifier() const { return identifier_.value(); }
-  /// Sets what `identifier()` answers; the link's table knows it when shapes are numbered next.
+  /// The link finds the shape by its new identifier as soon as shapes are numbered again.
   virtual void setIdentifier(const std::string& identifier) { identifier_ = identifier; }
 
   // The surface.
 
   /// The label of the surface, and the name of its material; "metal" unless set.
   virtual const std::string& surfaceLabel() const { return surfaceLabel_.value(); }
-  /// Sets what `surfaceLabel()` answers.
   virtual void setSurfaceLabel(const std::string& label) { surfaceLabel_ = label; }
   /// The properties of surfaces that this shape knows.
   virtual const KtSurfaceMap& surfaces() const { return surfaces_; }
-  /// Sets what `surfaces()` answers.
   virtual void setSurfaces(const KtSurfaceMap& surfaces) { surfaces_ = surfaces; }
   /// Looks up the properties of a surface; a union asks its members after itself.
   ///
@@ -153,7 +151,6 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
                                          const KtVector& point) const;
   /// Whether contacts put forces on the shape; true unless set. Collisions are found either way.
   virtual bool takesContactForces() const { return takesContactForces_.value(); }
-  /// Sets what `takesContactForces()` answers.
   virtual void setTakesContactForces(bool value) { takesContactForces_ = value; }
 
   // The geometry of this very shape, without the volumes around it.
@@ -235,9 +232,7 @@ class KT_EXPORT KtShape : public KtBaseExpressionTreeElement {
   /// Fits the volumes around this shape anew after its geometry has changed: those of the kinds
   /// that can be added, wherever they came from.
   void refitBoundingVolumes();
-  /// Sets what `link()` answers.
   void setLink(const KtManipulatorLink* link) noexcept { link_ = link; }
-  /// Sets what `closestPointIndex()` answers.
   void setClosestPointIndex(KtU32 index) const noexcept { closestPointIndex_ = index; }
 
  private:

@@ -30,9 +30,7 @@ class KT_EXPORT KtShapeContainer
   virtual const KtShape* intersectLineSegment(const KtLineSegment& segment,
                                               KtShapePointEvent& event, const KtU32& level) const;
 
-  /// Exact equality.
   bool operator==(const KtShapeContainer&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 

@@ -12,16 +12,12 @@ class KT_EXPORT KtShapePointEvent : public KtXmlPersistent<KtShapePointEvent, Kt
 
   /// Distance of the point from the segment's first end, m; 0 for a segment that starts inside.
   virtual const double& distance() const { return distance_.value(); }
-  /// Sets what `distance()` answers.
   virtual void setDistance(const double& distance) { distance_ = distance; }
   /// Whether anything was met.
   virtual const bool& isImpacted() const { return isImpacted_.value(); }
-  /// Sets what `isImpacted()` answers.
   virtual void setIsImpacted(const bool& value) { isImpacted_ = value; }
 
-  /// Exact equality.
   bool operator==(const KtShapePointEvent&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

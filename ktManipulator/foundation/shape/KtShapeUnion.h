@@ -9,9 +9,7 @@ class KT_EXPORT KtShapeVector
     : public KtXmlPersistent<KtShapeVector, KtXmlVariableVectorType<KtShape>> {
  public:
   void registerComponentCreators() override;
-  /// Exact equality.
   bool operator==(const KtShapeVector&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 };
 
@@ -35,14 +33,11 @@ class KT_EXPORT KtShapeUnion : public KtXmlPersistent<KtShapeUnion, KtBaseUnion>
 
   /// The members.
   const KtShapeVector& members() const noexcept { return members_; }
-  /// Sets what `members()` answers.
   void setMembers(const KtShapeVector& members) { members_ = members; }
   /// Adds a copy of a shape.
   void addMember(const KtShape& shape) { members_.pushBack(shape); }
 
-  /// Exact equality.
   bool operator==(const KtShapeUnion&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

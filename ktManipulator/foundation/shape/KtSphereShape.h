@@ -29,14 +29,11 @@ class KT_EXPORT KtSphereShape : public KtXmlPersistent<KtSphereShape, KtBasePhys
   const KtVector& center() const noexcept { return center_; }
   /// The radius.
   double radius() const noexcept { return radius_.value(); }
-  /// Sets what `center()` answers.
   void setCenter(const KtVector& center) noexcept { center_ = center; }
-  /// Sets what `radius()` answers; a negative one counts as 0.
+  /// A negative radius counts as 0.
   void setRadius(double radius) noexcept { radius_ = KtNonNegReal(radius); }
 
-  /// Exact equality.
   bool operator==(const KtSphereShape&) const = default;
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  protected:

@@ -33,7 +33,7 @@ class KT_EXPORT KtXmlTripleList : public KtXmlPersistent<KtXmlTripleList<Triple>
     static const std::vector<Triple> none;
     return values_ != nullptr ? *values_ : none;
   }
-  /// Sets what `values()` answers; copies of this list keep what they have.
+  /// Copies that were made of this list keep the old values.
   void set(std::vector<Triple> values) {
     values_ =
         values.empty() ? nullptr : std::make_shared<const std::vector<Triple>>(std::move(values));
@@ -43,7 +43,6 @@ class KT_EXPORT KtXmlTripleList : public KtXmlPersistent<KtXmlTripleList<Triple>
   bool operator==(const KtXmlTripleList& other) const {
     return values_ == other.values_ || values() == other.values();
   }
-  /// Name of the class in files.
   static const KtToken& classToken();
 
  private:

@@ -11,21 +11,15 @@ class KtXmlBaseVariableCompoundType;
 class KT_EXPORT KtBaseExpressionTreeElement : public KtXmlCompoundType {
  public:
   KtBaseExpressionTreeElement() noexcept = default;
-  /// A copy.
   KtBaseExpressionTreeElement(const KtBaseExpressionTreeElement&) noexcept = default;
-  /// Takes over the other's value.
   KtBaseExpressionTreeElement(KtBaseExpressionTreeElement&&) noexcept = default;
-  /// Assigns a value.
   KtBaseExpressionTreeElement& operator=(const KtBaseExpressionTreeElement&) noexcept = default;
-  /// Takes over the other's value.
   KtBaseExpressionTreeElement& operator=(KtBaseExpressionTreeElement&&) noexcept = default;
 
   /// The holder of this element, or null if none was told.
   virtual const KtXmlBaseVariableCompoundType* container() const;
-  /// Sets what `container()` answers.
   virtual void setContainer(const KtXmlBaseVariableCompoundType* container);
 
-  /// Exact equality.
   bool operator==(const KtBaseExpressionTreeElement&) const noexcept { return true; }
 
  private:

@@ -38,13 +38,10 @@ class KT_EXPORT KtToken {
     return *this;
   }
 
-  /// Exact equality.
   bool operator==(const KtToken& other) const noexcept {
     return text_ == other.text_ || *text_ == *other.text_;
   }
-  /// Exact equality.
   bool operator==(const std::string& other) const noexcept { return *text_ == other; }
-  /// Exact equality.
   bool operator==(const char* other) const noexcept { return *text_ == other; }
 
   /// The part of the text behind the namespace: behind the last '#' or '/'.

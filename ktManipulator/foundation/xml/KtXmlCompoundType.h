@@ -88,18 +88,13 @@ class KT_EXPORT KtXmlCompoundType : public KtXmlObject {
   /// Whether an attribute of that name is registered and is never written.
   virtual bool isReadOnlyAttribute(KtToken token) const;
 
-  /// Exact equality.
   bool operator==(const KtXmlCompoundType&) const noexcept { return true; }
 
  protected:
   KtXmlCompoundType() noexcept = default;
-  /// A copy.
   KtXmlCompoundType(const KtXmlCompoundType&) noexcept = default;
-  /// Takes over the other's value.
   KtXmlCompoundType(KtXmlCompoundType&&) noexcept = default;
-  /// Assigns a value.
   KtXmlCompoundType& operator=(const KtXmlCompoundType&) noexcept = default;
-  /// Takes over the other's value.
   KtXmlCompoundType& operator=(KtXmlCompoundType&&) noexcept = default;
 
  private:

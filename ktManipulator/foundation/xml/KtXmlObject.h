@@ -68,11 +68,9 @@ class KT_EXPORT KtXmlObject {
   virtual bool createSchema(const std::string& fileName, const KtToken& root) const;
   /// Whether `xmlInit` has run.
   virtual bool xmlInitialized() const;
-  /// Sets what `xmlInitialized()` answers.
   virtual void setXmlInitialized(bool value);
   /// Whether the object has been read from a document. Copies start unspecified.
   virtual bool specified() const;
-  /// Sets what `specified()` answers.
   virtual void setSpecified(bool value);
   /// Whether the object is a single value with a text form.
   virtual bool isBasicType() const;
@@ -92,13 +90,9 @@ class KT_EXPORT KtXmlObject {
 
  protected:
   KtXmlObject() noexcept = default;
-  /// A copy.
   KtXmlObject(const KtXmlObject&) noexcept = default;
-  /// Takes over the other's value.
   KtXmlObject(KtXmlObject&&) noexcept = default;
-  /// Assigns a value.
   KtXmlObject& operator=(const KtXmlObject&) noexcept = default;
-  /// Takes over the other's value.
   KtXmlObject& operator=(KtXmlObject&&) noexcept = default;
 
  private:

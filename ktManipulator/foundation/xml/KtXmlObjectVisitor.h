@@ -49,7 +49,6 @@ class KT_EXPORT KtXmlObjectVisitor {
   const std::vector<std::string>& description() const noexcept { return description_; }
   /// The token under which the object in hand was reached, and the next child will be.
   const KtToken& currentToken() const noexcept { return token_; }
-  /// Sets what `currentToken()` answers.
   void setCurrentToken(const KtToken& token) { token_ = token; }
 
   /// Visits an object made of named components, then these, each under its token.

@@ -35,7 +35,6 @@ class KtXmlPersistent : public Base {
   /// A new default-constructed object, for holders that make objects by name; the caller owns it.
   static KtXmlObject* creator() { return new Cls(); }
 
-  /// Exact equality.
   bool operator==(const KtXmlPersistent&) const = default;
 
  protected:

@@ -24,7 +24,6 @@ class KT_EXPORT KtConvexPart {
   const KtShape* shape() const noexcept { return shape_; }
   /// The shape that has a number in its link: `shape()`, or the union of extents that it is in.
   const KtShape* owner() const noexcept { return owner_; }
-  /// Sets what `owner()` answers.
   void setOwner(const KtShape& owner) noexcept { owner_ = &owner; }
   /// Whether it is one triangle of the shape.
   bool isTriangle() const noexcept { return triangle_ != ktUnmappedIndex; }

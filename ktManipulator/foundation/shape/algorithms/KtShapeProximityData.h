@@ -14,6 +14,5 @@ class KT_EXPORT KtShapeProximityData {
   /// Where the next query starts.
   KtShapeQueryData start;
 
-  /// Exact equality.
   bool operator==(const KtShapeProximityData&) const noexcept = default;
 };

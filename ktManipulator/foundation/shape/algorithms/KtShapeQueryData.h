@@ -16,6 +16,5 @@ class KT_EXPORT KtShapeQueryData {
   /// shape's frame; zero when there was no query yet.
   KtVector separatingDirection;
 
-  /// Exact equality.
   bool operator==(const KtShapeQueryData&) const noexcept = default;
 };
