@@ -117,6 +117,7 @@
 #include "ktManipulator/foundation/shape/KtExtentUnion.h"
 #include "ktManipulator/foundation/shape/KtFramedExtent.h"
 #include "ktManipulator/foundation/shape/KtPolyPhysicalExtent.h"
+#include "ktManipulator/foundation/shape/KtRoundExtent.h"
 #include "ktManipulator/foundation/shape/KtShape.h"
 #include "ktManipulator/foundation/shape/KtShapeContainer.h"
 #include "ktManipulator/foundation/shape/KtShapePointEvent.h"

@@ -11,12 +11,6 @@ const KtToken& KtConeShape::classToken() {
   return KtGeom::KtConeShapeToken;
 }
 
-void KtConeShape::registerComponents() {
-  KtFramedExtent::registerComponents();
-  registerComponent(KtGeom::KtRadiusToken, &radius_);
-  registerComponent(KtGeom::KtHeightToken, &height_);
-}
-
 KtVector KtConeShape::ownSupport(const KtVector& direction) const {
   const double across = std::hypot(direction.x, direction.y);
   if (direction.z * height() >= across * radius()) return KtVector::zVector(height());
@@ -67,14 +61,4 @@ void KtConeShape::mirror() {
   // A cone that is mirrored through its base's centre is one turned upside down.
   const KtCoordinateSystemTransformation upsideDown(KtOrientation(0.0, 1.0, 0.0, 0.0));
   setFrame(frame() * upsideDown);
-}
-
-void KtConeShape::scaleSizes(double factor) {
-  radius_ = KtNonNegReal(radius() * factor);
-  height_ = KtNonNegReal(height() * factor);
-}
-
-void KtConeShape::truncateSizes(double precision) {
-  radius_ = KtNonNegReal(truncated(radius(), precision));
-  height_ = KtNonNegReal(truncated(height(), precision));
 }

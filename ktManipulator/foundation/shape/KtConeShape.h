@@ -1,31 +1,14 @@
 #pragma once
 
-#include "ktManipulator/foundation/shape/KtFramedExtent.h"
+#include "ktManipulator/foundation/shape/KtRoundExtent.h"
 #include "ktManipulator/foundation/xml/KtXmlPersistent.h"
 
 /// A solid circular cone about the z axis of its frame: the base in the xy plane around the origin,
 /// the tip at the height.
-class KT_EXPORT KtConeShape : public KtXmlPersistent<KtConeShape, KtFramedExtent> {
+class KT_EXPORT KtConeShape : public KtXmlPersistent<KtConeShape, KtRoundExtent> {
  public:
-  /// A point at the origin.
-  KtConeShape() = default;
-  /// From radius, height and frame; negative lengths count as 0.
-  KtConeShape(double radius, double height, const KtCoordinateSystemTransformation& frame = {})
-      : radius_(KtNonNegReal(radius)), height_(KtNonNegReal(height)) {
-    setFrame(frame);
-  }
-
-  void registerComponents() override;
+  using KtXmlPersistent::KtXmlPersistent;
   KtShapeValues shapeType() const override { return kCone; }
-
-  /// The radius of the base.
-  double radius() const noexcept { return radius_.value(); }
-  /// The height of the tip above the base.
-  double height() const noexcept { return height_.value(); }
-  /// A negative radius counts as 0.
-  void setRadius(double radius) noexcept { radius_ = KtNonNegReal(radius); }
-  /// A negative height counts as 0.
-  void setHeight(double height) noexcept { height_ = KtNonNegReal(height); }
 
   bool operator==(const KtConeShape&) const = default;
   static const KtToken& classToken();
@@ -36,11 +19,5 @@ class KT_EXPORT KtConeShape : public KtXmlPersistent<KtConeShape, KtFramedExtent
   void clip(Kt::detail::LineClip& line) const override;
   KtVolumeMoments ownMoments() const override;
   bool ownContains(const KtVector& point) const override;
-  void scaleSizes(double factor) override;
   void mirror() override;
-  void truncateSizes(double precision) override;
-
- private:
-  KtXmlBasicType<KtNonNegReal> radius_;
-  KtXmlBasicType<KtNonNegReal> height_;
 };

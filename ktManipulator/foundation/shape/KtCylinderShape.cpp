@@ -11,12 +11,6 @@ const KtToken& KtCylinderShape::classToken() {
   return KtGeom::KtCylinderShapeToken;
 }
 
-void KtCylinderShape::registerComponents() {
-  KtFramedExtent::registerComponents();
-  registerComponent(KtGeom::KtRadiusToken, &radius_);
-  registerComponent(KtGeom::KtHeightToken, &height_);
-}
-
 KtVector KtCylinderShape::ownSupport(const KtVector& direction) const {
   const double z = std::copysign(0.5 * height(), direction.z);
   const KtVector across = KtVector(direction.x, direction.y, 0.0).unitVector();
@@ -44,14 +38,4 @@ KtVolumeMoments KtCylinderShape::ownMoments() const {
 
 bool KtCylinderShape::ownContains(const KtVector& point) const {
   return std::abs(point.z) <= 0.5 * height() && std::hypot(point.x, point.y) <= radius();
-}
-
-void KtCylinderShape::scaleSizes(double factor) {
-  radius_ = KtNonNegReal(radius() * factor);
-  height_ = KtNonNegReal(height() * factor);
-}
-
-void KtCylinderShape::truncateSizes(double precision) {
-  radius_ = KtNonNegReal(truncated(radius(), precision));
-  height_ = KtNonNegReal(truncated(height(), precision));
 }
