@@ -88,19 +88,5 @@ class SampleFunctionHolder
   }
 };
 
-// One sample for every persistent class, by the part of the library that it belongs to.
-
-void addActiveStateSamples(std::vector<Sample>& samples);
-void addActuationSamples(std::vector<Sample>& samples);
-void addModelSamples(std::vector<Sample>& samples);
-void addSystemSamples(std::vector<Sample>& samples);
-void addFoundationSamples(std::vector<Sample>& samples);
-void addKinematicsSamples(std::vector<Sample>& samples);
-void addDynamicsSamples(std::vector<Sample>& samples);
-void addStateSamples(std::vector<Sample>& samples);
-void addConstraintSamples(std::vector<Sample>& samples);
-void addRecordSamples(std::vector<Sample>& samples);
-void addShapeSamples(std::vector<Sample>& samples);
-
 /// One sample for every persistent class of the library.
 std::vector<Sample> allSamples();
