@@ -93,19 +93,17 @@ struct ExclusionModel {
   void edit(const Link& a, const Link& b, bool adds) {
     using Map = KtSystemCollisionExclusionMap;
     if (a.second == "*" && b.second != "*") return edit(b, a, adds);
-    bool done = false;
-    if (a.second == "*") {
-      done = (map.*(adds ? &Map::excludeManipulatorCollisionCandidates
-                         : &Map::removeManipulatorCollisionExclusionCandidates))(a.first, b.first);
-    } else if (b.second == "*") {
-      done =
-          (map.*(adds ? &Map::excludeLinkCollisionCandidates
-                      : &Map::removeLinkCollisionExclusionCandidates))(a.first, a.second, b.first);
-    } else {
-      done = (map.*(adds ? &Map::excludeLinkCollisionCandidate
-                         : &Map::removeLinkCollisionExclusionCandidate))(a.first, a.second, b.first,
-                                                                         b.second);
-    }
+    const auto ask = [this, adds](auto add, auto remove, const auto&... sides) {
+      return adds ? (map.*add)(sides...) : (map.*remove)(sides...);
+    };
+    const bool done =
+        a.second == "*" ? ask(&Map::excludeManipulatorCollisionCandidates,
+                              &Map::removeManipulatorCollisionExclusionCandidates, a.first, b.first)
+        : b.second == "*"
+            ? ask(&Map::excludeLinkCollisionCandidates,
+                  &Map::removeLinkCollisionExclusionCandidates, a.first, a.second, b.first)
+            : ask(&Map::excludeLinkCollisionCandidate, &Map::removeLinkCollisionExclusionCandidate,
+                  a.first, a.second, b.first, b.second);
     EXPECT_EQ(done, a.first != b.first);
     for (const auto& pair : {std::pair(a, b), std::pair(b, a)}) {
       if (adds && done) pairs.insert(pair);

@@ -1,63 +1,68 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "ktManipulator/ktManipulator.h"
 #include "support/Allocations.h"
+#include "support/Random.h"
 
 namespace {
 
 using Linear = KtLinearStateEqualityConstraint;
 using List = std::vector<double>;
+using StateConstraints = sampling::Seeded;
 
+KtU32 below(double limit) {
+  return static_cast<KtU32>(sampling::uniform(0.0, limit - 1e-9));
+}
 Linear::Row row(const List& values) {
   Linear::Row list;
   for (const double value : values) list.pushBack(value);
   return list;
 }
-Linear constraint(const std::vector<List>& joints, const std::vector<List>& base, KtU32 sums) {
-  Linear::Rows jointRows, baseRows;
-  for (const List& weights : joints) jointRows.pushBack(row(weights));
-  for (const List& weights : base) baseRows.pushBack(row(weights));
-  Linear made;
-  made.setJointWeights(jointRows);
-  made.setBaseWeights(baseRows);
-  made.setWeightedSums(Linear::Row(sums));
-  return made;
+Linear::Rows randomRows() {
+  Linear::Rows rows(below(4));
+  for (auto& one : rows.vectorContainer()) one = row({0.5, 1, 1.5, 2, 2.5, 3, 3.5, 4});
+  for (auto& one : rows.vectorContainer()) one.resize(below(9));
+  return rows;
 }
-KtIndividualManipulator manipulator(KtU32 joints, bool fixed) {
-  KtIndividualManipulator made;
-  for (KtU32 i = 0; i < joints; ++i) made.addChild(KtManipulatorLink());
-  made.setIsFixedBase(fixed);
-  return made;
+double weight(const Linear::Rows& rows, KtU32 r, KtU32 column) {
+  return r < rows.size() && column < rows[r].size() ? rows[r][column].value() : 0.0;
 }
 
-// Rows too short, too long and missing; seven base weights, of which six count. The base comes
+// Against arrays written entry by entry, for rows too short, too long and missing. The base comes
 // first, where it is free.
-TEST(StateConstraints, JacobianHasTheWeights) {
-  KtStateEqualityConstraintVector all;
-  const Linear two =
-      constraint({{1, 2, 3, 4}, {5, 6, 7, 8, 9}, {1}}, {{11, 12, 13, 14, 15, 16}}, 2);
-  all.pushBack(two);
-  all.pushBack(constraint({{1, 2, 3, 4}}, {{1, 2}}, 0));
-  all.pushBack(constraint({{1, 2}, {}}, {{21, 22}, {1, 2, 3, 4, 5, 6, 7}, {6, 5, 4, 3, 2, 1}}, 8));
-  const std::vector<List> expected = {{11, 12, 13, 14, 15, 16, 1, 2, 3, 4},
-                                      {0, 0, 0, 0, 0, 0, 5, 6, 7, 8},
-                                      {21, 22, 0, 0, 0, 0, 1, 2, 0, 0},
-                                      {1, 2, 3, 4, 5, 6, 0, 0, 0, 0},
-                                      {6, 5, 4, 3, 2, 1, 0, 0, 0, 0}};
-  ASSERT_EQ(all.doc(), expected.size());
-  const KtPositionState position;
-  const KtVelocityState velocity;
-  for (const bool fixed : {true, false}) {
-    const KtIndividualManipulator body = manipulator(4, fixed);
-    const KtU32 first = fixed ? 6 : 0;
-    const KtReArray& jacobian = all.jacobian(body, position);
-    ASSERT_EQ(jacobian.columns(), 10 - first);
-    for (KtU32 r = 0; r < all.doc(); ++r) {
-      EXPECT_EQ(List(jacobian[r], jacobian[r] + 10 - first),
-                List(expected[r].begin() + first, expected[r].end()));
+TEST_F(StateConstraints, JacobianHasTheWeights) {
+  for (int trial = 0; trial < 300; ++trial) {
+    const KtU32 joints = below(5), base = trial % 2 == 0 ? 0 : 6;
+    KtIndividualManipulator body;
+    for (KtU32 i = 0; i < joints; ++i) body.addChild(KtManipulatorLink());
+    body.setIsFixedBase(base == 0);
+    KtStateEqualityConstraintVector all(1);  // a null entry is passed over
+    std::vector<List> expected;
+    for (KtU32 count = below(4); count > 0; --count) {
+      Linear one;
+      one.setJointWeights(randomRows());
+      one.setBaseWeights(randomRows());
+      one.setWeightedSums(Linear::Row(below(5)));
+      all.pushBack(one);
+      const KtU32 rows = std::max(one.jointWeights().size(), one.baseWeights().size());
+      for (KtU32 r = 0; r < std::min(rows, one.weightedSums().size()); ++r) {
+        List& made = expected.emplace_back();
+        for (KtU32 c = 0; c < base; ++c) made.push_back(weight(one.baseWeights(), r, c));
+        for (KtU32 c = 0; c < joints; ++c) made.push_back(weight(one.jointWeights(), r, c));
+      }
     }
-    EXPECT_EQ(all.jacobianDerivative(body, position, velocity), KtReArray(5, 10 - first));
-    EXPECT_EQ(two.jacobianDerivative(body, position, velocity), KtReArray(2, 10 - first));
+    ASSERT_EQ(all.doc(), expected.size());
+    const KtReArray& jacobian = all.jacobian(body, {});
+    ASSERT_EQ(jacobian.rows(), expected.size());
+    ASSERT_EQ(jacobian.columns(), base + joints);
+    for (KtU32 r = 0; r < all.doc(); ++r) {
+      EXPECT_EQ(List(jacobian[r], jacobian[r] + base + joints), expected[r]);
+    }
+    EXPECT_EQ(all.jacobianDerivative(body, {}, {}), KtReArray(all.doc(), base + joints));
+    const KtPositionState position;
+    const KtVelocityState velocity;
     const Allocations allocations;
     all.jacobian(body, position);
     all.jacobianDerivative(body, position, velocity);
@@ -65,15 +70,15 @@ TEST(StateConstraints, JacobianHasTheWeights) {
   }
 }
 
-TEST(StateConstraints, WithoutRowsKeepTheOldJacobian) {
-  const KtIndividualManipulator body = manipulator(2, true);
-  Linear gear = constraint({{1, 2}, {3, 4}}, {}, 1);
-  const KtReArray before = gear.jacobian(body, {});
+TEST_F(StateConstraints, WithoutRowsKeepTheOldJacobian) {
+  Linear gear;
+  gear.setJointWeights({1, row({1, 2})});
+  gear.setWeightedSums(row({0}));
+  const KtReArray before = gear.jacobian({}, {});
   EXPECT_EQ(before.rows(), 1U);
   gear.setWeightedSums({});
-  EXPECT_EQ(gear.jacobian(body, {}), before);
-  // A copy doesn't carry the array.
-  EXPECT_EQ(Linear(gear).jacobian(body, {}).rows(), 0U);
+  EXPECT_EQ(gear.jacobian({}, {}), before);
+  EXPECT_EQ(Linear(gear).jacobian({}, {}).rows(), 0U) << "a copy doesn't carry the array";
 }
 
 // Leaves its value where it was asked, and fails on request.
@@ -93,12 +98,11 @@ class Probe : public KtXmlPersistent<Probe, Linear> {
   double value = 0.0;
 };
 
-TEST(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
-  KtStateEqualityConstraintVector all(1);  // a null entry is passed over
+TEST_F(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
+  KtStateEqualityConstraintVector all(1);
   KtPositionState p;
   KtVelocityState v;
   EXPECT_TRUE(all.constrainPosition({}, p) && all.constrainVelocity({}, p, v));
-  EXPECT_EQ(all.jacobian({}, p).rows(), 0U);
   Probe probe;
   for (probe.value = 1.0; probe.value < 4.0; ++probe.value) all.pushBack(probe);
   EXPECT_FALSE(all.constrainPosition({}, p) || all.constrainVelocity({}, p, v));
@@ -106,29 +110,25 @@ TEST(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
   EXPECT_EQ(v.jointVelocities(), row({1.0, 2.0, 3.0}));
 }
 
-// Keeps its gradient in the buffer.
+// A limit that keeps its gradient in the buffer.
 class Buffered : public KtXmlPersistent<Buffered, KtMultivariableJointStateConstraint> {
  public:
   using KtBaseStateConstraint::gradientBuffer_;
   bool operator==(const Buffered&) const = default;
 };
 
-TEST(StateConstraints, NormalizeTheirGradientBuffer) {
+TEST_F(StateConstraints, ForwardTheJointPositionsAndNormalizeTheirBuffer) {
+  Buffered limit;
+  const Buffered fresh;
   for (const auto& [gradient, expected] :
-       {std::pair<List, List>{{}, {}}, {{0.0, 0.0}, {0.0, 0.0}}, {{3.0, -4.0}, {0.6, -0.8}}}) {
-    Buffered constraint;
-    constraint.gradientBuffer_ = gradient;
-    constraint.normalizeGradient();
-    EXPECT_EQ(constraint.gradientBuffer_, expected);
-    EXPECT_EQ(constraint == Buffered(), gradient.empty()) << "the buffer belongs to the value";
+       {std::pair<List, List>{{0.0, 0.0}, {0.0, 0.0}}, {{3.0, -4.0}, {0.6, -0.8}}, {{}, {}}}) {
+    limit.gradientBuffer_ = gradient;
+    limit.normalizeGradient();
+    EXPECT_EQ(limit.gradientBuffer_, expected);
+    EXPECT_EQ(limit == fresh, gradient.empty()) << "the buffer belongs to the value";
   }
-}
-
-TEST(StateConstraints, ForwardTheJointPositions) {
   KtPositionState p;
   p.setJointPositions(row({2.0, 5.0}));
-  KtMultivariableJointStateConstraint limit;
-  EXPECT_EQ(limit.constraint(), nullptr);
   EXPECT_EQ(limit.evaluate(p), 0.0);
   EXPECT_TRUE(limit.gradient(p, true).empty());
   KtLinearMultivariableConstraint linear;

@@ -67,14 +67,15 @@ TEST_F(MassProperties, DoAsTheirParticlesDo) {
     body = massOf(cloud);
     const KtGeneralMotion v = randomMotion();
     const KtGeneralMotion a = randomMotion();
-    KtGeneralForce moving, resting;
-    for (const auto& [m, r] : cloud) {
-      const KtVector tangential = a.linear() + a.angular().cross(r);
-      const KtVector f = tangential * m;
-      resting += {f, r.cross(f)};
-      const KtVector g = (tangential + v.angular().cross(v.angular().cross(r))) * m;
-      moving += {g, r.cross(g)};
-    }
+    const auto force = [&](const KtVector& w) {
+      KtGeneralForce sum;
+      for (const auto& [m, r] : cloud) {
+        const KtVector f = (a.linear() + a.angular().cross(r) + w.cross(w.cross(r))) * m;
+        sum += {f, r.cross(f)};
+      }
+      return sum;
+    };
+    const KtGeneralForce resting = force({}), moving = force(v.angular());
     EXPECT_TRUE(body.calculateForce(a).approxEq(resting, 1e-13));
     EXPECT_TRUE(body.calculateForce(v, a).approxEq(moving, 1e-13));
     EXPECT_TRUE(body.calculateAcceleration(resting).approxEq(a, 1e-11));
@@ -116,38 +117,25 @@ TEST_F(MassProperties, BuildersAgreeWithIntegration) {
   using V = const KtVector&;
   constexpr double r = 0.7, length = 0.9;
   const KtCapsule capsule(KtLineSegment({0.0, 0.0, -0.5 * length}, {0.0, 0.0, 0.5 * length}), r);
-  struct Row {
-    Mass mass;
-    KtVector half;
-    bool (*inside)(V);
-  };
   // The hemisphere's first moment doesn't know its mass. So it has 1 kg here, and so have those of
   // the capsule.
   EXPECT_EQ(Mass::uniformSolidHemisphere(3.0, r).firstMoment(), KtVector(0.0, 0.0, 0.375 * r));
-  for (const Row& row :
-       {Row{Mass::uniformSolidSphere(3.0, r), {r, r, r}, [](V p) { return p.mag() < r; }},
-        Row{Mass::uniformSolidHemisphere(1.0, r),
-            {r, r, r},
-            [](V p) { return p.mag() < r && p.z > 0.0; }},
-        Row{Mass::uniformSolidAxisAlignedEllipsoid(3.0, 0.5, 0.8, 1.1),
-            {0.5, 0.8, 1.1},
-            [](V p) { return std::hypot(p.x / 0.5, p.y / 0.8, p.z / 1.1) < 1.0; }},
-        Row{Mass::uniformSolidAxisAlignedRectangularPrism(3.0, 0.6, 0.9, 1.4),
-            {0.3, 0.45, 0.7},
-            [](V) { return true; }},
-        Row{Mass::uniformSolidAxisAlignedCylinder(3.0, r, 1.5),
-            {r, r, 0.75},
-            [](V p) { return std::hypot(p.x, p.y) < r; }},
-        Row{Mass::uniformSolidAxisAlignedTorus(3.0, 0.8, 0.3),
-            {1.1, 1.1, 0.3},
-            [](V p) { return std::hypot(std::hypot(p.x, p.y) - 0.8, p.z) < 0.3; }},
-        Row{Mass::uniformSolidCapsule(2.0 + 1.5 * length / r, capsule),
-            {r, r, r + 0.5 * length},
-            [](V p) {
-              return std::hypot(p.x, p.y, std::max(0.0, std::abs(p.z) - 0.5 * length)) < r;
-            }}}) {
-    expectNear(row.mass, solid(row.mass, row.half, row.inside), 1e-3);
-  }
+  const auto expect = [](const Mass& mass, V half, bool (*inside)(V)) {
+    expectNear(mass, solid(mass, half, inside), 1e-3);
+  };
+  expect(Mass::uniformSolidSphere(3.0, r), {r, r, r}, [](V p) { return p.mag() < r; });
+  expect(Mass::uniformSolidHemisphere(1.0, r), {r, r, r},
+         [](V p) { return p.mag() < r && p.z > 0.0; });
+  expect(Mass::uniformSolidAxisAlignedEllipsoid(3.0, 0.5, 0.8, 1.1), {0.5, 0.8, 1.1},
+         [](V p) { return std::hypot(p.x / 0.5, p.y / 0.8, p.z / 1.1) < 1.0; });
+  expect(Mass::uniformSolidAxisAlignedRectangularPrism(3.0, 0.6, 0.9, 1.4), {0.3, 0.45, 0.7},
+         [](V) { return true; });
+  expect(Mass::uniformSolidAxisAlignedCylinder(3.0, r, 1.5), {r, r, 0.75},
+         [](V p) { return std::hypot(p.x, p.y) < r; });
+  expect(Mass::uniformSolidAxisAlignedTorus(3.0, 0.8, 0.3), {1.1, 1.1, 0.3},
+         [](V p) { return std::hypot(std::hypot(p.x, p.y) - 0.8, p.z) < 0.3; });
+  expect(Mass::uniformSolidCapsule(2.0 + 1.5 * length / r, capsule), {r, r, r + 0.5 * length},
+         [](V p) { return std::hypot(p.x, p.y, std::max(0.0, std::abs(p.z) - 0.5 * length)) < r; });
   // A shell is what a sphere gains when it grows.
   const double d = 1e-4, grown = std::pow(1.0 + d, 3.0);
   const Mass gain = Mass::uniformSolidSphere(grown, r * (1.0 + d)) - Mass::uniformSolidSphere(1, r);

@@ -6,12 +6,6 @@
 
 namespace {
 
-KtDataMap dataMap(const std::string& key, double value) {
-  KtDataMap map;
-  map.add(key, value);
-  return map;
-}
-
 // A box with a hull and a sphere around it, and a ball, side by side in a capsule.
 KtShapeUnion machinePart() {
   KtBoxShape box({1.0, 1.0, 1.0});
@@ -31,31 +25,31 @@ KtShapeUnion machinePart() {
 TEST(ShapeTree, NumbersMembersWithTheirVolumesThenItsOwn) {
   KtShapeUnion part = machinePart();
   const KtManipulatorLink link;
-  KtU32 count = 0;
   KtShape::ShapeTable table;
   KtShape::ShapeVector shapes;
   for (int pass = 0; pass < 2; ++pass) {  // numbering again changes nothing
-    count = 0;
+    KtU32 count = 0, levels = 0;
     part.mapShapes(count, &link, table, shapes);
-    KtU32 levels = 0;
     part.mapBoundingVolumeLevels(levels);
     EXPECT_EQ(levels, 2U);
+    EXPECT_EQ(count, 5U);
   }
-  const KtShape* box = std::as_const(part).member(0);
-  ASSERT_EQ(count, 5U);
-  EXPECT_EQ(shapes,
-            (KtShape::ShapeVector{
-                box, box->outerBoundingVolume(), box->outerBoundingVolume()->outerBoundingVolume(),
-                std::as_const(part).member(1), std::as_const(part).outerBoundingVolume()}));
-  for (KtU32 i = 0; i < count; ++i) {
+  const KtShape *box = std::as_const(part).member(0), *ball = std::as_const(part).member(1);
+  const KtShape* volume = std::as_const(part).outerBoundingVolume();
+  const KtShape* hull = box->outerBoundingVolume();
+  EXPECT_EQ(shapes, (KtShape::ShapeVector{box, hull, hull->outerBoundingVolume(), ball, volume}));
+  for (KtU32 i = 0; i < shapes.size(); ++i) {
     EXPECT_EQ(shapes[i]->shapeIndex(), i);
     EXPECT_EQ(shapes[i]->link(), &link);
   }
   // The number that the link finds by adding up along the chain of its top shape.
-  EXPECT_EQ(part.numberOfShapes() + std::as_const(part).outerBoundingVolume()->numberOfShapes(),
-            count);
-  EXPECT_EQ(table, (KtShape::ShapeTable{{"box", box}, {"ball", shapes[3]}, {"part", &part}}));
+  EXPECT_EQ(part.numberOfShapes() + volume->numberOfShapes(), shapes.size());
+  EXPECT_EQ(table, (KtShape::ShapeTable{{"box", box}, {"ball", ball}, {"part", &part}}));
   EXPECT_EQ(part.shapeIndex(), ktUnmappedIndex);
+  KtShape::ShapeVector volumes;
+  part.boundingVolumes(volumes, 0);
+  part.boundingVolumes(volumes, 1);
+  EXPECT_EQ(volumes, (KtShape::ShapeVector{box, ball, volume}));
   // A copy belongs to no link yet.
   const KtShapeUnion copy = part;
   EXPECT_EQ(copy.member(0)->shapeIndex(), ktUnmappedIndex);
@@ -63,32 +57,30 @@ TEST(ShapeTree, NumbersMembersWithTheirVolumesThenItsOwn) {
   EXPECT_EQ(copy, part);
 }
 
+void expectChain(const KtShape& top, KtU32 length) {
+  const KtShape* shape = &top;
+  EXPECT_EQ(top.innerBoundedShape(), nullptr);
+  for (KtU32 level = 0; level < length; ++level) {
+    ASSERT_NE(shape, nullptr);
+    EXPECT_EQ(shape->boundingVolumeLevel(), level);
+    const KtShape* next = shape->outerBoundingVolume();
+    EXPECT_TRUE(next == nullptr || next->innerBoundedShape() == shape);
+    shape = next;
+  }
+  EXPECT_EQ(shape, nullptr);
+}
+
 TEST(ShapeTree, ChainsLeadInAndOutWhateverMadeThem) {
-  const auto expectChain = [](const KtShape& top, KtU32 length) {
-    const KtShape* shape = &top;
-    EXPECT_EQ(top.innerBoundedShape(), nullptr);
-    for (KtU32 level = 0; level < length; ++level) {
-      ASSERT_NE(shape, nullptr);
-      EXPECT_EQ(shape->boundingVolumeLevel(), level);
-      const KtShape* next = shape->outerBoundingVolume();
-      EXPECT_TRUE(next == nullptr || next->innerBoundedShape() == shape);
-      shape = next;
-    }
-    EXPECT_EQ(shape, nullptr);
-  };
   KtBoxShape box({1.0, 2.0, 3.0});
   expectChain(box, 1);
   EXPECT_TRUE(box.addBoundingVolume(KtShape::kBox));
   box.addBoundingVolume(KtSphereShape({}, 9.0));
   EXPECT_TRUE(box.addBoundingVolume(KtShape::kCapsule));
-  expectChain(box, 4);
   const KtBoxShape copy = box;
-  expectChain(copy, 4);
-  KtShapeContainer holder;
+  for (const KtBoxShape& one : {box, copy}) expectChain(one, 4);
+  KtShapeContainer holder, back;
   holder.setTopElement(box);
-  const std::string text = KtXmlWriter::writeString(holder);
-  KtShapeContainer back;
-  EXPECT_TRUE(KtXmlReader::readString(text, back));
+  EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(holder), back));
   expectChain(*back.topElement(), 4);
   EXPECT_EQ(back, holder);
   // Taken out of the chain a volume is an exact shape with what is around it.
@@ -101,19 +93,10 @@ TEST(ShapeTree, ChainsLeadInAndOutWhateverMadeThem) {
   box = copy;
   expectChain(box, 4);
   EXPECT_EQ(box, copy);
-
-  const KtShapeUnion part = machinePart();
-  KtShape::ShapeVector volumes;
-  part.boundingVolumes(volumes, 0);
-  EXPECT_EQ(volumes, (KtShape::ShapeVector{part.member(0), part.member(1)}));
-  volumes.clear();
-  part.boundingVolumes(volumes, 1);
-  EXPECT_EQ(volumes, (KtShape::ShapeVector{part.outerBoundingVolume()}));
-  KtShapeContainer parts;
-  parts.setTopElement(part);
-  parts.deleteBoundingVolumes();
-  expectChain(*dynamic_cast<KtShapeUnion&>(*parts.topElement()).member(0), 1);
-  expectChain(*parts.topElement(), 1);
+  holder.setTopElement(machinePart());
+  holder.deleteBoundingVolumes();
+  expectChain(*dynamic_cast<KtShapeUnion&>(*holder.topElement()).member(0), 1);
+  expectChain(*holder.topElement(), 1);
 
   const KtLogCapture log;
   EXPECT_FALSE(box.addBoundingVolume(KtShape::kCone));
@@ -143,56 +126,56 @@ TEST(ShapeTree, AShapeMayBeAssignedFromAPartOfItselfAndAPartFromTheWhole) {
   EXPECT_EQ(inner.radius(), 1.0);
 
   // A union out of one around it, and out of one in it.
-  KtShapeUnion part = machinePart();
-  KtShapeUnion around;
+  KtShapeUnion part = machinePart(), around;
   around.addMember(machinePart());
   part.addBoundingVolume(around);
   const KtShape* outermost = std::as_const(part).outerBoundingVolume()->outerBoundingVolume();
-  const auto* deep = dynamic_cast<const KtShapeUnion*>(outermost);
-  ASSERT_NE(deep, nullptr);
-  EXPECT_TRUE(part.holds(*deep->member(0)));
+  const KtShape& deep = *dynamic_cast<const KtShapeUnion&>(*outermost).member(0);
+  EXPECT_TRUE(part.holds(deep));
   EXPECT_FALSE(part.holds(part));
-  part = dynamic_cast<const KtShapeUnion&>(*deep->member(0));
+  part = dynamic_cast<const KtShapeUnion&>(deep);
   EXPECT_EQ(part, machinePart());
   part = around;
   part = dynamic_cast<const KtShapeUnion&>(*std::as_const(part).member(0));
   EXPECT_EQ(part, machinePart());
 }
 
+// A segment along x meets the shapes of a level; where it meets none, the event stays.
 TEST(ShapeTree, LineSegmentsFillTheEventAtALevel) {
   KtShapeContainer holder;
   KtShapePointEvent event;
-  const KtLineSegment through({-10, 0, 0}, {10, 0, 0});
-  EXPECT_EQ(holder.intersectLineSegment(through, event, 0), nullptr);
+  EXPECT_EQ(holder.intersectLineSegment({{-10, 0, 0}, {10, 0, 0}}, event, 0), nullptr);
   holder.setTopElement(machinePart());
   holder.topElement()->addBoundingVolume(KtSphereShape({}, 9.0));
   const auto& part = dynamic_cast<const KtShapeUnion&>(*holder.topElement());
-  EXPECT_EQ(holder.intersectLineSegment(through, event, 0), part.member(0));
-  EXPECT_DOUBLE_EQ(event.distance(), 9.5);
-  EXPECT_TRUE(event.isImpacted());
-  EXPECT_EQ(holder.intersectLineSegment(through, event, 2),
-            part.outerBoundingVolume()->outerBoundingVolume());
-  EXPECT_DOUBLE_EQ(event.distance(), 1.0);
-  EXPECT_EQ(holder.intersectLineSegment(through, event, 99),
-            part.outerBoundingVolume()->outerBoundingVolume());
-  // From the other side the ball comes first; nothing in between, the event stays.
-  EXPECT_EQ(holder.intersectLineSegment({{10, 0, 0}, {-10, 0, 0}}, event, 0), part.member(1));
-  EXPECT_DOUBLE_EQ(event.distance(), 6.5);
-  EXPECT_EQ(holder.intersectLineSegment({{1.5, 0, 0}, {2, 0, 0}}, event, 0), nullptr);
-  EXPECT_DOUBLE_EQ(event.distance(), 6.5);
-  EXPECT_EQ(holder.intersectLineSegment({{3, 0, 0}, {3, 0, 0}}, event, 0), part.member(1));
-  EXPECT_EQ(event.distance(), 0.0);
+  const KtShape *box = part.member(0), *ball = part.member(1);
+  const KtShape* outermost = part.outerBoundingVolume()->outerBoundingVolume();
+  struct Row {
+    double from, to;
+    KtU32 level;
+    const KtShape* met;
+    double distance;
+  };
+  for (const Row& row : {Row{-10, 10, 0, box, 9.5}, Row{-10, 10, 2, outermost, 1.0},
+                         Row{-10, 10, 99, outermost, 1.0}, Row{10, -10, 0, ball, 6.5},
+                         Row{1.5, 2, 0, nullptr, 6.5}, Row{3, 3, 0, ball, 0.0}}) {
+    const KtLineSegment segment({row.from, 0, 0}, {row.to, 0, 0});
+    EXPECT_EQ(holder.intersectLineSegment(segment, event, row.level), row.met) << row.distance;
+    EXPECT_DOUBLE_EQ(event.distance(), row.distance);
+    EXPECT_TRUE(event.isImpacted());
+  }
 }
 
 TEST(ShapeTree, SurfacesAreFoundByLabel) {
+  KtDataMap surface;
+  surface.add("k", 2.0);
   KtBoxShape box({1.0, 1.0, 1.0});
   const KtDataMap* found = nullptr;
-  EXPECT_FALSE(box.setSurfaceProperties("ice", dataMap("k", 1.0)));
+  EXPECT_FALSE(box.setSurfaceProperties("ice", surface));
   EXPECT_FALSE(box.lookup("metal", found));
-  EXPECT_TRUE(box.setSurfaceProperties("metal", dataMap("k", 2.0)));
+  EXPECT_TRUE(box.setSurfaceProperties("metal", surface));
   EXPECT_TRUE(box.lookup("metal", found));
   EXPECT_EQ(found, box.defaultSurface());
-
   // A volume has the surface of what it bounds, in the colour of volumes.
   box.setTakesContactForces(false);
   box.addBoundingVolume(KtShape::kSphere);
@@ -206,7 +189,7 @@ TEST(ShapeTree, SurfacesAreFoundByLabel) {
   part.addMember(box);
   part.addMember(KtSphereShape({}, 1.0));
   part.member(1)->setSurfaceLabel("ice");
-  EXPECT_TRUE(part.setSurfaceProperties("ice", dataMap("k", 3.0)));
+  EXPECT_TRUE(part.setSurfaceProperties("ice", surface));
   EXPECT_TRUE(part.lookup("ice", found));
   EXPECT_EQ(found, part.member(1)->defaultSurface());
   EXPECT_FALSE(part.lookup("wood", found));
@@ -215,17 +198,6 @@ TEST(ShapeTree, SurfacesAreFoundByLabel) {
   KtExtentUnion extents;
   extents.addMember(box);
   EXPECT_FALSE(extents.lookup("metal", found));
-}
-
-TEST(ShapeTree, AFileWrittenByHandIsRead) {
-  const KtLogCapture log;
-  KtConvexPolyhedron hull;
-  EXPECT_TRUE(KtXmlReader::readString(
-      "<convexPolyhedron><surfaceLabel>ice</surfaceLabel>\n<vertices>0 0 0  1 0 0\n"
-      "\t0 1 0  0 0 1</vertices></convexPolyhedron>",
-      hull));
-  EXPECT_NEAR(hull.volume(), 1.0 / 6.0, 1e-15);
-  EXPECT_EQ(log.text(), "");
 }
 
 TEST(ShapeTree, DamagedMeshesAreEmpty) {
@@ -243,99 +215,105 @@ TEST(ShapeTree, DamagedMeshesAreEmpty) {
     EXPECT_TRUE(log.contains(complaint)) << log.text();
     EXPECT_EQ(mesh.numberOfConvexParts(), 0U);
   }
-  const KtLogCapture log;
-  KtConvexPolyhedron flat;
+  // Written by hand, and flat: the second has no volume, but points.
+  KtLogCapture log;
+  KtConvexPolyhedron hull;
   EXPECT_TRUE(KtXmlReader::readString(
-      "<convexPolyhedron><vertices>0 0 0 1 0 0 0 1 0 1 1 0</vertices></convexPolyhedron>", flat));
+      "<convexPolyhedron><surfaceLabel>ice</surfaceLabel>\n<vertices>0 0 0  1 0 0\n"
+      "\t0 1 0  0 0 1</vertices></convexPolyhedron>",
+      hull));
+  EXPECT_NEAR(hull.volume(), 1.0 / 6.0, 1e-15);
+  EXPECT_EQ(log.text(), "");
+  EXPECT_TRUE(KtXmlReader::readString(
+      "<convexPolyhedron><vertices>0 0 0 1 0 0 0 1 0 1 1 0</vertices></convexPolyhedron>", hull));
   EXPECT_TRUE(log.contains("no volume: all points lie on one plane"));
-  EXPECT_EQ(flat.support({1, 1, 0}), KtVector(1, 1, 0));
+  EXPECT_EQ(hull.support({1, 1, 0}), KtVector(1, 1, 0));
 }
 
-constexpr KtShapeKey kA{0, 1, 2};
-constexpr KtShapeKey kB{0, ktBaseIndex, 0};
-constexpr KtShapeKey kC{3, 1, 1};
+using ShapeCollisionCache = sampling::Seeded;
+using Record = KtShapeCollisionData;
+constexpr KtShapeKey kKeys[] = {{0, 1, 2}, {0, ktBaseIndex, 0}, {3, 1, 1}};
 
-TEST(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
+// Random edits, against a list of the records that are valid in the order in which they became so.
+TEST_F(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
   KtSystemShapeCollisionCache cache;
-  KtShapeCollisionData* ab = cache.getCollisionData(kA, kB);
-  KtShapeCollisionData* bc = cache.getCollisionData(kB, kC);
-  KtShapeCollisionData* ac = cache.getCollisionData(kA, kC);
-  EXPECT_EQ(cache.nextCollisionData(), nullptr);
-  cache.setValid(ac);
-  cache.setValid(ab);
-  const auto visit = [&cache] {
-    std::vector<KtShapeCollisionData*> seen;
-    cache.resetNextCollisionData();
-    while (KtShapeCollisionData* record = cache.nextCollisionData()) {
-      seen.push_back(record);
-      cache.setValid(record);  // as a processor does with the record in hand
+  std::array<Record*, 3> records;
+  for (std::size_t i = 0; i < 3; ++i) {
+    records[i] = cache.getCollisionData(kKeys[i], kKeys[(i + 1) % 3]);
+  }
+  std::vector<Record*> valid;
+  for (int round = 0; round < 200; ++round) {
+    Record* const record = records[static_cast<std::size_t>(sampling::uniform(0, 2.999))];
+    if (sampling::uniform(0, 1) < 0.3) {
+      cache.invalidateAll();
+      valid.clear();
+    } else {
+      cache.setValid(record);
+      if (std::ranges::find(valid, record) == valid.end()) valid.push_back(record);
     }
-    return seen;
-  };
-  EXPECT_EQ(visit(), (std::vector{ac, ab}));
-  EXPECT_EQ(visit(), (std::vector{ac, ab}));
-
-  ab->setFrictionMode(KtShapeCollisionData::kKinetic);
-  KtSystemShapeCollisionCache copy = cache;
-  KtShapeCollisionData* copied = copy.getCollisionData(kA, kB);
-  EXPECT_NE(copied, ab);
-  EXPECT_EQ(copied->frictionMode(), KtShapeCollisionData::kKinetic);
-  cache.invalidateAll();
-  EXPECT_TRUE(visit().empty());
-  EXPECT_EQ(cache.getCollisionData(kA, kB), ab);
-  cache.setValid(bc);
-  EXPECT_EQ(visit(), std::vector{bc});
+    EXPECT_EQ(cache.getCollisionData(kKeys[0], kKeys[1]), records[0]);
+    cache.resetNextCollisionData();
+    for (Record* expected : valid) {
+      EXPECT_EQ(cache.nextCollisionData(), expected);
+      cache.setValid(expected);  // as a processor does with the record in hand
+    }
+    EXPECT_EQ(cache.nextCollisionData(), nullptr);
+  }
   cache.invalidateAll();  // takes the visit back to its start, too
-  cache.setValid(bc);
-  EXPECT_EQ(cache.nextCollisionData(), bc);
+  cache.setValid(records[1]);
+  EXPECT_EQ(cache.nextCollisionData(), records[1]);
+  records[0]->setFrictionMode(Record::kKinetic);
+  KtSystemShapeCollisionCache copy = cache;
+  Record* const copied = copy.getCollisionData(kKeys[0], kKeys[1]);
+  EXPECT_NE(copied, records[0]);
+  EXPECT_EQ(copied->frictionMode(), Record::kKinetic);
   const KtLogCapture log;
   cache.setValid(nullptr);
   cache.setValid(copied);
   EXPECT_EQ(log.messages().size(), 1U);
-  EXPECT_EQ(visit(), std::vector{bc});
+  cache.setValid(records[0]);
   cache.clear();
-  EXPECT_TRUE(visit().empty());
-  EXPECT_EQ(cache.getCollisionData(kA, kB)->frictionMode(), KtShapeCollisionData::kFirstContact);
+  EXPECT_EQ(cache.nextCollisionData(), nullptr);
+  EXPECT_EQ(cache.getCollisionData(kKeys[0], kKeys[1])->frictionMode(), Record::kFirstContact);
 }
 
-TEST(ShapeCollisionCache, APairHasOneRecordInBothOrders) {
+// Asked for in the other order, a record has its sides exchanged, and turned again is as before.
+TEST_F(ShapeCollisionCache, APairHasOneRecordInBothOrders) {
   KtSystemShapeCollisionCache cache;
-  const KtManipulatorLink one;
-  const KtManipulatorLink two;
-  KtShapeCollisionData& record = *cache.getCollisionData(kA, kB);
-  record.setLinkPointer(kA, &one);
-  record.setLinkPointer(kB, &two);
-  record.setLinkPointer(kC, nullptr);
-  record.setClosestPointIndex(kB, 7);
+  const auto& [one, two, other] = kKeys;
+  const KtManipulatorLink links[2];
+  Record& record = *cache.getCollisionData(one, two);
+  record.setLinkPointer(one, &links[0]);
+  record.setLinkPointer(two, &links[1]);
+  record.setLinkPointer(other, nullptr);
+  record.setClosestPointIndex(two, 7);
   record.setCollisionNormal({1, 0, 0});
   record.setLineOfAction({0, 1, 0});
   record.addPenetrationPoint({1, 1, 1}, {2, 2, 2});
-  record.setVelocityPrimaryObject(kB, {{1, 0, 0}, {}});
+  record.setVelocityPrimaryObject(two, {{1, 0, 0}, {}});
   record.setStaticStartCollisionPointInPrimary1({4, 0, 0});
-  KtShapeCollisionData& turned = *cache.getCollisionData(kB, kA);
-  EXPECT_EQ(&turned, &record);
-  EXPECT_EQ(turned.manipulatorOneID(), 0U);
-  EXPECT_EQ(turned.shapeTwoID(), 2U);
-  EXPECT_EQ(turned.link1Pointer(), &two);
-  EXPECT_EQ(turned.link2Pointer(), &one);
-  EXPECT_EQ(turned.closestPointIndex1(), 7U);
-  EXPECT_EQ(turned.collisionNormal(), KtVector(-1, 0, 0));
-  EXPECT_EQ(turned.lineOfAction(), KtVector(0, -1, 0));
-  EXPECT_EQ(turned.penetrationPointPrimary(0, 0), KtVector(2, 2, 2));
-  EXPECT_EQ(turned.getPenetrationPointShapePrimary(kA, 0), KtVector(1, 1, 1));
-  EXPECT_EQ(turned.penetrationPointPrimary(2, 0), KtVector());
-  EXPECT_EQ(turned.penetrationPointPrimary(0, 1), KtVector());
-  EXPECT_EQ(turned.velocityPrimaryObject1().linear(), KtVector(1, 0, 0));
-  EXPECT_EQ(turned.staticStartCollisionPointInPrimary2(), KtVector(4, 0, 0));
+  EXPECT_EQ(cache.getCollisionData(two, one), &record);
+  EXPECT_EQ(record.key(), (KtShapeProximityKey{two, one}));
+  EXPECT_EQ(record.link1Pointer(), &links[1]);
+  EXPECT_EQ(record.link2Pointer(), &links[0]);
+  EXPECT_EQ(record.closestPointIndex1(), 7U);
+  EXPECT_EQ(record.collisionNormal(), KtVector(-1, 0, 0));
+  EXPECT_EQ(record.lineOfAction(), KtVector(0, -1, 0));
+  EXPECT_EQ(record.penetrationPointPrimary(0, 0), KtVector(2, 2, 2));
+  EXPECT_EQ(record.getPenetrationPointShapePrimary(one, 0), KtVector(1, 1, 1));
+  EXPECT_EQ(record.penetrationPointPrimary(2, 0), KtVector());
+  EXPECT_EQ(record.penetrationPointPrimary(0, 1), KtVector());
+  EXPECT_EQ(record.velocityPrimaryObject1().linear(), KtVector(1, 0, 0));
+  EXPECT_EQ(record.staticStartCollisionPointInPrimary2(), KtVector(4, 0, 0));
 }
 
 TEST(ShapeKeys, OrderAndHash) {
-  EXPECT_LT(kA, kB);  // the root comes behind all links
-  EXPECT_LT(kB, kC);
+  EXPECT_TRUE(std::ranges::is_sorted(kKeys)) << "the root comes behind all links";
   EXPECT_EQ(KtShapeStateCacheKey(), KtShapeStateCacheKey::nullObject());
   EXPECT_NE(KtShapeStateCacheKey(1, 2), KtShapeStateCacheKey(1, 2, 0));
-  const KtLinkProximityKey pair{kA.linkKey(), kC.linkKey()};
-  EXPECT_EQ(hash_value(pair), std::size_t{kA.linkKey().guesstimate()} + kC.linkKey().guesstimate());
+  const KtLinkKey first = kKeys[0].linkKey(), second = kKeys[2].linkKey();
+  EXPECT_EQ(hash_value(KtLinkProximityKey{first, second}),
+            std::size_t{first.guesstimate()} + second.guesstimate());
 }
 
 }  // namespace
