@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <sstream>
 #include <string>
 
 #include "Support.h"
@@ -42,7 +43,7 @@ TEST(Command, ImportsInspectsAndEvaluates) {
              "<inertia ixx='1' iyy='1' izz='1' ixy='0' ixz='0' iyz='0'/></inertial></link>\n"
              "<joint name='j' type='prismatic'><parent link='rail'/><child link='cart'/>"
              "<axis xyz='0 0 1'/><limit lower='-1' upper='1' effort='9' velocity='2'/></joint>\n"
-             "<gazebo/></robot>");
+             "<gazebo/><transmission name='a'/>\n<transmission name='b'/></robot>");
   const std::string xml = std::string(KT_TEST_OUTPUT) + "/slide-test.xml";
   const std::string names = urdf + " -o " + xml;
   std::remove(xml.c_str());
@@ -52,7 +53,12 @@ TEST(Command, ImportsInspectsAndEvaluates) {
   EXPECT_FALSE(std::ifstream(xml).good());
   const Outcome import = run("import " + names);
   EXPECT_EQ(import.status, 0);
-  EXPECT_EQ(import.text, urdf + ":5: not taken over: <gazebo>\n");
+  const std::string first =
+      urdf + ":5: not taken over: <gazebo>\n" + urdf + ":5: not taken over: <transmission> \"a\"";
+  EXPECT_EQ(import.text, first + ", and 1 more of the kind up to line 6\n" + urdf +
+                             ": --verbose lists each of them\n");
+  EXPECT_EQ(run("import --verbose " + names).text,
+            first + "\n" + urdf + ":6: not taken over: <transmission> \"b\"\n");
 
   const Outcome inspect = run("inspect --json " + xml);
   EXPECT_EQ(inspect.status, 0);
@@ -75,6 +81,30 @@ TEST(Command, ImportsInspectsAndEvaluates) {
   EXPECT_THAT(simulate.text, HasSubstr("nothing was hit"));
   const Outcome moved = run("evaluate --json " + end);
   EXPECT_NEAR(Json::parse(moved.text)["manipulators"][0]["qd"][0].get<double>(), 1.0, 1e-12);
+}
+
+// Small faults put into a good file by hand.
+TEST(Command, InspectNamesWhatIsDamaged) {
+  std::ostringstream good;
+  good << std::ifstream(KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml").rdbuf();
+  const struct {
+    const char *original, *damage, *finding;
+    int status;
+  } cases[] = {
+      {"<mass>4</mass>", "<mass> -4 </mass>", "is negative and counts as 0", 0},
+      {"<childLinks count=\"1\">", "<childLinks count=\"3\">", "value -- 3, actual -- 1", 1},
+      {"<identifier>forearm<", "<identifier>upper arm<", "2 links have the label \"upper arm\"", 0},
+      {"<lowerLimit>-0.5<", "<lowerLimit>3<", "the lower limit 3.0 lies above the upper one", 0},
+      {"<mass>4</mass>", "<mass>four</mass>", "damaged-test.xml:", 1},
+  };
+  for (const auto& [original, damage, finding, status] : cases) {
+    std::string text = good.str();
+    ASSERT_NE(text.find(original), std::string::npos) << original;
+    text.replace(text.find(original), std::string(original).size(), damage);
+    const Outcome outcome = run("inspect " + fileOf("damaged-test.xml", text.c_str()));
+    EXPECT_EQ(outcome.status, status) << damage;
+    EXPECT_THAT(outcome.text, HasSubstr(finding));
+  }
 }
 
 TEST(Command, FailsWithAReason) {

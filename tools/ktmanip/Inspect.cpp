@@ -8,6 +8,9 @@
 
 #include "Commands.h"
 #include "Numbers.h"
+#include "ktManipulator/foundation/core/KtPrint.h"
+#include "ktManipulator/foundation/xml/KtToken.h"
+#include "ktManipulator/foundation/xml/KtXmlReader.h"
 #include "ktManipulator/kinematics/KtDenavitHartenberg.h"
 
 namespace {
@@ -178,16 +181,56 @@ void printTable(const Json& description) {
   }
 }
 
+// Passes messages on to standard error while it lives, and counts those that tell of a fault.
+class Errors {
+ public:
+  Errors() {
+    Kt::Print::instance().setSink([this](Kt::Print::PrintType type, const std::string& text) {
+      std::fputs(text.c_str(), stderr);
+      if (type >= Kt::Print::kDiagnostic) ++count_;
+    });
+  }
+  ~Errors() { Kt::Print::instance().setSink({}); }
+  Errors(const Errors&) = delete;
+  Errors& operator=(const Errors&) = delete;
+
+  int count() const noexcept { return count_; }
+
+ private:
+  int count_ = 0;
+};
+
+// A system doesn't show them: it has 0 where a file has a negative mass.
+void warnAboutNegativeMasses(const std::string& file, Json& warnings) {
+  KtXmlReader reader(file);
+  for (unsigned event = reader.nextEvent(); event != KtXmlReader::kNone;
+       event = reader.nextEvent()) {
+    if (event != KtXmlReader::kStart || reader.currentToken().localName() != "mass") continue;
+    const int line = reader.lineCount();
+    std::string text, wrong;
+    std::vector<double> values;
+    if (reader.readText(text) && readNumbers(text, " \t\r\n", values, wrong) &&
+        values.size() == 1 && values[0] < 0.0) {
+      warnings.push_back("line " + std::to_string(line) + ": the mass " + textOf(values[0]) +
+                         " is negative and counts as 0");
+    }
+  }
+}
+
 int run(const std::string& file, bool asJson) {
   KtStatedSystem system;
+  // Also what can be repaired is damage, such as a list whose count is wrong.
+  const Errors errors;
   if (!loadSystem(file, system)) return 1;
-  const Json description = describe(system);
+  const int status = errors.count() == 0 ? 0 : 1;
+  Json description = describe(system);
+  warnAboutNegativeMasses(file, description["warnings"]);
   if (asJson) {
     std::printf("%s\n", description.dump(2).c_str());
   } else {
     printTable(description);
   }
-  return 0;
+  return status;
 }
 
 }  // namespace
