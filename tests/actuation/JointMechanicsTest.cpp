@@ -209,14 +209,15 @@ TEST_F(JointMechanics, FormsDifferInWhatTheFrictionSees) {
 
   old.setManipulatorLink(driven.elbow());
   m.setManipulatorLink(driven.elbow());
-  const auto onBoth = [&](auto&& set) { set(old), set(m); };
-  onBoth([](auto& mechanics) {
+  const auto stick = [](auto& mechanics) {
     mechanics.setIsRigid(true);
     mechanics.setStopperSpringCoefficient(20.0);
     mechanics.setStaticCoulombFriction(1e6);
     mechanics.setStaticCoulombSpringCoefficient(0.0);
     mechanics.setStaticCoulombDamperCoefficient(0.0);
-  });
+  };
+  stick(old);
+  stick(m);
   driven.move(0.55, 0.01);
   old.initializeActuatorStates(active);
   const double linear = m.linearTorque(active);

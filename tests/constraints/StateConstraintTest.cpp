@@ -22,8 +22,9 @@ Linear::Row row(const List& values) {
 }
 Linear::Rows randomRows() {
   Linear::Rows rows(below(4));
-  for (auto& one : rows.vectorContainer()) one = row({0.5, 1, 1.5, 2, 2.5, 3, 3.5, 4});
-  for (auto& one : rows.vectorContainer()) one.resize(below(9));
+  for (auto& one : rows.vectorContainer()) {
+    for (KtU32 i = below(9); i > 0; --i) one.pushBack(sampling::uniform());
+  }
   return rows;
 }
 double weight(const Linear::Rows& rows, KtU32 r, KtU32 column) {

@@ -67,22 +67,21 @@ TEST_F(ArticulatedBody, MovesWithItsMotionAndForce) {
 // A joint yields to a force along it, but for what its own inertia holds.
 TEST_F(ArticulatedBody, JoinTakesOffWhatTheJointYields) {
   for (const double d : {0.0, 0.8}) {
-    Inertia child = randomInertia();
+    Inertia child = randomInertia(), shown, parent;
     const KtGeneralMotion s = d > 0.0 ? randomMotion() : KtGeneralMotion({}, {0.0, 0.6, 0.8});
-    const auto along = [&s](const KtGeneralForce& f) {
+    const auto holds = [&s](const Inertia& inertia) {
+      const KtGeneralForce f = inertia.calculateForce(s);
       return s.linear().dot(f.force()) + s.angular().dot(f.moment());
     };
-    const double own = along(child.calculateForce(s));
-    Inertia shown, parent;
+    const double own = holds(child);
     KtGeneralForce force;
     double denominator = 0.0;
     shown.setToTransformedValue(child, s, d, force, denominator);
-    EXPECT_NEAR(along(shown.calculateForce(s)), own * d / (own + d), 1e-12);
+    EXPECT_NEAR(holds(shown), own * d / (own + d), 1e-12);
     parent.setFromRigidBody(randomBody());
     const Inertia sum = parent + shown;
     parent.joinWith(child, s, d);
-    EXPECT_TRUE(parent.approxEq(sum, 1e-14));
-    EXPECT_FALSE(parent.isRigid());
+    EXPECT_TRUE(parent.approxEq(sum, 1e-14) && !parent.isRigid());
     // The object itself may be the child.
     child.setToTransformedValue(child, s, d, force, denominator);
     EXPECT_EQ(child, shown);

@@ -208,10 +208,11 @@ TEST_F(MassProperties, LeastMassAndNothing) {
   nothing.getCenterOfMass(center);
   EXPECT_EQ(center, KtVector());
   const KtGeneralForce force({1, 0, 0}, {0, 1, 0});
-  const KtGeneralMotion a = Mass().calculateAcceleration(force);
-  const KtGeneralMotion b = nothing.calculateAcceleration(force);
-  for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]) && std::isfinite(b[i]));
-  EXPECT_TRUE(a[0] > 1e100 && a[4] > 1e100);
+  for (const Mass& body : {Mass(), nothing}) {
+    const KtGeneralMotion a = body.calculateAcceleration(force);
+    for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]));
+    EXPECT_TRUE(body == nothing || (a[0] > 1e100 && a[4] > 1e100));
+  }
 }
 
 // The factor follows every change; the inverse doesn't follow set and scaleBy, which come last.

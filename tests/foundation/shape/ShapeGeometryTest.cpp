@@ -104,6 +104,16 @@ KtVector randomPointIn(const KtAxisAlignedBoundingBox& box) {
          KtVector(size.x * uniform(0, 1), size.y * uniform(0, 1), size.z * uniform(0, 1));
 }
 
+// By how much the second shape reaches beyond the first at the most.
+double excess(const KtShape& volume, const KtShape& inner) {
+  double worst = 0.0;
+  for (int i = 0; i < 300; ++i) {
+    const KtVector d = randomVector().unitVector();
+    worst = std::max(worst, (inner.supportPoint(d) - volume.supportPoint(d)).dot(d));
+  }
+  return worst;
+}
+
 void expectNear(const KtVolumeMoments& a, const KtVolumeMoments& b, double tolerance) {
   EXPECT_NEAR(a.volume, b.volume, tolerance);
   EXPECT_TRUE(a.first.approxEq(b.first, tolerance)) << a.first.x - b.first.x;
@@ -268,14 +278,21 @@ TEST_F(Shapes, LineSegmentsFromFarAwayMeetSmallBodies) {
   });
 }
 
-TEST_F(Shapes, EveryKindIsReadInAHolder) {
+TEST_F(Shapes, EveryKindIsReadInAHolderAndTakesNoMemoryInAStep) {
   forEach([](const KtBasePhysicalExtent& one) {
     KtShapeContainer holder, back;
     holder.setTopElement(one);
-    const std::string text = KtXmlWriter::writeString(holder);
-    EXPECT_TRUE(KtXmlReader::readString(text, back));
-    EXPECT_EQ(KtXmlWriter::writeString(back), text);
+    EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(holder), back));
     EXPECT_TRUE(back == holder);
+    const T t = randomTransformation();
+    const KtLineSegment segment(randomVector() * 5.0, {});
+    KtAxisAlignedBoundingBox box;
+    double distance = 0.0;
+    const Allocations allocations;
+    one.axisAlignedBoundingBox(t, box);
+    static_cast<void>(one.supportPoint(segment.endpoint0()));
+    one.intersectLineSegment(segment, distance);
+    EXPECT_EQ(allocations.count(), 0U);
   });
 }
 
@@ -330,12 +347,7 @@ TEST_F(Shapes, BoundingVolumesContain) {
       ASSERT_TRUE(bounded->addBoundingVolume(type));
       const KtShape& volume = *bounded->outerBoundingVolume();
       EXPECT_EQ(volume.shapeType(), type);
-      double worst = 0.0;
-      for (int i = 0; i < 300; ++i) {
-        const KtVector d = randomVector().unitVector();
-        worst = std::min(worst, (volume.supportPoint(d) - bounded->supportPoint(d)).dot(d));
-      }
-      EXPECT_GE(worst, -1e-12) << type;
+      EXPECT_LE(excess(volume, one), 1e-12) << type;
       // The hull of a body that bulges is wider by less than its bound says.
       const double slack = volume.physicalExtent().volume() / one.volume();
       EXPECT_LE(slack, type == KtShape::kConvexHull && one.isConvex() ? 1.06 : 100.0);
@@ -463,9 +475,8 @@ TEST_F(Shapes, FlatCloudsAreAnsweredFor) {
     for (const auto type : kVolumes) {
       KtConvexPolyhedron one = flat;
       ASSERT_EQ(one.addBoundingVolume(type), !points.empty());
-      for (const KtVector& p : points) {
-        const KtVector d = randomVector().unitVector();
-        EXPECT_GE(one.outerBoundingVolume()->supportPoint(d).dot(d), p.dot(d) - 1e-14);
+      if (!points.empty()) {
+        EXPECT_LE(excess(*one.outerBoundingVolume(), flat), 1e-14);
       }
     }
   }
@@ -550,20 +561,6 @@ TEST_F(Shapes, MeshesAndUnionsConsistOfConvexParts) {
   }
 }
 
-TEST_F(Shapes, QueriesOfAStepTakeNoMemory) {
-  forEach([](const KtBasePhysicalExtent& one) {
-    const T t = randomTransformation();
-    const KtLineSegment segment(randomVector() * 5.0, {});
-    KtAxisAlignedBoundingBox box;
-    double distance = 0.0;
-    const Allocations allocations;
-    one.axisAlignedBoundingBox(t, box);
-    static_cast<void>(one.supportPoint(segment.endpoint0()));
-    one.intersectLineSegment(segment, distance);
-    EXPECT_EQ(allocations.count(), 0U);
-  });
-}
-
 TEST_F(Shapes, TruncatedValuesAreMultiples) {
   KtShapeUnion shapes;
   shapes.addMember(KtSphereShape({0.3, -0.27, 1.0 / 3.0}, 0.3));
@@ -582,10 +579,7 @@ TEST_F(Shapes, TruncatedValuesAreMultiples) {
   }
   const KtShape* volume = std::as_const(shapes).outerBoundingVolume();
   EXPECT_EQ(volume->identifier(), "ball");
-  for (int i = 0; i < 100; ++i) {
-    const KtVector d = randomVector().unitVector();
-    EXPECT_GE((volume->supportPoint(d) - shapes.supportPoint(d)).dot(d), -1e-12);
-  }
+  EXPECT_LE(excess(*volume, shapes), 1e-12);
   const KtShapeUnion once = shapes;
   shapes.truncateValues(0.1);
   EXPECT_EQ(shapes, once);
