@@ -96,81 +96,80 @@ class Halved : public KtXmlPersistent<Halved, KtMechanicalActuatorComponent> {
   }
 };
 
-TEST_F(Propagation, JointsStopAtTheirLimitsAndKeepTheirRates) {
-  const KtStatedSystem scene = sceneOf({4});
-  KtManipulatorLink& halved =
-      const_cast<KtManipulatorLink&>(*scene.system().manipulators()[0].linkByIndex(0));
-  KtJointActuator actuator;
-  actuator.setMechanicalComponent(Halved());
-  actuator.setLowerLimit(-2.0);
-  actuator.setUpperLimit(2.0);
-  actuator.setMaxOutputRate(100.0);
-  halved.setJointActuator(actuator);
+TEST_F(Propagation, ActuatorsBoundTheirJointsAndTheLastThatStopsIsTold) {
+  const KtStatedSystem scene = sceneOf({3});
+  const KtIndividualManipulator& arm = scene.system().manipulators()[0];
+  KtJointActuator actuator = arm.linkByIndex(1)->jointActuator();
+  Halved halved;
+  halved.setLowerLimit(-2.0);
+  halved.setUpperLimit(2.0);
+  halved.setMaxOutputRate(100.0);
+  actuator.setMechanicalComponent(halved);
+  const_cast<KtManipulatorLink*>(arm.linkByIndex(1))->setJointActuator(actuator);
   KtManipulatorSystemState state = scene.state();
   auto& q = state.positionStates()[0].jointPositions();
   auto& rates = state.velocityStates()[0].jointVelocities();
-  q[0] = 0.999;
-  rates[0] = 1000.0;
-  q[1] = 1.999;
-  rates[1] = 3.0;
-  q[2] = -5.0;
-  rates[2] = -1000.0;
-  rates[3] = 1000.0;
+  rates[0] = rates[1] = rates[2] = 1000.0;
+  q[0] = q[1] = 0.999, q[2] = 0.0;
   KtSystemActiveState active;
   active.setNonredundantState(state);
   active.manipulatorActiveStateVector()[0].setAccelerationState(
       KtAccelerationState::zeroCompatibleState(state.velocityStates()[0]));
   Results results;
   scene.propagateTo(state.time() + 0.001, state, results, active);
-  EXPECT_EQ(q[0], 1.0);
-  EXPECT_EQ(rates[0], 50.0);
-  EXPECT_EQ(q[1], 2.0);
-  EXPECT_EQ(q[2], -2.0);
-  EXPECT_EQ(rates[1], 3.0);
-  EXPECT_EQ(rates[2], -100.0);  // cut in silence
-  EXPECT_EQ(rates[3], 100.0);
+  EXPECT_NEAR(q[0], 1.099, 1e-14);
+  EXPECT_EQ(q[1], 1.0);
+  EXPECT_EQ(rates[1], 50.0);
   EXPECT_TRUE(results[0].hitJointLimit());
-  EXPECT_EQ(results[0].linkIndexAtJointLimit(), 2U);  // the last of them
+  EXPECT_EQ(results[0].linkIndexAtJointLimit(), 1U);
+  q[0] = q[1] = q[2] = 1.999;
+  scene.propagateTo(state.time() + 0.001, state, results, active);
+  EXPECT_EQ(results[0].linkIndexAtJointLimit(), 2U);
   // What an earlier step found stays in a vector that is used again.
-  q.assign(4, 0.0);
-  rates.assign(4, 0.0);
+  q.assign(3, 0.0), rates.assign(3, 0.0);
   scene.propagateTo(state.time() + 0.001, state, results, active);
   EXPECT_TRUE(results[0].hitJointLimit());
 }
 
-TEST_F(Propagation, AttachedManipulatorsFollowInTheOrderOfTheirIndices) {
-  KtStatedSystem scene = sceneOf({4, 2, 3});
-  const KtManipulatorSystemState before = scene.state();
-  KtManipulatorSystem system = scene.system();
-  KtManipulatorAttachmentMap map;
-  KtCoordinateSystemTransformation offsets[2];
-  for (KtU32 parent : {0U, 1U}) {
-    offsets[parent] = randomTransformation();
-    const std::string label = system.manipulators()[parent].linkByIndex(1)->label();
-    map.attachManipulator(parent + 1, parent, label, offsets[parent]);
-  }
-  system.setManipulatorAttachmentMap(map);
-  scene.setSystem(system);
-  scene.setState(before);
-
-  KtManipulatorSystemState state = before;
-  KtSystemActiveState active;
-  Results results;
-  scene.propagateTo(state.time() + 0.01, state, results, active);
-  active.setNonredundantState(state);
-  const auto& arms = scene.system().manipulators();
-  auto& states = active.manipulatorActiveStateVector();
-  for (KtU32 parent : {0U, 1U}) {
-    const KtU32 own = parent + 1;
-    const KtManipulatorLink& carrier = *arms[parent].linkByIndex(1);
-    auto& positions = states[parent].activePositionState();
-    EXPECT_TRUE(arms[own]
-                    .dhFrameInSystem(states[own].activePositionState())
-                    .approxEq(carrier.primaryFrameInSystem(positions) * offsets[parent], 1e-12));
-    KtGeneralMotion motion = carrier.primaryFrameVelocityInSystem(states[parent]);
-    motion.transformBy(-offsets[parent].translation());
-    motion.transformBy(arms[own].coordSysXForm().orientation());
-    EXPECT_TRUE(state.velocityStates()[own].generalVelocity().approxEq(motion, 1e-12));
+// Each follows its parent as that stands then: one that hangs on a later key is a step behind.
+TEST_F(Propagation, AttachedManipulatorsFollowInTheOrderOfTheirKeys) {
+  for (const bool rising : {true, false}) {
+    KtStatedSystem scene = sceneOf({4, 2, 3});
+    const auto& arms = scene.system().manipulators();
+    KtManipulatorAttachmentMap map;
+    KtCoordinateSystemTransformation offsets[3];
+    const auto parentOf = [&](KtU32 key) { return rising ? key - 1 : key + 1; };
+    const auto carrierOf = [&](KtU32 key) -> auto& {
+      return *arms[parentOf(key)].linkByIndex(1);
+    };
+    for (KtU32 key = rising ? 1 : 0; key < (rising ? 3U : 2U); ++key) {
+      offsets[key] = randomTransformation();
+      map.attachManipulator(key, parentOf(key), carrierOf(key).label(), offsets[key]);
+    }
+    KtManipulatorSystemState state = scene.state();
+    Results results;
+    KtSystemActiveState active, expected;
+    // Without attachments all move by themselves; then one after the other is carried.
+    scene.propagateTo(state.time() + 0.01, state, results, active);
+    expected.setNonredundantState(state);
+    scene.setManipulatorAttachmentMap(map);
+    state = scene.state();
+    active = {};
+    scene.propagateTo(state.time() + 0.01, state, results, active);
+    auto& all = expected.manipulatorActiveStateVector();
+    for (const auto& [key, attachment] : map.mapContainer()) {
+      const KtManipulatorLink& carrier = carrierOf(key);
+      KtManipulatorActiveState& parent = all[parentOf(key)];
+      const auto place =
+          carrier.primaryFrameInSystem(parent.activePositionState()) * offsets[key.value()];
+      KtGeneralMotion motion = carrier.primaryFrameVelocityInSystem(parent);
+      motion.transformBy(-offsets[key.value()].translation());
+      motion.transformBy(arms[key].coordSysXForm().orientation());
+      all[key].setPositionState(state.positionStates()[key]);
+      all[key].setVelocityState(state.velocityStates()[key]);
+      EXPECT_TRUE(arms[key].dhFrameInSystem(all[key].activePositionState()).approxEq(place, 1e-12));
+      EXPECT_TRUE(all[key].velocityState().generalVelocity().approxEq(motion, 1e-12));
+    }
   }
 }
 
@@ -207,6 +206,7 @@ TEST_F(Propagation, CollidedManipulatorsGoBack) {
     std::set<KtU32> back;    // in the state
     std::set<KtU32> marked;  // in the results
     std::size_t checks;
+    bool stale = false;  // whether the second has collided in the step before
   };
   for (const Case& c : std::vector<Case>{
            {0, {{0, 1}}, {}, {}, 0},
@@ -218,21 +218,27 @@ TEST_F(Propagation, CollidedManipulatorsGoBack) {
            {2, {{0}, {2}, {}}, {0, 2}, {0, 2}, 3},
            {2, {{0, 1, 2}}, {}, {0, 1, 2}, 1},  // all at once: the state stays propagated
            {2, {{0}}, {}, {0}, 3},              // no end found: the same
+           {0, {{0}}, {}, {1}, 0, true},
+           {1, {{}}, {}, {1}, 1, true},
+           {1, {{2}}, {0, 1, 2}, {0, 1, 2}, 1, true},
+           {2, {{}}, {1}, {1}, 1, true},
        }) {
     SCOPED_TRACE("mode " + std::to_string(c.mode));
     Colliding system(scene);
     system.script = c.script;
     KtManipulatorSystemState state = scene.state();
-    KtSystemActiveState active;
-    Results results;
+    KtSystemActiveState active = acceleratedAlike(scene);
+    Results results(3);
+    results[1].setCollisionOccurred(c.stale);
     system.propagateTo(state.time() + 0.01, state, results, active, c.mode, 1.0, 2, 0.25);
     EXPECT_EQ(system.checks, c.checks);
     for (KtU32 i = 0; i < 3; ++i) {
       SCOPED_TRACE(i);
       const KtPositionState& before = scene.state().positionStates()[i];
       EXPECT_EQ(state.positionStates()[i] == before, c.back.contains(i));
+      EXPECT_FALSE(state.velocityStates()[i] == scene.state().velocityStates()[i]);
       EXPECT_EQ(results[i].collisionOccurred(), c.marked.contains(i));
-      if (c.mode != 2) continue;
+      if (c.mode != 2 || c.stale) continue;
       const bool marked = c.marked.contains(i);
       EXPECT_TRUE(active.manipulatorActiveStateVector()[i].positionState() ==
                   (marked ? before : state.positionStates()[i]));
@@ -242,40 +248,91 @@ TEST_F(Propagation, CollidedManipulatorsGoBack) {
   }
 }
 
-class HighJoint : public KtXmlPersistent<HighJoint, KtBaseStoppingCriterion> {
+// A body on one joint, from -1 to 2 and no faster than 10.
+class Joint : public KtStatedSystem {
  public:
-  const KtString& descriptiveText() const override { return text; }
-  bool stop(KtSystemActiveState&, const KtStatedSystem&, const KtReal& time, KtU32 index,
-            KtPropagationResultData& result) const override {
-    EXPECT_EQ(index, 1U);
-    EXPECT_GT(time, 0.0);
-    result.registerGenericStoppingCriterion(text);
-    return true;
+  Joint(double q, double rate) {
+    KtJointActuator actuator;
+    actuator.setLowerLimit(-1.0);
+    actuator.setUpperLimit(2.0);
+    actuator.setMaxOutputRate(10.0);
+    KtManipulatorLink link;
+    link.setLabel("link");
+    link.setLinkKinematics(KtDenavitHartenberg());
+    link.setJointActuator(actuator);
+    KtIndividualManipulator arm;
+    arm.addLinkToEndOfChain(link);
+    KtPositionState position;
+    position.jointPositions().pushBack(q);
+    KtVelocityState velocity;
+    velocity.jointVelocities().pushBack(rate);
+    addManipulator(arm, position, velocity);
   }
-  bool operator==(const HighJoint&) const = default;
-  static const KtToken& classToken() {
-    static const KtToken token("highJoint");
-    return token;
-  }
-  KtString text = "high";
 };
 
-TEST_F(Propagation, EveryCriterionIsAskedAndTakesPositionsBack) {
-  KtStatedSystem scene = sceneOf({2, 3});
-  KtIndividualManipulator arm = scene.system().manipulators()[1];
-  KtStoppingCriterionVector criteria;
-  for (int i = 0; i < 2; ++i) criteria.pushBack(HighJoint());
-  arm.setStoppingCriteria(criteria);
-  const KtManipulatorSystemState before = scene.state();
-  scene.exchangeManipulator(1, arm, before.positionStates()[1], before.velocityStates()[1]);
-  KtManipulatorSystemState state = before;
-  KtSystemActiveState active = acceleratedAlike(scene);
-  Results results;
-  scene.propagateTo(state.time() + 0.01, state, results, active);
-  EXPECT_EQ(results[1].satisfiedGeneralStoppingCriteriaDescription(), "high; high");
-  EXPECT_TRUE(state.positionStates()[1] == before.positionStates()[1]);
-  EXPECT_FALSE(state.velocityStates()[1] == before.velocityStates()[1]);
-  EXPECT_FALSE(state.positionStates()[0] == before.positionStates()[0]);
+KtSystemActiveState accelerated(const KtStatedSystem& scene, double a) {
+  KtSystemActiveState active;
+  active.setNonredundantState(scene.state());
+  KtAccelerationState acceleration;
+  acceleration.jointAccelerations().pushBack(a);
+  active.manipulatorActiveStateVector()[0].setAccelerationState(acceleration);
+  return active;
+}
+
+TEST_F(Propagation, LimitsAndRatesAreTheSameByEveryWay) {
+  struct Row {
+    double q, rate, acceleration, dt, newQ, newRate;
+    bool hits;
+  };
+  const auto go = [](int way, Joint& s, double t, Results& r, KtSystemActiveState* a) {
+    KtManipulatorSystemState state = s.state();
+    KtPositionState& p = state.positionStates()[0];
+    const KtVelocityState& v = state.velocityStates()[0];
+    if (way == 0) s.propagateSelfTo(t, r, a);
+    if (way == 1) s.propagateSelfTo(t, r, a, 0, 1.0, 1, 0.0);
+    if (way == 2) s.propagateSelfTo(t, a);
+    if (way < 3) return;
+    if (way == 3) s.propagateTo(t, state, a);
+    // The others move positions alone, by velocities that are not cut.
+    if (way == 4) s.system().propagateStateBy(state, t);
+    if (way == 5) {
+      r.resize(1);
+      s.propagateSingleStateBy(1, v, 9.0, p, r[0]);  // there is none
+      s.propagateSingleStateBy(0, v, t, p, r[0]);
+      s.propagateSingleStateBy(1, v, 9.0, p), s.propagateSingleStateBy(0, v, 0.0, p);
+      s.system().propagateSingleStateBy(1, v, 9.0, p);
+      state.setTime(t);
+    }
+    s.setState(state);
+  };
+  for (const Row& row : {Row{0.5, 3.0, 0.0, 0.1, 0.8, 3.0, false},
+                         {5.0, 3.0, 0.0, 0.0, 2.0, 3.0, true},  // without time, too
+                         {-4.0, 3.0, 0.0, 0.0, -1.0, 3.0, true},
+                         {0.5, 4.0, 0.0, -0.1, 0.1, 4.0, false},
+                         {0.0, 50.0, 0.0, 0.1, 1.0, 10.0, false},  // cut before it is used
+                         {0.0, -50.0, 0.0, 0.1, -1.0, -10.0, false},
+                         {1.5, 50.0, 0.0, 0.1, 2.0, 10.0, true},
+                         {0.0, 9.0, 20.0, 0.1, 1.0, 10.0, false},
+                         {0.0, 4.0, -20.0, -0.1, -0.6, 6.0, false}}) {
+    for (int way = 0; way < 6; ++way) {
+      for (const bool given : {true, false}) {
+        // A state that is made on need has no accelerations, and joints without one keep their
+        // rates.
+        if ((!given || way > 3) && row.rate != row.newRate) continue;
+        SCOPED_TRACE(testing::Message() << row.q << ", " << row.rate << ", way " << way);
+        Joint scene(row.q, row.rate);
+        KtSystemActiveState active = accelerated(scene, row.acceleration);
+        Results results;
+        go(way, scene, row.dt, results, given ? &active : nullptr);
+        EXPECT_NEAR(scene.state().positionStates()[0].jointPositions()[0], row.newQ, 1e-15);
+        EXPECT_EQ(scene.state().velocityStates()[0].jointVelocities()[0], row.newRate);
+        EXPECT_EQ(scene.state().time(), row.dt);
+        if (results.size() == 0) continue;
+        EXPECT_EQ(results[0].hitJointLimit(), row.hits);
+        EXPECT_EQ(results[0].linkIndexAtJointLimit(), row.hits ? 0U : 1000U);
+      }
+    }
+  }
 }
 
 TEST_F(Propagation, AnEmptySystemTakesTheTimeOnly) {
