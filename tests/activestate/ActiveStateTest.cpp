@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 
 namespace {
-
-using Active = KtManipulatorActiveState;
 
 KtVelocityState velocities(double value) {
   KtVelocityState state;

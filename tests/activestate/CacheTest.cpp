@@ -1,15 +1,9 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using namespace sampling;
 using trees::Mechanism;
-using Active = KtManipulatorActiveState;
-using Caches = Seeded;
 using L = const KtManipulatorLink&;
 using M = const Mechanism&;
 
@@ -62,7 +56,7 @@ const KtManipulatorLink& randomLinkOf(const Mechanism& m) {
 
 // One active state goes through mechanisms of other sizes, copies as a whole, by parts and by
 // files, and any order of setters and queries.
-TEST_F(Caches, AnswerAsAFreshStateDoes) {
+TEST(Caches, AnswerAsAFreshStateDoes) {
   std::vector<Mechanism> mechanisms;
   for (const bool fixed : {true, false}) {
     for (const int links : {1, 6, 6, 15}) {

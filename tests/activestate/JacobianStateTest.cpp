@@ -1,20 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
-class JacobianState : public sampling::Seeded {
+class JacobianState : public testing::Test {
  protected:
   static KtReArray randomArray(KtU32 rows, KtU32 columns) {
     KtReArray a(rows, columns);
     for (KtU32 i = 0; i < rows; ++i) {
-      for (KtU32 k = 0; k < columns; ++k) a[i][k] = sampling::uniform();
+      for (KtU32 k = 0; k < columns; ++k) a[i][k] = uniform();
     }
     return a;
   }

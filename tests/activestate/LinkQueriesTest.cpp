@@ -1,22 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-
-#include "ktManipulator/ktManipulator.h"
 #include "support/Differences.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using sampling::randomMotion;
-using sampling::randomTransformation;
-using sampling::randomVector;
-using sampling::uniform;
 using Reals = KtPositionState::JointVector;
 using Transformation = KtCoordinateSystemTransformation;
-using Active = KtManipulatorActiveState;
-using Link = KtManipulatorLink;
 
 // Of a derived class it isn't known that the joint moves as the plain one does.
 class Derived : public KtXmlPersistent<Derived, KtDenavitHartenberg> {
@@ -121,7 +110,7 @@ bool near(const KtGeneralMotion& actual, const KtGeneralMotion& expected, double
          near(actual.angular(), expected.angular(), tolerance);
 }
 
-class LinkQueries : public sampling::Seeded {
+class LinkQueries : public testing::Test {
  protected:
   // Still and moving bases, one kind of joints and all.
   static void forCourses(const std::function<void(const Course&)>& check) {

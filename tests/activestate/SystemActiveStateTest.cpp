@@ -1,15 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
 using Active = KtSystemActiveState;
-using SystemActiveStates = sampling::Seeded;
 
 // Of manipulators of 2, 1 and 3 joints.
 KtManipulatorSystemState stateOf(std::size_t manipulators, double position, double velocity) {
@@ -62,7 +56,7 @@ std::string validParts(Active& active) {
   return result;
 }
 
-TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
+TEST(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
   struct Row {
     const char* name;
     std::function<void(Active&)> set;
@@ -124,7 +118,7 @@ TEST_F(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
   }
 }
 
-TEST_F(SystemActiveStates, SettersSetWhatTheyAreGivenAndAskForNoMemory) {
+TEST(SystemActiveStates, SettersSetWhatTheyAreGivenAndAskForNoMemory) {
   Active active;
   active.setNonredundantState(stateOf(3, 0.25, -2.0));
   const auto& own = active.manipulatorActiveStateVector();
@@ -146,7 +140,7 @@ TEST_F(SystemActiveStates, SettersSetWhatTheyAreGivenAndAskForNoMemory) {
   EXPECT_EQ(allocations.count(), 0U);
 }
 
-TEST_F(SystemActiveStates, AChangedSystemDropsEverything) {
+TEST(SystemActiveStates, AChangedSystemDropsEverything) {
   Active active = filledState();
   active.systemActiveBoundingBoxState().setIsInitialized(true);
   active.modifiedShapeKeyVec().emplace_back(0U, 0U, 0U);

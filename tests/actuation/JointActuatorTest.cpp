@@ -1,9 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <boost/algorithm/string/replace.hpp>
 
 #include "support/Actuation.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 
 namespace {
 

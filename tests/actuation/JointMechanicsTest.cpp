@@ -1,12 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <utility>
-
 #include "support/Actuation.h"
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 
 namespace {
 

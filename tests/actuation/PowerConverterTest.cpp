@@ -1,10 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "support/Actuation.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
@@ -17,7 +12,7 @@ KtXmlVectorType<KtXmlBasicType<double>> reals(std::initializer_list<double> valu
   return list;
 }
 
-class PowerConverter : public sampling::Seeded {
+class PowerConverter : public testing::Test {
  protected:
   // The derivatives for state variables and a command, of the converter in a holder; the motor's
   // state is set before.
@@ -59,8 +54,8 @@ TEST_F(PowerConverter, MotorKeepsTheBalanceOfPower) {
   motor.setArmatureResistance(1.5);
   motor.setTorqueConstant(0.3);
   for (int trial = 0; trial < 20; ++trial) {
-    const double u = sampling::uniform(-24, 24), i = sampling::uniform(-5, 5);
-    const double omega = sampling::uniform(-100, 100);
+    const double u = uniform(-24, 24), i = uniform(-5, 5);
+    const double omega = uniform(-100, 100);
     driven.setMotor(0.0, omega);
     const double gain = 0.02 * i * rates(motor, u, {i})[0];
     EXPECT_NEAR(u * i, 1.5 * i * i + gain + holder.outputTorque(u, state) * omega, 1e-11);

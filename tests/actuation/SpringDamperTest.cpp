@@ -1,19 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <optional>
-
 #include "support/Actuation.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
-using SpringDamper = sampling::Seeded;
-using sampling::uniform;
-
 // The same sums as the plain ones over links. The root has no joint, no link is called "wrist", and
 // joints beyond the state's length count as nothing.
-TEST_F(SpringDamper, WeighJointsByTheirLinks) {
+TEST(SpringDamper, WeighJointsByTheirLinks) {
   const DrivenElbow driven;
   const std::array<std::pair<const char*, std::optional<KtU32>>, 4> joints = {
       {{"base", {}}, {"wrist", {}}, {"shoulder", 0}, {"elbow", 1}}};

@@ -1,14 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
-using CollisionMap = sampling::Seeded;
 using Link = std::pair<KtU32, std::string>;
 
 // Labels whose order by bytes differs from that by signed characters and by length.
@@ -26,10 +19,10 @@ KtIndividualManipulator manipulator() {
 }
 
 std::size_t draw(std::size_t count) {
-  return std::uniform_int_distribution<std::size_t>(0, count - 1)(sampling::generator());
+  return std::uniform_int_distribution<std::size_t>(0, count - 1)(generator());
 }
 
-TEST_F(CollisionMap, IdentifiersAreOrderedByManipulatorThenBytes) {
+TEST(CollisionMap, IdentifiersAreOrderedByManipulatorThenBytes) {
   const KtManipulatorLinkIdentifier ascending[] = {{0, "z"},  {1, ""},  {1, "a"},
                                                    {1, "aa"}, {1, "b"}, {1, "\xC3\xA9"}};
   for (const auto& a : ascending) {
@@ -42,7 +35,7 @@ TEST_F(CollisionMap, IdentifiersAreOrderedByManipulatorThenBytes) {
   EXPECT_TRUE(KtManipulatorLinkIndex(1, 2) < KtManipulatorLinkIndex(1, 3));
 }
 
-TEST_F(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
+TEST(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
   KtManipulatorSelfCollisionLinkMap map;
   map.setLinkCollisionCanditateByIdentifier("Z", "root", true);
   map.setLinkCollisionCanditateByIdentifier("gone", "Z", true);
@@ -118,7 +111,7 @@ struct ExclusionModel {
   }
 };
 
-TEST_F(CollisionMap, BetweenManipulatorsAnswersAreThoseOfAPlainList) {
+TEST(CollisionMap, BetweenManipulatorsAnswersAreThoseOfAPlainList) {
   // The third manipulator of the entries is none of the system.
   const KtXmlVectorType<KtIndividualManipulator> system(2, manipulator());
   const auto drawLink = [] {
@@ -164,7 +157,7 @@ TEST_F(CollisionMap, BetweenManipulatorsAnswersAreThoseOfAPlainList) {
   EXPECT_TRUE(model.map == KtSystemCollisionExclusionMap()) << "what is taken back leaves no trace";
 }
 
-TEST_F(CollisionMap, LinksThatAreMissingAreLeftOut) {
+TEST(CollisionMap, LinksThatAreMissingAreLeftOut) {
   const KtXmlVectorType<KtIndividualManipulator> system(2, manipulator());
   const KtSystemCollisionExclusionMap map;
   KtXmlSetType<KtManipulatorLinkIdentifier> names;

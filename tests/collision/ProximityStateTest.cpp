@@ -1,12 +1,9 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
 using Proximity = KtManipulatorLinkProximityState;
-using ProximityStates = sampling::Seeded;
 
 constexpr auto kLinks = {3, 1, 4};  // of each manipulator, roots included
 
@@ -20,7 +17,7 @@ std::vector<KtLinkKey> linksOf(const KtManipulatorSystem& system) {
   return keys;
 }
 
-TEST_F(ProximityStates, HoldThePairsThatCanCollide) {
+TEST(ProximityStates, HoldThePairsThatCanCollide) {
   KtManipulatorSystem system = trees::randomSystem(kLinks);
   KtSystemCollisionExclusionMap exclusions;
   exclusions.excludeManipulatorCollisionCandidates(0, 1);
@@ -53,7 +50,7 @@ TEST_F(ProximityStates, HoldThePairsThatCanCollide) {
   EXPECT_GT(present, 0U);
 }
 
-TEST_F(ProximityStates, MovesOutdateThePairsOfTheirManipulator) {
+TEST(ProximityStates, MovesOutdateThePairsOfTheirManipulator) {
   const KtLinkKey own{0, ktBaseIndex};
   const KtLinkKey first{1, ktBaseIndex};
   const KtLinkKey second{2, ktBaseIndex};
@@ -78,7 +75,7 @@ TEST_F(ProximityStates, MovesOutdateThePairsOfTheirManipulator) {
   EXPECT_TRUE(copy.isValid(own, second)) << "a copy has its own entries and stamps";
 }
 
-TEST_F(ProximityStates, IntervalsAndKeysAreInverse) {
+TEST(ProximityStates, IntervalsAndKeysAreInverse) {
   const KtManipulatorSystem system = trees::randomSystem(kLinks);
   const KtSystemActiveBoundingBoxState boxes;
   KtU32 expected = 0;

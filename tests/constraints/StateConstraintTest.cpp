@@ -1,19 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
 using Linear = KtLinearStateEqualityConstraint;
 using List = std::vector<double>;
-using StateConstraints = sampling::Seeded;
 
 KtU32 below(double limit) {
-  return static_cast<KtU32>(sampling::uniform(0.0, limit - 1e-9));
+  return static_cast<KtU32>(uniform(0.0, limit - 1e-9));
 }
 Linear::Row row(const List& values) {
   Linear::Row list;
@@ -23,7 +16,7 @@ Linear::Row row(const List& values) {
 Linear::Rows randomRows() {
   Linear::Rows rows(below(4));
   for (auto& one : rows.vectorContainer()) {
-    for (KtU32 i = below(9); i > 0; --i) one.pushBack(sampling::uniform());
+    for (KtU32 i = below(9); i > 0; --i) one.pushBack(uniform());
   }
   return rows;
 }
@@ -33,7 +26,7 @@ double weight(const Linear::Rows& rows, KtU32 r, KtU32 column) {
 
 // Against arrays written entry by entry, for rows too short, too long and missing. The base comes
 // first, where it is free.
-TEST_F(StateConstraints, JacobianHasTheWeights) {
+TEST(StateConstraints, JacobianHasTheWeights) {
   for (int trial = 0; trial < 300; ++trial) {
     const KtU32 joints = below(5), base = trial % 2 == 0 ? 0 : 6;
     KtIndividualManipulator body;
@@ -71,7 +64,7 @@ TEST_F(StateConstraints, JacobianHasTheWeights) {
   }
 }
 
-TEST_F(StateConstraints, WithoutRowsKeepTheOldJacobian) {
+TEST(StateConstraints, WithoutRowsKeepTheOldJacobian) {
   Linear gear;
   gear.setJointWeights({1, row({1, 2})});
   gear.setWeightedSums(row({0}));
@@ -99,7 +92,7 @@ class Probe : public KtXmlPersistent<Probe, Linear> {
   double value = 0.0;
 };
 
-TEST_F(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
+TEST(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
   KtStateEqualityConstraintVector all(1);
   KtPositionState p;
   KtVelocityState v;
@@ -118,7 +111,7 @@ class Buffered : public KtXmlPersistent<Buffered, KtMultivariableJointStateConst
   bool operator==(const Buffered&) const = default;
 };
 
-TEST_F(StateConstraints, ForwardTheJointPositionsAndNormalizeTheirBuffer) {
+TEST(StateConstraints, ForwardTheJointPositionsAndNormalizeTheirBuffer) {
   Buffered limit;
   const Buffered fresh;
   for (const auto& [gradient, expected] :

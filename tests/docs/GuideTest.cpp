@@ -1,18 +1,8 @@
 // The guides show files, programs and messages. What they show must be what there is.
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <regex>
-#include <sstream>
-#include <string>
-#include <vector>
 
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 
 namespace {
 

@@ -1,26 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <functional>
-#include <utility>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using namespace sampling;
 using trees::Extras;
 using trees::Mechanism;
-using Active = KtManipulatorActiveState;
 using Acceleration = KtAccelerationState;
-using Arm = KtIndividualManipulator;
 using List = std::vector<double>;
-using Dynamics = Seeded;
 
 constexpr Extras kExact{.pivotedSliders = true, .fixedSliders = true, .screws = false};
 constexpr Extras kDhOnly{.pivotedSliders = false, .fixedSliders = false, .screws = false};
@@ -126,7 +112,7 @@ double localTorque(const Mechanism& m, KtU32 i) {
   return m.link(i).totalLocalTorque(active);
 }
 
-TEST_F(Dynamics, ForwardMethodsAgree) {
+TEST(Dynamics, ForwardMethodsAgree) {
   const auto check = [](double tolerance, Mechanism& m) {
     for (const bool own : {false, true}) {
       expectNear(listOf(arbi(m, own)), listOf(crbi(m, own)), tolerance);
@@ -139,7 +125,7 @@ TEST_F(Dynamics, ForwardMethodsAgree) {
 }
 
 // The three types differ by what the actuators lose.
-TEST_F(Dynamics, InverseOfForwardGivesTheTorquesBack) {
+TEST(Dynamics, InverseOfForwardGivesTheTorquesBack) {
   forMechanisms({0, 1, 4, 11, 30, 60}, kExact, [](Mechanism& m) {
     const Acceleration accelerations = arbi(m);
     const List drives = drivesOf(m);
@@ -164,7 +150,7 @@ TEST_F(Dynamics, InverseOfForwardGivesTheTorquesBack) {
 }
 
 // Column by column, by inverse dynamics at rest without gravity, that of springs taken off.
-TEST_F(Dynamics, MassMatricesAreWhatUnitAccelerationsTake) {
+TEST(Dynamics, MassMatricesAreWhatUnitAccelerationsTake) {
   forMechanisms({1, 3, 10, 40}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
     m.velocity = KtVelocityState();
@@ -224,7 +210,7 @@ TEST_F(Dynamics, MassMatricesAreWhatUnitAccelerationsTake) {
 }
 
 // At rest and without gravity, whatever the state was before.
-TEST_F(Dynamics, NullSpaceTorqueIsWhatTheColumnsTakeAsAccelerations) {
+TEST(Dynamics, NullSpaceTorqueIsWhatTheColumnsTakeAsAccelerations) {
   forMechanisms({1, 9}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
     Active active = m.active(m.acceleration(true));
@@ -257,7 +243,7 @@ TEST_F(Dynamics, NullSpaceTorqueIsWhatTheColumnsTakeAsAccelerations) {
 }
 
 // What inverse dynamics finds at rest; and the gradient by differences.
-TEST_F(Dynamics, GravityTorquesHoldTheMechanismAtRest) {
+TEST(Dynamics, GravityTorquesHoldTheMechanismAtRest) {
   EXPECT_EQ(KtGravitationalTorqueTool().gravityVector(), KtVector(0.0, 0.0, 9.8));
   for (const Extras& extras : {kDhOnly, Extras{.screws = true}}) {
     forMechanisms({1, 5, 14}, extras, [&](Mechanism& m) {
@@ -304,7 +290,7 @@ TEST_F(Dynamics, GravityTorquesHoldTheMechanismAtRest) {
   }
 }
 
-TEST_F(Dynamics, HybridProblemIsConsistentWithBothOthers) {
+TEST(Dynamics, HybridProblemIsConsistentWithBothOthers) {
   forMechanisms({1, 5, 20}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
     const bool fixed = m.arm().isFixedBase();
@@ -341,7 +327,7 @@ TEST_F(Dynamics, HybridProblemIsConsistentWithBothOthers) {
   });
 }
 
-TEST_F(Dynamics, WithoutRecomputingTheMatricesOfTheLastCallStand) {
+TEST(Dynamics, WithoutRecomputingTheMatricesOfTheLastCallStand) {
   forMechanisms({6}, kExact, [](Mechanism& m) {
     // The forward and the hybrid problem.
     const auto run = [&](KtCrbiAccelerationTool& tool, bool recompute) {
@@ -380,7 +366,7 @@ class TurningConstraint
 
 // Motions stand in the order of the unknowns, base first, with the base's acceleration in its own
 // axes.
-TEST_F(Dynamics, ConstraintsHoldAndDoNoWork) {
+TEST(Dynamics, ConstraintsHoldAndDoNoWork) {
   forMechanisms({4, 12}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
     const KtU32 first = m.arm().isFixedBase() ? 0 : 6;
@@ -448,7 +434,7 @@ TEST_F(Dynamics, ConstraintsHoldAndDoNoWork) {
   });
 }
 
-TEST_F(Dynamics, ABaseLeftToItselfBearsNoForce) {
+TEST(Dynamics, ABaseLeftToItselfBearsNoForce) {
   forMechanisms({1, 7, 25}, kExact, [](Mechanism& m) {
     const Acceleration given = m.acceleration(true);
     Active active = m.active(given);
@@ -498,7 +484,7 @@ void expectNothingLeftBehind() {
 
 // Where gravity sets in later, the first tool stays with what it began with, and the second
 // doesn't.
-TEST_F(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
+TEST(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
   expectNothingLeftBehind<KtArbiAccelerationTool>();
   expectNothingLeftBehind<KtCrbiAccelerationTool>();
   Mechanism m(trees::randomMechanismArm(4, true));
@@ -533,7 +519,7 @@ TEST_F(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
 }
 
 // A manipulator on a link of another is a mass that the link carries.
-TEST_F(Dynamics, AttachedManipulatorsAreLoads) {
+TEST(Dynamics, AttachedManipulatorsAreLoads) {
   forMechanisms({5}, kExact, [](Mechanism& m) {
     const std::string label = m.link(3).label();
     const Arm load = trees::randomMechanismArm(0, true);
@@ -556,7 +542,7 @@ TEST_F(Dynamics, AttachedManipulatorsAreLoads) {
 }
 
 // A joint that moves nothing gets 0, and passes on what acts on its link.
-TEST_F(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
+TEST(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
   forMechanisms({3, 9}, kExact, [](Mechanism& source) {
     Arm arm = source.arm();
     KtManipulatorLink leaf = trees::randomLink("leaf");
@@ -577,7 +563,7 @@ TEST_F(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
 
 // A joint that its motor doesn't reach is left to itself, and a link without a joint is part of its
 // parent, for both methods.
-TEST_F(Dynamics, JointsMayLackAGearOrAModel) {
+TEST(Dynamics, JointsMayLackAGearOrAModel) {
   forMechanisms({8}, kExact, [](Mechanism& m) {
     Arm arm = m.arm();
     KtJointActuator actuator;
@@ -607,7 +593,7 @@ TEST_F(Dynamics, JointsMayLackAGearOrAModel) {
 
 // Beyond the last torque the articulated bodies take a command of 0, and the mass matrix the
 // torques that hold the joint as it moves.
-TEST_F(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
+TEST(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
   forMechanisms({6}, kExact, [](Mechanism& m) {
     Mechanism filled = m;
     const KtManipulatorTorque holding =
@@ -650,7 +636,7 @@ class ArmWithAHole : public Arm {
   }
 };
 
-TEST_F(Dynamics, MissingLinksAndManipulatorsGiveZeros) {
+TEST(Dynamics, MissingLinksAndManipulatorsGiveZeros) {
   const Mechanism m(trees::randomMechanismArm(3, true));
   KtMassMatrixTool masses;
   KtMatrixDTool coupling;
@@ -702,7 +688,7 @@ TEST_F(Dynamics, MissingLinksAndManipulatorsGiveZeros) {
 }
 
 // After the first at a size, a step asks for no memory.
-TEST_F(Dynamics, StepsAskForNoMemory) {
+TEST(Dynamics, StepsAskForNoMemory) {
   forMechanisms({12}, kExact, [](Mechanism& m) {
     const Mechanism other(m.arm());
     Active active = m.active();

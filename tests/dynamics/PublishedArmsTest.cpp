@@ -1,16 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <numbers>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
-using Arm = KtIndividualManipulator;
 using Joints = std::vector<double>;
-using PublishedArms = sampling::Seeded;
 
 constexpr double kPi = std::numbers::pi;
 constexpr double kGravity = 9.81;
@@ -68,7 +60,7 @@ void expectTorques(const Arm& arm, const Motion& motion, const Joints& expected,
 // entries of the mass matrix by constants g1.., I1.., which an independent program computed from
 // the paper's tables. They agree with those that the paper prints, but for I1 and I3, which don't
 // follow from its tables.
-TEST_F(PublishedArms, Puma560OfArmstrong) {
+TEST(PublishedArms, Puma560OfArmstrong) {
   const Arm arm = armOf("puma560.xml");
   KtGravitationalTorqueTool gravity;
   gravity.setManipulator(&arm);
@@ -77,7 +69,7 @@ TEST_F(PublishedArms, Puma560OfArmstrong) {
   mass.setManipulator(&arm);
   for (int trial = 0; trial < 20; ++trial) {
     Joints q;
-    for (int i = 0; i < 6; ++i) q.push_back(sampling::uniform(-kPi, kPi));
+    for (int i = 0; i < 6; ++i) q.push_back(uniform(-kPi, kPi));
     KtManipulatorActiveState active = activeOf(arm, {q, {}, {}});
     const double s2 = std::sin(q[1]), c2 = std::cos(q[1]);
     const double s23 = std::sin(q[1] + q[2]), c23 = std::cos(q[1] + q[2]);
@@ -162,7 +154,7 @@ Arm corkesPuma560() {
   return arm;
 }
 
-TEST_F(PublishedArms, Puma560OfCorke) {
+TEST(PublishedArms, Puma560OfCorke) {
   const Arm arm = corkesPuma560();
   const Joints nominal{0, kPi / 4, kPi, 0, kPi / 4, 0}, ones(6, 1.0);
   const Joints other{0, kPi / 4, -kPi, 1, kPi / 4, 0};
@@ -196,7 +188,7 @@ TEST_F(PublishedArms, Puma560OfCorke) {
 
 // Drake, multibody/benchmarks/kuka_iiwa_robot: the last joint accelerates, without and with
 // gravity.
-TEST_F(PublishedArms, LbrIiwa14OfDrake) {
+TEST(PublishedArms, LbrIiwa14OfDrake) {
   const Arm arm = armOf("iiwa14.xml");
   const Motion motion{Joints(7, 0.0), {}, {0, 0, 0, 0, 0, 0, 1000}};
   const double rotor = arm.linkByIndex(6)->jointActuator().effectiveInertia(0.0);

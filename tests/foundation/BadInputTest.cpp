@@ -1,17 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <random>
-#include <sstream>
-
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
 #include "support/Samples.h"
+#include "support/Testing.h"
 
 namespace {
 
-using Real = KtXmlBasicType<double>;
 using RealVector = KtXmlVectorType<Real>;
 using TextVector = KtXmlVectorType<KtXmlBasicType<std::string>>;
 

@@ -1,17 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-#include "support/KtLogCapture.h"
 #include "support/Samples.h"
+#include "support/Testing.h"
 
 namespace {
 
-using testing::ElementsAre;
-using Real = KtXmlBasicType<double>;
-using U32 = KtXmlBasicType<KtU32>;
-using Text = KtXmlBasicType<std::string>;
 using Message = KtLogCapture::Message;
 constexpr auto kDiagnostic = Kt::Print::kDiagnostic;
 

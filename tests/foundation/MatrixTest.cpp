@@ -1,27 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <numeric>
-
-#include "ktManipulator/foundation/matrix/KtReArray.h"
-#include "ktManipulator/foundation/matrix/KtSecondMoment.h"
-#include "ktManipulator/foundation/matrix/KtSpatialMatrix.h"
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-using namespace sampling;
-using ReArray = Seeded;
-using SpatialMatrix = Seeded;
-using SecondMoment = Seeded;
 
 KtReArray randomArray(KtU32 rows, KtU32 columns) {
   KtReArray a(rows, columns);
@@ -75,7 +57,7 @@ KtReArray randomPositive(KtU32 n) {
   return s;
 }
 
-TEST_F(ReArray, ProductsAgreeWithPlainLoopsAtAllShapes) {
+TEST(ReArray, ProductsAgreeWithPlainLoopsAtAllShapes) {
   for (KtU32 rows = 0; rows <= 9; ++rows) {
     for (const KtU32 inner : {0U, 1U, 2U, 3U, 4U, 6U, 9U}) {
       for (const KtU32 columns : {0U, 1U, 2U, 5U, 8U}) {
@@ -102,7 +84,7 @@ TEST_F(ReArray, ProductsAgreeWithPlainLoopsAtAllShapes) {
   }
 }
 
-TEST_F(ReArray, FactorAndSolversInvertAPositiveMatrix) {
+TEST(ReArray, FactorAndSolversInvertAPositiveMatrix) {
   for (KtU32 n = 1; n <= 23; ++n) {
     SCOPED_TRACE(n);
     const KtReArray s = randomPositive(n);
@@ -133,7 +115,7 @@ TEST_F(ReArray, FactorAndSolversInvertAPositiveMatrix) {
   }
 }
 
-TEST_F(ReArray, ResultMayReplaceAnArgument) {
+TEST(ReArray, ResultMayReplaceAnArgument) {
   using Run = std::function<void(const KtReArray&, const KtReArray&, KtReArray&)>;
   KtReArray l;
   randomPositive(5).choleskyDecomposition(l);
@@ -161,7 +143,7 @@ TEST_F(ReArray, ResultMayReplaceAnArgument) {
 
 // Equations that repeat each other, as closed loops bring them, are solved if they don't contradict
 // each other, and with moderate numbers.
-TEST_F(ReArray, RedundantEquationsAreSolved) {
+TEST(ReArray, RedundantEquationsAreSolved) {
   for (KtU32 n = 3; n <= 12; ++n) {
     SCOPED_TRACE(n);
     KtReArray a = randomArray(n, n);
@@ -177,7 +159,7 @@ TEST_F(ReArray, RedundantEquationsAreSolved) {
   }
 }
 
-TEST_F(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
+TEST(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
   for (KtU32 n = 1; n <= 12; ++n) {
     KtReArray s = randomArray(n, n);
     s += s.transpose();
@@ -192,7 +174,7 @@ TEST_F(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
   }
 }
 
-TEST_F(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
+TEST(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
   const auto upTo = [](KtU32 n) { return static_cast<KtU32>(generator()() % n); };
   for (int trial = 0; trial < 400; ++trial) {
     SCOPED_TRACE(trial);
@@ -247,7 +229,7 @@ TEST_F(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
   }
 }
 
-TEST_F(ReArray, NullSpaceTellsASingularPoseFromANearlySingularOne) {
+TEST(ReArray, NullSpaceTellsASingularPoseFromANearlySingularOne) {
   for (const auto& [pivot, rank] : {std::pair{1e-9, 2U}, std::pair{1e-14, 1U}}) {
     KtReArray work(3, 3);
     work[0][0] = 100.0, work[0][1] = 100.0, work[0][2] = 100.0;
@@ -261,7 +243,7 @@ TEST_F(ReArray, NullSpaceTellsASingularPoseFromANearlySingularOne) {
   }
 }
 
-TEST_F(ReArray, MisfitsAreReportedAndChangeNothing) {
+TEST(ReArray, MisfitsAreReportedAndChangeNothing) {
   const KtReArray a = randomArray(2, 3);
   const KtReArray b = randomArray(2, 2);
   KtReArray infinite(2, 2);
@@ -304,7 +286,7 @@ TEST_F(ReArray, MisfitsAreReportedAndChangeNothing) {
   }
 }
 
-TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
+TEST(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   const KtU32 n = 13;
   const KtReArray s = randomPositive(n);
   const KtReArray j = randomArray(6, n);
@@ -335,7 +317,7 @@ TEST_F(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   EXPECT_EQ(w, KtReArray());  // NOLINT(bugprone-use-after-move)
 }
 
-TEST_F(SpatialMatrix, FactorAndInverseOfPositiveMatrices) {
+TEST(SpatialMatrix, FactorAndInverseOfPositiveMatrices) {
   for (int trial = 0; trial < 20; ++trial) {
     const KtSpatialMatrix a(randomVector(), randomVector(), randomVector());
     const KtSpatialMatrix s = a * a.transpose() + KtSpatialMatrix(1, 0, 0, 0, 1, 0, 0, 0, 1) * 0.1;
@@ -384,7 +366,7 @@ double pairing(const KtSecondMoment& a, const KtSecondMoment& b) {
          2.0 * (a.jxy() * b.jxy() + a.jxz() * b.jxz() + a.jyz() * b.jyz());
 }
 
-TEST_F(SecondMoment, PrincipalOrientationMakesItDiagonal) {
+TEST(SecondMoment, PrincipalOrientationMakesItDiagonal) {
   for (int trial = 0; trial < 50; ++trial) {
     // Also with two or three equal eigenvalues.
     KtSecondMoment j(1.0 + trial % 2, 2.0, 2.0 + trial % 3, 0.0, 0.0, 0.0);
@@ -403,7 +385,7 @@ TEST_F(SecondMoment, PrincipalOrientationMakesItDiagonal) {
   }
 }
 
-TEST_F(SecondMoment, BodiesAreValidAndImpossibleOnesAreNot) {
+TEST(SecondMoment, BodiesAreValidAndImpossibleOnesAreNot) {
   for (int trial = 0; trial < 50; ++trial) {
     KtSecondMoment j = cloud(1.0, trial % 2 == 0 ? 0.0 : 1.0);  // flat ones too
     j.transformBy(randomOrientation());
@@ -431,7 +413,7 @@ TEST_F(SecondMoment, BodiesAreValidAndImpossibleOnesAreNot) {
 
 // The valid tensors form a convex cone, so the nearest valid one is known by this: seen from it,
 // no valid tensor lies on the side of the original.
-TEST_F(SecondMoment, RepairIsTheNearestValidTensor) {
+TEST(SecondMoment, RepairIsTheNearestValidTensor) {
   for (int trial = 0; trial < 300; ++trial) {
     KtSecondMoment j(uniform(-1, 3), uniform(-1, 3), uniform(-1, 3), uniform(), uniform(),
                      uniform());

@@ -1,16 +1,7 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
 #include "support/Samples.h"
+#include "support/Testing.h"
 
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 SampleNode someNode() {
   SampleNode node;

@@ -1,24 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <sstream>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
 constexpr double kTight = 1e-14;
 constexpr double kPi = 3.141592653589793;
-
-using namespace sampling;
-class Orientation : public Seeded {};
-class Transformation : public Seeded {};
-class MotionAndForce : public Seeded {};
-class Line : public Seeded {};
-class Sphere : public Seeded {};
 
 double power(const KtGeneralMotion& s, const KtGeneralForce& f) {
   return s.linear().dot(f.force()) + s.angular().dot(f.moment());
@@ -30,7 +15,7 @@ KtVector rodrigues(double angle, const KtVector& axis, const KtVector& v) {
          axis * (axis.dot(v) * (1.0 - std::cos(angle)));
 }
 
-TEST_F(Orientation, RotatesAsRodriguesSays) {
+TEST(Orientation, RotatesAsRodriguesSays) {
   for (int i = 0; i < 200; ++i) {
     const double angle = 2.0 * kPi * uniform();
     const KtVector axis = randomVector().unitVector();
@@ -72,7 +57,7 @@ TEST_F(Orientation, RotatesAsRodriguesSays) {
   EXPECT_EQ(nothing, KtOrientation());
 }
 
-TEST_F(Orientation, IntegratesAngularVelocityOfTheOuterFrame) {
+TEST(Orientation, IntegratesAngularVelocityOfTheOuterFrame) {
   for (const double rate : {0.0, 1e-12, 1e-5, 0.3, 40.0}) {
     const KtVector omega = randomVector().unitVector() * rate;
     const KtOrientation start = randomOrientation();
@@ -83,7 +68,7 @@ TEST_F(Orientation, IntegratesAngularVelocityOfTheOuterFrame) {
   }
 }
 
-TEST_F(Transformation, ComposesTowardsTheOutboardEnd) {
+TEST(Transformation, ComposesTowardsTheOutboardEnd) {
   for (int i = 0; i < 100; ++i) {
     const auto a = randomTransformation();
     const auto b = randomTransformation();
@@ -110,7 +95,7 @@ TEST_F(Transformation, ComposesTowardsTheOutboardEnd) {
   }
 }
 
-TEST_F(Transformation, KnowsWhatItDoes) {
+TEST(Transformation, KnowsWhatItDoes) {
   using T = KtCoordinateSystemTransformation;
   const KtVector p(0, 0, 1e-300);
   const KtOrientation r = KtOrientation::xRotation(1e-12);
@@ -121,7 +106,7 @@ TEST_F(Transformation, KnowsWhatItDoes) {
   EXPECT_EQ(T(KtVector(-0.0, 0, 0), KtOrientation(-1, 0, 0, 0)).mode(), T::kIdentity);
 }
 
-TEST_F(MotionAndForce, KeepTheirPowerInEveryFrame) {
+TEST(MotionAndForce, KeepTheirPowerInEveryFrame) {
   for (int i = 0; i < 100; ++i) {
     const auto x = randomTransformation();
     const KtGeneralMotion s = randomMotion();
@@ -147,7 +132,7 @@ TEST_F(MotionAndForce, KeepTheirPowerInEveryFrame) {
   EXPECT_EQ(b.inverse() * atA, KtGeneralMotion({-5.0, 0.0, 0.0}, {0.0, 0.0, 2.0}));
 }
 
-TEST_F(MotionAndForce, AreIndexedLinearFirst) {
+TEST(MotionAndForce, AreIndexedLinearFirst) {
   KtGeneralForce f;
   for (unsigned i = 0; i < 8; ++i) f.setScalarValue(i, i + 1.0);
   EXPECT_EQ(f, KtGeneralForce({1, 2, 3}, {4, 5, 6}));
@@ -196,7 +181,7 @@ TEST(Guards, KeepArithmeticFinite) {
   EXPECT_EQ(angle.cosine(), std::cos(0.7));
 }
 
-TEST_F(Line, DistanceIsTheLeastOne) {
+TEST(Line, DistanceIsTheLeastOne) {
   for (int i = 0; i < 100; ++i) {
     const KtLine a(randomVector(), randomVector().unitVector());
     const KtLine b(randomVector(), randomVector().unitVector());
@@ -218,7 +203,7 @@ TEST_F(Line, DistanceIsTheLeastOne) {
   EXPECT_EQ(t, 5.0);
 }
 
-TEST_F(Sphere, ExpandsNoFartherThanNeeded) {
+TEST(Sphere, ExpandsNoFartherThanNeeded) {
   KtSphere grown;
   grown.expandSelfToInclude({{1, 2, 3}, 0.5, 3});
   EXPECT_EQ(grown, KtSphere({1, 2, 3}, 0.5, 3)) << "nothing included yet but the other";

@@ -1,19 +1,11 @@
-#include <gtest/gtest.h>
-
 #include <boost/algorithm/string/replace.hpp>
-#include <cmath>
 
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
 using Inertia = KtArticulatedBodyInertia;
 using Dynamics = KtArticulatedBodyDynamics;
-using T = KtCoordinateSystemTransformation;
-using namespace sampling;
-using ArticulatedBody = Seeded;
 
 KtRigidBodyMassProperties randomBody() {
   return {uniform(0.5, 2.0),
@@ -36,7 +28,7 @@ Inertia randomInertia() {
 
 // Moved with its motion, a body takes the force moved too. Joining, moving and products by the
 // shortest way are for the tests of mechanisms, which need them all.
-TEST_F(ArticulatedBody, MovesWithItsMotionAndForce) {
+TEST(ArticulatedBody, MovesWithItsMotionAndForce) {
   const T random = randomTransformation();
   for (const T& t : {random, T(random.translation()), T(random.orientation()), T()}) {
     for (const bool rigid : {false, true}) {
@@ -65,7 +57,7 @@ TEST_F(ArticulatedBody, MovesWithItsMotionAndForce) {
 }
 
 // A joint yields to a force along it, but for what its own inertia holds.
-TEST_F(ArticulatedBody, JoinTakesOffWhatTheJointYields) {
+TEST(ArticulatedBody, JoinTakesOffWhatTheJointYields) {
   for (const double d : {0.0, 0.8}) {
     Inertia child = randomInertia(), shown, parent;
     const KtGeneralMotion s = d > 0.0 ? randomMotion() : KtGeneralMotion({}, {0.0, 0.6, 0.8});
@@ -88,7 +80,7 @@ TEST_F(ArticulatedBody, JoinTakesOffWhatTheJointYields) {
   }
 }
 
-TEST_F(ArticulatedBody, SumsAreRigidIfBothAre) {
+TEST(ArticulatedBody, SumsAreRigidIfBothAre) {
   const Dynamics nothing(Inertia(), {randomVector(), randomVector()});
   Dynamics shown;
   shown.setToTransformedValue(nothing, randomMotion(), 0.0, 3.0);
@@ -110,7 +102,7 @@ TEST_F(ArticulatedBody, SumsAreRigidIfBothAre) {
 }
 
 // Every part counts: the bias, and the place of the mass.
-TEST_F(ArticulatedBody, AreNearlyEqualIfAllPartsAre) {
+TEST(ArticulatedBody, AreNearlyEqualIfAllPartsAre) {
   const KtSecondMoment j(1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
   const KtVector step(0.0, 0.25, 0.0);
   const Dynamics body(KtRigidBodyMassProperties(1.0, {}, j), {});
@@ -122,7 +114,7 @@ TEST_F(ArticulatedBody, AreNearlyEqualIfAllPartsAre) {
 }
 
 // A file that names the bias as such is read as well.
-TEST_F(ArticulatedBody, BiasIsReadUnderEitherName) {
+TEST(ArticulatedBody, BiasIsReadUnderEitherName) {
   const Dynamics dynamics(randomBody(), {{1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}});
   const std::string text = KtXmlWriter::writeString(dynamics);
   Dynamics read;

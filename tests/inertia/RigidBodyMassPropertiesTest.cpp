@@ -1,19 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
-
-using Mass = KtRigidBodyMassProperties;
-using T = KtCoordinateSystemTransformation;
-
-using namespace sampling;
-using MassProperties = Seeded;
 
 // A body made of particles: every answer can be found particle by particle.
 struct Particle {
@@ -46,7 +33,7 @@ void expectNear(const Mass& actual, const Mass& expected, double tolerance) {
       << KtXmlWriter::writeString(actual) << KtXmlWriter::writeString(expected);
 }
 
-TEST_F(MassProperties, DoAsTheirParticlesDo) {
+TEST(MassProperties, DoAsTheirParticlesDo) {
   for (int trial = 0; trial < 20; ++trial) {
     const Cloud cloud = randomCloud();
     const Cloud other = randomCloud();
@@ -113,7 +100,7 @@ Mass solid(const Mass& like, const KtVector& half, bool (*inside)(const KtVector
   return massOf(cloud);
 }
 
-TEST_F(MassProperties, BuildersAgreeWithIntegration) {
+TEST(MassProperties, BuildersAgreeWithIntegration) {
   using V = const KtVector&;
   constexpr double r = 0.7, length = 0.9;
   const KtCapsule capsule(KtLineSegment({0.0, 0.0, -0.5 * length}, {0.0, 0.0, 0.5 * length}), r);
@@ -142,7 +129,7 @@ TEST_F(MassProperties, BuildersAgreeWithIntegration) {
   expectNear(Mass::uniformSphericalShell(grown - 1.0, r), gain, 1e-3 * d);
 }
 
-TEST_F(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
+TEST(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
   const double m = 5.0;
   const double r = 0.3;
   const KtCapsule upright(KtLineSegment({0.0, 0.0, -0.4}, {0.0, 0.0, 0.4}), r);
@@ -163,7 +150,7 @@ TEST_F(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
   EXPECT_EQ(Mass::uniformSolidCapsule(m, {KtLineSegment(center, center), r}), sphere);
 }
 
-TEST_F(MassProperties, RepairKeepsTheCentreOfMassAndGivesAnInvertibleInertia) {
+TEST(MassProperties, RepairKeepsTheCentreOfMassAndGivesAnInvertibleInertia) {
   for (int trial = 0; trial < 100; ++trial) {
     Mass body;
     body.set(uniform(0.5, 2.0), randomVector(),
@@ -184,7 +171,7 @@ TEST_F(MassProperties, RepairKeepsTheCentreOfMassAndGivesAnInvertibleInertia) {
   }
 }
 
-TEST_F(MassProperties, LeastMassAndNothing) {
+TEST(MassProperties, LeastMassAndNothing) {
   const KtSecondMoment j(1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
   for (const double m : {1e-09, std::nextafter(1e-09, 0.0), 0.0, std::nan("")}) {
     Mass body;
@@ -216,7 +203,7 @@ TEST_F(MassProperties, LeastMassAndNothing) {
 }
 
 // The factor follows every change; the inverse doesn't follow set and scaleBy, which come last.
-TEST_F(MassProperties, CachesFollowChanges) {
+TEST(MassProperties, CachesFollowChanges) {
   const KtGeneralMotion a = randomMotion();
   const auto invertsJ = [&a](const Mass& body) {
     return (body.invSecondMoment() * (body.secondMoment() * a.linear())).approxEq(a.linear(), 1e-9);

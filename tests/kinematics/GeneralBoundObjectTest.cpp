@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 
 namespace {
-
-using T = KtCoordinateSystemTransformation;
 
 KtQuadrilateralTypeLink linkageOf(unsigned type) {
   KtQuadrilateralTypeLink linkage;

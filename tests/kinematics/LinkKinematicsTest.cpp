@@ -1,23 +1,10 @@
-#include <gmock/gmock.h>
-
-#include <cmath>
-#include <numbers>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
 #include "support/Differences.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
-using testing::HasSubstr;
-
-using T = KtCoordinateSystemTransformation;
 using Dh = KtDenavitHartenberg;
 using Quad = KtQuadrilateralTypeLink;
-using namespace sampling;
-using LinkKinematics = Seeded;
 
 constexpr double kPi = std::numbers::pi;
 
@@ -93,7 +80,7 @@ void expectNear(const KtGeneralMotion& actual, const KtGeneralMotion& expected, 
 
 // The sign of the quaternion is that of the rule which divides by the component that the signs of
 // the two cosines choose: that component is positive.
-TEST_F(LinkKinematics, TransformIsThatOfItsConventionInAllQuadrants) {
+TEST(LinkKinematics, TransformIsThatOfItsConventionInAllQuadrants) {
   forAllDh([](Dh link) {
     for (int i = -9; i <= 9; ++i) {
       for (int j = -9; j <= 9; ++j) {
@@ -118,7 +105,7 @@ TEST_F(LinkKinematics, TransformIsThatOfItsConventionInAllQuadrants) {
   });
 }
 
-TEST_F(LinkKinematics, MotionsOfAllModelsAreDifferencesOfTheTransform) {
+TEST(LinkKinematics, MotionsOfAllModelsAreDifferencesOfTheTransform) {
   // The fixed slider's rate stands in the axes of the base side.
   const auto check = [](const KtLinkKinematics& link, double q, double tolerance, bool turned) {
     const double qDot = uniform();
@@ -142,7 +129,7 @@ TEST_F(LinkKinematics, MotionsOfAllModelsAreDifferencesOfTheTransform) {
   }
 }
 
-TEST_F(LinkKinematics, TransformIsKeptUntilASetterOrACopy) {
+TEST(LinkKinematics, TransformIsKeptUntilASetterOrACopy) {
   Dh link = randomDh(Dh::kRotational, Dh::kGeneralCraig);
   const T before = link.calculateTransform(0.5);
   // These leave what is kept.
@@ -172,7 +159,7 @@ TEST_F(LinkKinematics, TransformIsKeptUntilASetterOrACopy) {
 }
 
 // A transformation of another q in between doesn't mix the two positions' loops.
-TEST_F(LinkKinematics, QuadrilateralKeepsItsLoopWithItsTransform) {
+TEST(LinkKinematics, QuadrilateralKeepsItsLoopWithItsTransform) {
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
     const Quad link = someQuadrilateral(type);
     const Quad untouched = link;
@@ -199,7 +186,7 @@ class Shifted : public KtXmlPersistent<Shifted, Dh> {
   bool operator==(const Shifted&) const = default;
 };
 
-TEST_F(LinkKinematics, TransformGoesThroughTheOverriddenComposition) {
+TEST(LinkKinematics, TransformGoesThroughTheOverriddenComposition) {
   for (const unsigned type : {Dh::kPaul, Dh::kGeneralCraig}) {
     const Dh link = randomDh(Dh::kRotational, type);
     Shifted shifted;
@@ -209,7 +196,7 @@ TEST_F(LinkKinematics, TransformGoesThroughTheOverriddenComposition) {
   }
 }
 
-TEST_F(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
+TEST(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
   const T t = randomTransformation();
   forAllDh([&t](Dh link) {
     const unsigned dhType = link.dhType();
@@ -246,7 +233,7 @@ TEST_F(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
   }
 }
 
-TEST_F(LinkKinematics, AccelerationFromJointVelocityHoldsInATurningInboardFrame) {
+TEST(LinkKinematics, AccelerationFromJointVelocityHoldsInATurningInboardFrame) {
   forAllDh([](const Dh& link) {
     const double q = uniform(-3.0, 3.0);
     const double qDot = uniform();
@@ -263,7 +250,7 @@ TEST_F(LinkKinematics, AccelerationFromJointVelocityHoldsInATurningInboardFrame)
   });
 }
 
-TEST_F(LinkKinematics, ScalingScalesLengthsAndKeepsAngles) {
+TEST(LinkKinematics, ScalingScalesLengthsAndKeepsAngles) {
   const auto scaledBy = [](T t, double factor) {
     t.setTranslation(t.translation() * factor);
     return t;
@@ -294,7 +281,7 @@ TEST_F(LinkKinematics, ScalingScalesLengthsAndKeepsAngles) {
   EXPECT_EQ(screw.pitch(), 0.25 / 1e-300);
 }
 
-TEST_F(LinkKinematics, BoundOfTheDistanceHoldsOverTheRange) {
+TEST(LinkKinematics, BoundOfTheDistanceHoldsOverTheRange) {
   KtJointActuator actuator;
   actuator.setLowerLimit(-1.5);
   actuator.setUpperLimit(2.5);
@@ -319,7 +306,7 @@ TEST_F(LinkKinematics, BoundOfTheDistanceHoldsOverTheRange) {
 }
 
 // The sides of the four-bar have their lengths, at every position that closes.
-TEST_F(LinkKinematics, QuadrilateralCloses) {
+TEST(LinkKinematics, QuadrilateralCloses) {
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
     const Quad link = someQuadrilateral(type);
     const T outer = link.precursor().inverse();
@@ -344,7 +331,7 @@ TEST_F(LinkKinematics, QuadrilateralCloses) {
   }
 }
 
-TEST_F(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
+TEST(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
   // It closes as a square, or folded onto its sides; the larger cosine is the square's.
   Quad square;
   for (auto set : {&Quad::setNominalLength, &Quad::setD1Length, &Quad::setD2Length,
@@ -400,7 +387,7 @@ TEST_F(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
   EXPECT_EQ(Quad().calculateTransform(0.0).orientation(), KtOrientation());
 }
 
-TEST_F(LinkKinematics, BadTypesAreReportedAndChangeNothing) {
+TEST(LinkKinematics, BadTypesAreReportedAndChangeNothing) {
   const struct {
     unsigned jointType, dhType;
     const char* what;
@@ -435,7 +422,7 @@ TEST_F(LinkKinematics, BadTypesAreReportedAndChangeNothing) {
             "KtDenavitHartenberg::upperBoundDhFrameDistance-->Joint Type (7) unknown");
 }
 
-TEST_F(LinkKinematics, AlikeIsWhatDiffersByNoMoreThanTheTolerance) {
+TEST(LinkKinematics, AlikeIsWhatDiffersByNoMoreThanTheTolerance) {
   const Dh link = randomDh(Dh::kRotational, Dh::kGeneralPaul);
   Dh changed[] = {link, link, link, link, link};
   changed[0].setDhA(link.dhA() + 0.25);
@@ -475,7 +462,7 @@ TEST_F(LinkKinematics, AlikeIsWhatDiffersByNoMoreThanTheTolerance) {
   EXPECT_FALSE(base.approxEq(static_cast<const KtLinkKinematics&>(other), 1e-3));
 }
 
-TEST_F(LinkKinematics, ScrewTurnsWithItsTravel) {
+TEST(LinkKinematics, ScrewTurnsWithItsTravel) {
   KtScrewTypeLink screw;
   EXPECT_TRUE(screw.calculateTransform(0.25).approxEq(
       T({0.0, 0.0, 0.25}, KtOrientation::zRotation(kPi / 2)), 1e-15));
@@ -490,7 +477,7 @@ TEST_F(LinkKinematics, ScrewTurnsWithItsTravel) {
   expectNear(screw.calculateAcceleration(0.3, 1.0, 1.0), unit, 10.0);
 }
 
-TEST_F(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
+TEST(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
   KtLinkKinematicsContainer holder;
   KtArticulatedBodyDynamics parent;
   const KtLogCapture log;

@@ -1,17 +1,13 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
 using Transformation = KtCoordinateSystemTransformation;
-using Attachment = sampling::Seeded;
 
-TEST_F(Attachment, OneParentForEachDependent) {
+TEST(Attachment, OneParentForEachDependent) {
   KtManipulatorAttachmentMap map;
-  const Transformation first = sampling::randomTransformation();
-  const Transformation second = sampling::randomTransformation();
+  const Transformation first = randomTransformation();
+  const Transformation second = randomTransformation();
   EXPECT_FALSE(map.attachManipulator(2, 2, "tip", first));
   EXPECT_EQ(map.size(), 0U);
   EXPECT_TRUE(map.attachManipulator(9, 2, "tip", first));

@@ -1,18 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <array>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <vector>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 
 namespace {
 
-using T = KtCoordinateSystemTransformation;
-using Arm = KtIndividualManipulator;
 using Joints = std::vector<double>;
 
 constexpr double kPi = 3.14159265358979323846;

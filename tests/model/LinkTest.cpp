@@ -1,24 +1,8 @@
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <functional>
-#include <map>
-#include <memory>
-#include <optional>
-
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
 #include "support/States.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
-
-using Link = KtManipulatorLink;
-using Arm = KtIndividualManipulator;
-using Mass = KtRigidBodyMassProperties;
-using T = KtCoordinateSystemTransformation;
-using namespace sampling;
-using Links = Seeded;
 
 KtU32 pick(std::size_t count) {
   return static_cast<KtU32>(uniform(0.0, 0.999 * static_cast<double>(count)));
@@ -180,7 +164,7 @@ void expectLike(const Arm& arm, Body& model) {
 }
 
 // Trees are edited, links changed, shapes shared, and all of it copied and written.
-TEST_F(Links, EveryChangeReachesWhatFollowsFromItAndNothingElse) {
+TEST(Links, EveryChangeReachesWhatFollowsFromItAndNothingElse) {
   Arm arm;
   Body model, fresh;
   std::vector<Body*> bodies;  // in pre-order
@@ -477,7 +461,7 @@ TEST_F(Links, EveryChangeReachesWhatFollowsFromItAndNothingElse) {
   EXPECT_EQ(alone.upperLimitConstraint().evaluate(states::at(states::randomJoints(3))), 0.5);
 }
 
-TEST_F(Links, AttachedManipulatorsAddTheMassOfTheirRoot) {
+TEST(Links, AttachedManipulatorsAddTheMassOfTheirRoot) {
   KtStatedSystem stated;
   for (const int links : {1, 2}) stated.addManipulator(trees::randomManipulator(links));
   const Link& link = *stated.system().manipulators()[0].linkByIndex(0);
@@ -497,7 +481,7 @@ TEST_F(Links, AttachedManipulatorsAddTheMassOfTheirRoot) {
 }
 
 // By memory asked for, which is the same on every machine.
-TEST_F(Links, DeepTreesAreAssignedAtTheCostOfACopy) {
+TEST(Links, DeepTreesAreAssignedAtTheCostOfACopy) {
   Link chain;
   for (int i = 1; i < 60; ++i) chain.addLinkToEndOfChain(Link());
   const Allocations copying;
@@ -512,7 +496,7 @@ TEST_F(Links, DeepTreesAreAssignedAtTheCostOfACopy) {
   EXPECT_EQ(target, chain);
 }
 
-TEST_F(Links, ShapesGiveTheirSurfaces) {
+TEST(Links, ShapesGiveTheirSurfaces) {
   KtSphereShape ball;
   ball.setIdentifier("ball");
   ball.setSurfaceLabel("rubber");
@@ -543,7 +527,7 @@ TEST_F(Links, ShapesGiveTheirSurfaces) {
   EXPECT_EQ(link.numShapes() + link.numShapesInPhysicalRepresentation(), 0U);
 }
 
-TEST_F(Links, ActuatorsOfOlderFilesAreTakenOver) {
+TEST(Links, ActuatorsOfOlderFilesAreTakenOver) {
   const std::string document = R"(<manipulatorLink>
       <jointActuator><upperLimit>0.5</upperLimit><maxTorque>7</maxTorque></jointActuator>
       <identifier>old</identifier>

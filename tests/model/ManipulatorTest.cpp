@@ -1,21 +1,10 @@
-#include <gmock/gmock.h>
-
-#include <algorithm>
-
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using Arm = KtIndividualManipulator;
-using Link = KtManipulatorLink;
-using T = KtCoordinateSystemTransformation;
-using namespace sampling;
-using Manipulators = Seeded;
-
 // One that is called a reference after it was mapped has no table of links that have moved.
-TEST_F(Manipulators, ReferencesKeepNoLinksThatHaveMoved) {
+TEST(Manipulators, ReferencesKeepNoLinksThatHaveMoved) {
   Arm arm = trees::randomManipulator(1);
   KtManipulatorReferenceDescription description;
   description.setIsManipulatorReferenced(true);
@@ -35,7 +24,7 @@ TEST_F(Manipulators, ReferencesKeepNoLinksThatHaveMoved) {
 }
 
 // The answers are those of the map's lookup, whatever a file holds.
-TEST_F(Manipulators, SelfCollisionIsWhatTheMapSays) {
+TEST(Manipulators, SelfCollisionIsWhatTheMapSays) {
   Arm arm = trees::randomManipulator(6);
   arm.buildSelfCollisionLinkMap();
   const KtU32 n = arm.jointDof();
@@ -69,7 +58,7 @@ TEST_F(Manipulators, SelfCollisionIsWhatTheMapSays) {
   EXPECT_EQ(base, 3U);
 }
 
-TEST_F(Manipulators, BoundingVolumesGoAroundOwnShapes) {
+TEST(Manipulators, BoundingVolumesGoAroundOwnShapes) {
   Arm arm;
   for (const char* label : {"a", "b", "c"}) {
     Link link = trees::randomLink(label);
@@ -120,7 +109,7 @@ TEST_F(Manipulators, BoundingVolumesGoAroundOwnShapes) {
 }
 
 // Circles of references end at the links themselves.
-TEST_F(Manipulators, LinksInACircleKeepTheirOwnBodies) {
+TEST(Manipulators, LinksInACircleKeepTheirOwnBodies) {
   Arm arm;
   for (const char* label : {"a", "b", "c"}) {
     Link link = trees::randomLink(label);

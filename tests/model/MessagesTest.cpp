@@ -1,18 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-
-#include "support/KtLogCapture.h"
 #include "support/States.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using Link = KtManipulatorLink;
-using Arm = KtIndividualManipulator;
 using System = KtManipulatorSystem;
 using Stated = KtStatedSystem;
-using T = KtCoordinateSystemTransformation;
 using states::at, states::moving, states::randomJoints;
 
 Arm referenceTo(const std::string& label, const std::string& target) {
@@ -236,7 +229,7 @@ const Row kRows[] = {
        KtManipulatorActiveState active;
        KtLinkAttachment attachment;
        attachment.setLinkIdentifier("no %s link");
-       const T before = sampling::randomTransformation();
+       const T before = randomTransformation();
        T place = before;
        attachment.calculatePlacement(Arm(), active, place);
        EXPECT_EQ(place, before);

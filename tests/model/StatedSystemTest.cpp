@@ -1,20 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <memory>
-
-#include "support/KtLogCapture.h"
 #include "support/States.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
 using Stated = KtStatedSystem;
-using Arm = KtIndividualManipulator;
-using T = KtCoordinateSystemTransformation;
-using namespace sampling;
-using StatedSystems = Seeded;
 using states::at, states::moving, states::randomJoints;
 
 KtU32 pick(std::size_t count) {
@@ -128,7 +118,7 @@ void expectLike(const Scene& scene, const Model& model) {
 
 // Sharing must never show, neither that of systems nor that of links: whatever is done to one, the
 // others look the same. States follow their systems.
-TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
+TEST(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
   std::vector<std::unique_ptr<Scene>> scenes(3);
   std::vector<Model> models(3);
   for (int k = 0; k < 3; ++k) scenes[k] = std::make_unique<Scene>();
@@ -412,7 +402,7 @@ TEST_F(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
   EXPECT_EQ(log.text(), "");
 }
 
-TEST_F(StatedSystems, SomeOperationsReachAllSharers) {
+TEST(StatedSystems, SomeOperationsReachAllSharers) {
   Scene first;
   for (const char* label : {"a", "b"}) first.addManipulator(armOf(label, 2));
   const Stated second(first), independent(first, true);
@@ -441,7 +431,7 @@ TEST_F(StatedSystems, SomeOperationsReachAllSharers) {
   EXPECT_EQ(none, Scene()) << "a missing system is an empty one";
 }
 
-TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
+TEST(StatedSystems, ShapesAreFoundAndColouredByKey) {
   KtSphereShape ball;
   KtDataMap data;
   data.add("ktDiffuseAlpha", 0.25);
@@ -480,7 +470,7 @@ TEST_F(StatedSystems, ShapesAreFoundAndColouredByKey) {
   EXPECT_EQ(stated.modifiedShapeKeyVec(), std::vector{key});
 }
 
-TEST_F(StatedSystems, CollisionReportsFollowTheSystem) {
+TEST(StatedSystems, CollisionReportsFollowTheSystem) {
   Scene scene;
   const auto boxes = [](const Scene& of) -> auto& {
     return of.active->systemActiveBoundingBoxState();

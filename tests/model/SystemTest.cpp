@@ -1,21 +1,10 @@
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <map>
-#include <memory>
-
-#include "support/KtLogCapture.h"
 #include "support/States.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
 using System = KtManipulatorSystem;
-using Arm = KtIndividualManipulator;
-using T = KtCoordinateSystemTransformation;
-using namespace sampling;
-using Systems = Seeded;
-using testing::ElementsAre;
 
 Arm armOf(const std::string& label, int links) {
   return trees::randomManipulator(links, label);
@@ -42,7 +31,7 @@ std::string targetOf(const System& system, KtU32 index) {
   return description.isManipulatorReferenced() ? description.referencedManipulatorLabel() : "";
 }
 
-TEST_F(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
+TEST(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
   const std::vector<Arm> arms{armOf("P", 2), referenceTo("Q", "P"), referenceTo("R", "P")};
   System system = systemOf(arms);
   EXPECT_TRUE(system.aboutToModifyManipulator("P"));
@@ -67,7 +56,7 @@ TEST_F(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
 }
 
 // Of two with one label only the first can be referenced.
-TEST_F(Systems, ConversionsLoseNoLinks) {
+TEST(Systems, ConversionsLoseNoLinks) {
   const Arm first = armOf("A", 1);
   Arm second = armOf("A", 3), third = second;
   third.changeLinkLabel("A", "B");
@@ -78,7 +67,7 @@ TEST_F(Systems, ConversionsLoseNoLinks) {
 }
 
 // A reference that no longer resolves must not point to where its target was.
-TEST_F(Systems, NothingPointsToWhatWasDeleted) {
+TEST(Systems, NothingPointsToWhatWasDeleted) {
   System system = systemOf({referenceTo("R", "X"), armOf("P", 2), referenceTo("X", "P")});
   const KtLogCapture log;
   EXPECT_TRUE(system.exchangeManipulator("P", referenceTo("P", "gone")));
@@ -90,7 +79,7 @@ TEST_F(Systems, NothingPointsToWhatWasDeleted) {
   EXPECT_EQ(left.jointDof(), 2U) << "it got the links when their owner was deleted";
 }
 
-TEST_F(Systems, DeletingByIndexAndByLabelDetachDifferently) {
+TEST(Systems, DeletingByIndexAndByLabelDetachDifferently) {
   const auto keysAfter = [](auto remove) {
     System system;
     KtManipulatorAttachmentMap map;
@@ -110,7 +99,7 @@ TEST_F(Systems, DeletingByIndexAndByLabelDetachDifferently) {
   EXPECT_THAT(keysAfter([](System& s) { s.deleteManipulator("c"); }), ElementsAre(0U, 1U));
 }
 
-TEST_F(Systems, MergingMovesAttachmentsAlong) {
+TEST(Systems, MergingMovesAttachmentsAlong) {
   System first = systemOf({armOf("a", 1), armOf("b", 2)});
   KtManipulatorAttachmentMap map;
   const T offset = randomTransformation();
@@ -130,7 +119,7 @@ TEST_F(Systems, MergingMovesAttachmentsAlong) {
   EXPECT_EQ(found, offset);
 }
 
-TEST_F(Systems, ExclusionsFollowTheLinks) {
+TEST(Systems, ExclusionsFollowTheLinks) {
   System system = systemOf({armOf("a", 2), armOf("b", 2)});
   KtSystemCollisionExclusionMap map;
   const std::string label = system.manipulators()[0].linkByIndex(1)->label();
@@ -145,7 +134,7 @@ TEST_F(Systems, ExclusionsFollowTheLinks) {
   EXPECT_TRUE(system.canCollide(0, 1, 1, ktBaseIndex));
 }
 
-TEST_F(Systems, SphereContainsEveryManipulators) {
+TEST(Systems, SphereContainsEveryManipulators) {
   std::vector<Arm> arms{armOf("a", 1), armOf("b", 1)};
   const auto state = states::random({1, 1}, {1, 1}, 0.75);
   KtSphere expected;
@@ -162,7 +151,7 @@ TEST_F(Systems, SphereContainsEveryManipulators) {
 
 // A row for each joint of all manipulators; an arm gives its own in one list, and says if it is
 // all Craig.
-TEST_F(Systems, CraigParametersAreCollected) {
+TEST(Systems, CraigParametersAreCollected) {
   Arm arm;
   const auto add = [&arm](unsigned type, const T& precursor) {
     KtDenavitHartenberg joint;

@@ -1,6 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
+#include "support/Testing.h"
 
 namespace {
 

@@ -1,16 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <set>
-
-#include "ktManipulator/ktManipulator.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using namespace sampling;
 using Results = KtStatedSystem::ResultVector;
-using Propagation = Seeded;
 
 // Arms of so many joints, one beside the other, at random states well inside of their limits.
 KtStatedSystem sceneOf(std::initializer_list<int> joints) {
@@ -51,7 +44,7 @@ KtSystemActiveState acceleratedAlike(const KtStatedSystem& scene) {
   return active;
 }
 
-TEST_F(Propagation, PositionsFollowTheNewVelocities) {
+TEST(Propagation, PositionsFollowTheNewVelocities) {
   for (const double dt : {0.01, -0.01, 0.0}) {
     const KtStatedSystem scene = sceneOf({5, 3});
     KtSystemActiveState active = acceleratedAlike(scene);
@@ -96,7 +89,7 @@ class Halved : public KtXmlPersistent<Halved, KtMechanicalActuatorComponent> {
   }
 };
 
-TEST_F(Propagation, ActuatorsBoundTheirJointsAndTheLastThatStopsIsTold) {
+TEST(Propagation, ActuatorsBoundTheirJointsAndTheLastThatStopsIsTold) {
   const KtStatedSystem scene = sceneOf({3});
   const KtIndividualManipulator& arm = scene.system().manipulators()[0];
   KtJointActuator actuator = arm.linkByIndex(1)->jointActuator();
@@ -132,7 +125,7 @@ TEST_F(Propagation, ActuatorsBoundTheirJointsAndTheLastThatStopsIsTold) {
 }
 
 // Each follows its parent as that stands then: one that hangs on a later key is a step behind.
-TEST_F(Propagation, AttachedManipulatorsFollowInTheOrderOfTheirKeys) {
+TEST(Propagation, AttachedManipulatorsFollowInTheOrderOfTheirKeys) {
   for (const bool rising : {true, false}) {
     KtStatedSystem scene = sceneOf({4, 2, 3});
     const auto& arms = scene.system().manipulators();
@@ -198,7 +191,7 @@ class Colliding : public KtStatedSystem {
   mutable std::size_t checks = 0;
 };
 
-TEST_F(Propagation, CollidedManipulatorsGoBack) {
+TEST(Propagation, CollidedManipulatorsGoBack) {
   const KtStatedSystem scene = sceneOf({2, 3, 4});
   struct Case {
     KtU32 mode;
@@ -279,7 +272,7 @@ KtSystemActiveState accelerated(const KtStatedSystem& scene, double a) {
   return active;
 }
 
-TEST_F(Propagation, LimitsAndRatesAreTheSameByEveryWay) {
+TEST(Propagation, LimitsAndRatesAreTheSameByEveryWay) {
   struct Row {
     double q, rate, acceleration, dt, newQ, newRate;
     bool hits;
@@ -335,7 +328,7 @@ TEST_F(Propagation, LimitsAndRatesAreTheSameByEveryWay) {
   }
 }
 
-TEST_F(Propagation, AnEmptySystemTakesTheTimeOnly) {
+TEST(Propagation, AnEmptySystemTakesTheTimeOnly) {
   const KtStatedSystem scene;
   KtManipulatorSystemState state;
   Results results;

@@ -1,21 +1,11 @@
 // The step of a simulation, against the same written out by hand, closed forms, and its own
 // accounts of energy.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <optional>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
+#include "support/Testing.h"
 #include "support/Trees.h"
 
 namespace {
 
-using namespace sampling;
 using Method = KtSimulation::Method;
-using SimulationOfTrees = Seeded;
 
 void pullTo(KtStatedSystem& scene, const KtVector& up) {
   KtSystemEnvironment environment;
@@ -101,7 +91,7 @@ KtManipulatorSystemState byHand(const KtStatedSystem& scene, const Loads& loads,
   return state;
 }
 
-TEST_F(SimulationOfTrees, MovesAsTheLoopByHandAndAsksForNoMemory) {
+TEST(SimulationOfTrees, MovesAsTheLoopByHandAndAsksForNoMemory) {
   const KtStatedSystem scene = sceneOfArms();
   const Loads loads = loadsOn(scene);
   KtManipulatorSystemState ends[2];
@@ -126,7 +116,7 @@ TEST_F(SimulationOfTrees, MovesAsTheLoopByHandAndAsksForNoMemory) {
   EXPECT_FALSE(ends[0].approxEq(scene.state(), 1e-2, false));
 }
 
-TEST_F(SimulationOfTrees, KineticEnergyIsThatOfTheMassMatrix) {
+TEST(SimulationOfTrees, KineticEnergyIsThatOfTheMassMatrix) {
   for (const bool fixed : {true, false}) {
     trees::Mechanism m(trees::randomMechanismArm(7, fixed));
     KtManipulatorActiveState active = m.active();
@@ -150,7 +140,7 @@ TEST_F(SimulationOfTrees, KineticEnergyIsThatOfTheMassMatrix) {
 }
 
 // What is left of the energy's change is the integrator's, and goes with the step.
-TEST_F(SimulationOfTrees, AccountsOfEnergyClose) {
+TEST(SimulationOfTrees, AccountsOfEnergyClose) {
   for (const bool fixed : {true, false}) {
     for (const auto method : {Method::kArticulated, Method::kComposite}) {
       KtIndividualManipulator arm = trees::randomMechanismArm(

@@ -1,16 +1,8 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <sstream>
-
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
 #include "support/States.h"
+#include "support/Testing.h"
 
 namespace {
 
-using namespace sampling;
-using States = Seeded;
 using System = KtManipulatorSystemState;
 using states::at, states::moving, states::Joints, states::randomJoints;
 
@@ -37,7 +29,7 @@ std::vector<double> numbersOf(const System& state) {
 }
 
 // For orientations about one axis the interpolation has a closed form: the angle is linear too.
-TEST_F(States, InterpolateLinearlyInEveryNumber) {
+TEST(States, InterpolateLinearlyInEveryNumber) {
   const auto turn = [](double angle) {
     KtOrientation orientation;
     orientation.setFromAngleAxis(angle, {0.0, 0.6, 0.8});
@@ -73,7 +65,7 @@ TEST_F(States, InterpolateLinearlyInEveryNumber) {
   EXPECT_FALSE(out.approxEq(a, 1e-15, true));
 }
 
-TEST_F(States, InterpolateInPlace) {
+TEST(States, InterpolateInPlace) {
   const System a = systemState({3}, 1.0);
   const System b = systemState({3}, 2.0);
   System expected;
@@ -103,7 +95,7 @@ TEST_F(States, InterpolateInPlace) {
   EXPECT_TRUE(few.velocityStates()[1].approxEq(more.velocityStates()[1], 1e-15));
 }
 
-TEST_F(States, AreRepaired) {
+TEST(States, AreRepaired) {
   KtLogCapture log;
   System few = states::random({1, 2}, {1}, 0.0);
   System whole = few;
@@ -143,7 +135,7 @@ TEST_F(States, AreRepaired) {
   EXPECT_EQ(log.errors(), top + low + low);
 }
 
-TEST_F(States, KnowWhatFitsAndWhatIsClose) {
+TEST(States, KnowWhatFitsAndWhatIsClose) {
   const System a = systemState({2, 1}, 1.0);
   EXPECT_TRUE(a.checkCompatibleState(systemState({2, 1}, 5.0)));
   for (const System& other :
@@ -227,7 +219,7 @@ std::string binary(const State& state) {
   return stream.str();
 }
 
-TEST_F(States, HaveTheirBinaryLayout) {
+TEST(States, HaveTheirBinaryLayout) {
   const System state = states::random({2, 0}, {2, 1}, 0.75);
   std::string expected = bytes(0.75) + bytes(KtU32{2});
   for (const auto& p : state.positionStates().vectorContainer()) {
@@ -254,7 +246,7 @@ TEST_F(States, HaveTheirBinaryLayout) {
 }
 
 // What was complete before the cut is there, and nothing else is.
-TEST_F(States, SurviveACutOffStream) {
+TEST(States, SurviveACutOffStream) {
   const System state = systemState({2, 1}, 0.75);
   const std::string text = binary(state);
   const std::vector<std::size_t> positionEnds = {12 + 56 + 4 + 16, 12 + 56 + 4 + 16 + 56 + 4 + 8};
@@ -281,7 +273,7 @@ TEST_F(States, SurviveACutOffStream) {
   }
 }
 
-TEST_F(States, AskForNoMemoryThatACountOnlyClaims) {
+TEST(States, AskForNoMemoryThatACountOnlyClaims) {
   std::string joints = binary(at(randomJoints(700)));
   joints.replace(56, 4, 4, '\xFF');
   std::istringstream one(joints);
@@ -297,7 +289,7 @@ TEST_F(States, AskForNoMemoryThatACountOnlyClaims) {
   EXPECT_EQ(state.positionStates().size(), 0U);
 }
 
-TEST_F(States, AskForNoMemoryOnceTheyHaveTheirSize) {
+TEST(States, AskForNoMemoryOnceTheyHaveTheirSize) {
   const System a = systemState({7, 3}, 1.0);
   const System b = systemState({7, 3}, 2.0);
   System out = a;
@@ -340,7 +332,7 @@ TEST(ExternalForce, FindsTheForceOfALink) {
 }
 
 // A pure force at a point has the moment r x F; the arrow stands on its line, nearest the origin.
-TEST_F(States, ShowAForceOnItsLineOfAction) {
+TEST(States, ShowAForceOnItsLineOfAction) {
   const KtVector force = randomVector();
   const KtVector point = randomVector();
   KtExternalForceDescription description;

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <random>
 
 #include "ktManipulator/foundation/geometry/KtCoordinateSystemTransformation.h"
 #include "ktManipulator/foundation/geometry/KtGeneralMotion.h"
 
-/// Random values for tests, from one generator.
+/// Random values for tests, from one generator, which every test finds in the same state.
 namespace sampling {
 
 inline std::mt19937_64& generator() {
@@ -31,11 +29,5 @@ inline KtCoordinateSystemTransformation randomTransformation() {
 inline KtGeneralMotion randomMotion() {
   return {randomVector(), randomVector()};
 }
-
-/// Starts every test with the same sequence, whatever order the tests run in.
-class Seeded : public testing::Test {
- protected:
-  Seeded() { generator().seed(20240517); }
-};
 
 }  // namespace sampling

@@ -1,18 +1,10 @@
 // The tool as a user calls it: statuses, messages and files.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include <cstdio>
-#include <fstream>
-#include <sstream>
-#include <string>
-
 #include "Support.h"
+#include "support/Testing.h"
 
 namespace {
-
-using testing::HasSubstr;
 
 struct Outcome {
   int status = -1;

@@ -1,11 +1,7 @@
 // What `ktmanip evaluate` answers, against closed forms and the laws that its answers obey.
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "Evaluate.h"
 #include "ImportUrdf.h"
-#include "ktManipulator/ktManipulator.h"
+#include "support/Testing.h"
 
 namespace {
 

@@ -1,16 +1,10 @@
 // Small robots, whose import is known in advance.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "Evaluate.h"
 #include "ImportUrdf.h"
 #include "Inspect.h"
-#include "ktManipulator/ktManipulator.h"
+#include "support/Testing.h"
 
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 constexpr const char* kInertia =
     "<inertia ixx='0.02' iyy='0.03' izz='0.04' ixy='0.001' ixz='-0.002' iyz='0.003'/>";

@@ -1,21 +1,8 @@
 // Descriptions of real robots, of a folder that is given by KT_ROBOT_FILES, against peers.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
-#include <sstream>
-
 #include "Evaluate.h"
 #include "ImportUrdf.h"
 #include "Simulate.h"
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 #include "tools/RobotPeers.h"
 
 namespace {
@@ -132,11 +119,11 @@ void compareWithPeers(const std::string& file, bool freeBase) {
   for (KtU32 i = 0; i < robot.jointDof(); ++i) {
     const KtJointActuator& actuator = robot.linkByIndex(i)->jointActuator();
     question.links.push_back(robot.linkByIndex(i)->label());
-    question.q.push_back(sampling::uniform(std::fmax(actuator.lowerLimit(), -3.0),
-                                           std::fmin(actuator.upperLimit(), 3.0)));
-    question.qd.push_back(sampling::uniform());
-    question.qdd.push_back(sampling::uniform());
-    question.tau.push_back(sampling::uniform(-10.0, 10.0));
+    question.q.push_back(
+        uniform(std::fmax(actuator.lowerLimit(), -3.0), std::fmin(actuator.upperLimit(), 3.0)));
+    question.qd.push_back(uniform());
+    question.qdd.push_back(uniform());
+    question.tau.push_back(uniform(-10.0, 10.0));
   }
   EvaluateOptions options;
   options.q = question.q;
@@ -160,7 +147,7 @@ class RobotFiles : public testing::TestWithParam<std::string> {};
 
 TEST_P(RobotFiles, AgreeWithPeers) {
   if (GetParam().empty()) GTEST_SKIP() << "no robots: KT_ROBOT_FILES names no folder of them";
-  sampling::generator().seed(20240517);
+  generator().seed(20240517);
   for (const bool freeBase : {false, true}) compareWithPeers(GetParam(), freeBase);
 }
 
@@ -206,8 +193,8 @@ std::string randomRobot(int links) {
   std::ostringstream text;
   text.precision(17);
   const auto numbers = [&text](const char* name, double size) {
-    text << ' ' << name << "='" << sampling::uniform() * size << ' ' << sampling::uniform() * size
-         << ' ' << sampling::uniform() * size << "'";
+    text << ' ' << name << "='" << uniform() * size << ' ' << uniform() * size << ' '
+         << uniform() * size << "'";
   };
   const auto origin = [&] {
     text << "<origin";
@@ -219,8 +206,8 @@ std::string randomRobot(int links) {
     text << "<link name='l" << i << "'><inertial>";
     origin();
     // A box, turned by the origin.
-    const double x = sampling::uniform(0.1, 1.0), y = sampling::uniform(0.1, 1.0),
-                 z = sampling::uniform(0.1, 1.0), m = sampling::uniform(0.5, 5.0);
+    const double x = uniform(0.1, 1.0), y = uniform(0.1, 1.0), z = uniform(0.1, 1.0),
+                 m = uniform(0.5, 5.0);
     text << "<mass value='" << m << "'/><inertia ixx='" << m * (y + z) << "' iyy='" << m * (z + x)
          << "' izz='" << m * (x + y) << "' ixy='0' ixz='0' iyz='0'/></inertial></link>\n";
   };
@@ -229,9 +216,9 @@ std::string randomRobot(int links) {
   for (int i = 1; i < links; ++i) {
     link(i);
     const char* types[] = {"revolute", "continuous", "prismatic", "fixed"};
-    const std::string type = types[static_cast<int>(sampling::uniform(0.0, 3.999))];
+    const std::string type = types[static_cast<int>(uniform(0.0, 3.999))];
     text << "<joint name='j" << i << "' type='" << type << "'><child link='l" << i
-         << "'/><parent link='l" << static_cast<int>(sampling::uniform(0.0, 0.999) * i) << "'/>";
+         << "'/><parent link='l" << static_cast<int>(uniform(0.0, 0.999) * i) << "'/>";
     origin();
     text << "<axis";
     numbers("xyz", 2.0);
@@ -244,7 +231,7 @@ std::string randomRobot(int links) {
 }
 
 TEST(RandomRobots, AgreeWithPeers) {
-  sampling::generator().seed(20260101);
+  generator().seed(20260101);
   const std::string file = std::string(KT_TEST_OUTPUT) + "/random-robot.urdf";
   for (int links = 2; links < 14; ++links) {
     const std::string text = randomRobot(links);

@@ -1,23 +1,13 @@
 // What `ktmanip simulate` does, against closed forms, the other method, and itself stopped halfway.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <fstream>
-#include <iterator>
-#include <sstream>
-
 #include "Evaluate.h"
 #include "ImportUrdf.h"
 #include "Simulate.h"
 #include "TimeGrid.h"
 #include "TorqueTable.h"
-#include "ktManipulator/ktManipulator.h"
+#include "support/Testing.h"
 
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 std::string pathOf(const std::string& name) {

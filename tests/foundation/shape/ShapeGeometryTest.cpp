@@ -1,21 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <numbers>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/Allocations.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
-using sampling::randomOrientation;
-using sampling::randomTransformation;
-using sampling::randomVector;
-using sampling::uniform;
-using T = KtCoordinateSystemTransformation;
 using Triangles = std::vector<std::array<KtU32, 3>>;
 using Solid = std::unique_ptr<KtBasePhysicalExtent>;
 
@@ -81,7 +67,7 @@ std::vector<Solid> solids() {
   return all;
 }
 
-class Shapes : public sampling::Seeded {
+class Shapes : public testing::Test {
  protected:
   template <class Check>
   void forEach(Check&& check) {

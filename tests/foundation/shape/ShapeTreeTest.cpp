@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "ktManipulator/ktManipulator.h"
-#include "support/KtLogCapture.h"
-#include "support/Random.h"
+#include "support/Testing.h"
 
 namespace {
 
@@ -230,12 +226,11 @@ TEST(ShapeTree, DamagedMeshesAreEmpty) {
   EXPECT_EQ(hull.support({1, 1, 0}), KtVector(1, 1, 0));
 }
 
-using ShapeCollisionCache = sampling::Seeded;
 using Record = KtShapeCollisionData;
 constexpr KtShapeKey kKeys[] = {{0, 1, 2}, {0, ktBaseIndex, 0}, {3, 1, 1}};
 
 // Random edits, against a list of the records that are valid in the order in which they became so.
-TEST_F(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
+TEST(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
   KtSystemShapeCollisionCache cache;
   std::array<Record*, 3> records;
   for (std::size_t i = 0; i < 3; ++i) {
@@ -243,8 +238,8 @@ TEST_F(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
   }
   std::vector<Record*> valid;
   for (int round = 0; round < 200; ++round) {
-    Record* const record = records[static_cast<std::size_t>(sampling::uniform(0, 2.999))];
-    if (sampling::uniform(0, 1) < 0.3) {
+    Record* const record = records[static_cast<std::size_t>(uniform(0, 2.999))];
+    if (uniform(0, 1) < 0.3) {
       cache.invalidateAll();
       valid.clear();
     } else {
@@ -278,7 +273,7 @@ TEST_F(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
 }
 
 // Asked for in the other order, a record has its sides exchanged, and turned again is as before.
-TEST_F(ShapeCollisionCache, APairHasOneRecordInBothOrders) {
+TEST(ShapeCollisionCache, APairHasOneRecordInBothOrders) {
   KtSystemShapeCollisionCache cache;
   const auto& [one, two, other] = kKeys;
   const KtManipulatorLink links[2];
