@@ -8,16 +8,6 @@ using System = KtManipulatorSystem;
 using Stated = KtStatedSystem;
 using states::at, states::moving, states::randomJoints;
 
-Arm referenceTo(const std::string& label, const std::string& target) {
-  KtManipulatorReferenceDescription description;
-  description.setIsManipulatorReferenced(true);
-  description.setReferencedManipulatorLabel(target);
-  Arm arm;
-  arm.setLabel(label);
-  arm.setManipulatorReferenceDescription(description);
-  return arm;
-}
-
 // A reference that cannot be resolved is kept, and its manipulator has no joints.
 void modify(const std::vector<Arm>& arms, KtU32 index) {
   System system;
@@ -156,14 +146,14 @@ const Row kRows[] = {
     {"nobody", [] { refer("nobody", ""); }, unfound("nobody")},
     {"circle", [] { refer("b", "a"); }, unfound("b") + unfound("a") + unfound("a")},
     {"modify", [] { modify({}, 7); }, modifying("bad index (7).\n")},
-    {"target", [] { modify({referenceTo("Q", "X")}, 0); },
+    {"target", [] { modify({trees::referenceTo("Q", "X")}, 0); },
      modifying("could not find referenced manipulator X\n.")},
-    {"self", [] { modify({referenceTo("Q", "Q")}, 0); },
+    {"self", [] { modify({trees::referenceTo("Q", "Q")}, 0); },
      modifying("self-reference error for manipulator 0.\n") +
          modifying("could not find referenced manipulator Q\n.")},
     {"cycle",
      [] {
-       modify({referenceTo("A", "B"), referenceTo("B", "A")}, 1);
+       modify({trees::referenceTo("A", "B"), trees::referenceTo("B", "A")}, 1);
      },
      modifying("could not find referenced manipulator A\n.")},
     {"indices",

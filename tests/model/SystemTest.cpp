@@ -10,16 +10,6 @@ Arm armOf(const std::string& label, int links) {
   return trees::randomManipulator(links, label);
 }
 
-Arm referenceTo(const std::string& label, const std::string& target) {
-  KtManipulatorReferenceDescription description;
-  description.setIsManipulatorReferenced(true);
-  description.setReferencedManipulatorLabel(target);
-  Arm arm;
-  arm.setLabel(label);
-  arm.setManipulatorReferenceDescription(description);
-  return arm;
-}
-
 System systemOf(const std::vector<Arm>& arms) {
   System system;
   for (const Arm& arm : arms) system.addManipulator(arm);
@@ -32,7 +22,8 @@ std::string targetOf(const System& system, KtU32 index) {
 }
 
 TEST(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
-  const std::vector<Arm> arms{armOf("P", 2), referenceTo("Q", "P"), referenceTo("R", "P")};
+  const std::vector<Arm> arms{armOf("P", 2), trees::referenceTo("Q", "P"),
+                              trees::referenceTo("R", "P")};
   System system = systemOf(arms);
   EXPECT_TRUE(system.aboutToModifyManipulator("P"));
   EXPECT_EQ(targetOf(system, 1), "");
@@ -40,7 +31,7 @@ TEST(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
   EXPECT_EQ(system.manipulators()[1].childLinks(), arms[0].childLinks());
   EXPECT_EQ(targetOf(system, 2), "Q");
   // A chain shows the links of its last, and counts those of the next, which has none of its own.
-  System chain = systemOf({arms[0], arms[1], referenceTo("R", "Q")});
+  System chain = systemOf({arms[0], arms[1], trees::referenceTo("R", "Q")});
   const auto& all = chain.manipulators();
   EXPECT_EQ(&all[2].childLinks(), &all[0].childLinks());
   EXPECT_EQ(all[1].jointDof(), 2U);
@@ -49,7 +40,7 @@ TEST(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
   EXPECT_EQ(all[2].jointDof(), 2U);
   EXPECT_EQ(all[2].label(), "R");
   // In between: who stands for it takes over what it stands for.
-  chain = systemOf({arms[0], arms[1], referenceTo("R", "Q")});
+  chain = systemOf({arms[0], arms[1], trees::referenceTo("R", "Q")});
   EXPECT_TRUE(chain.aboutToModifyManipulator(1));
   EXPECT_EQ(targetOf(chain, 2), "P");
   EXPECT_EQ(targetOf(chain, 1), "");
@@ -68,9 +59,10 @@ TEST(Systems, ConversionsLoseNoLinks) {
 
 // A reference that no longer resolves must not point to where its target was.
 TEST(Systems, NothingPointsToWhatWasDeleted) {
-  System system = systemOf({referenceTo("R", "X"), armOf("P", 2), referenceTo("X", "P")});
+  System system =
+      systemOf({trees::referenceTo("R", "X"), armOf("P", 2), trees::referenceTo("X", "P")});
   const KtLogCapture log;
-  EXPECT_TRUE(system.exchangeManipulator("P", referenceTo("P", "gone")));
+  EXPECT_TRUE(system.exchangeManipulator("P", trees::referenceTo("P", "gone")));
   EXPECT_TRUE(system.deleteManipulator(1));
   EXPECT_EQ(system.deleteManipulator("X"), 1U);
   ASSERT_EQ(system.numberOfManipulators(), 1U);
@@ -175,11 +167,44 @@ TEST(Systems, CraigParametersAreCollected) {
   EXPECT_EQ(parameters.size(), 6U);
   arm.setLabel("a");
   arm.addLinkToEndOfChain(KtManipulatorLink());
-  const System system = systemOf({arm, referenceTo("b", "a"), arm});
+  const System system = systemOf({arm, trees::referenceTo("b", "a"), arm});
   std::vector<std::vector<double>> rows(99);
   EXPECT_TRUE(system.getCraigDhParameters(rows));
   const std::vector<double> none, three{1.0, 2.0, 3.0};
   EXPECT_THAT(rows, ElementsAre(three, three, none, none, none, three, three, none, none, none));
+}
+
+TEST(Attachment, OneParentForEachDependent) {
+  KtManipulatorAttachmentMap map;
+  const T first = randomTransformation();
+  const T second = randomTransformation();
+  EXPECT_FALSE(map.attachManipulator(2, 2, "tip", first));
+  EXPECT_EQ(map.size(), 0U);
+  EXPECT_TRUE(map.attachManipulator(9, 2, "tip", first));
+  EXPECT_FALSE(map.attachManipulator(9, 3, "base", second)) << "no replacement";
+  EXPECT_TRUE(map.attachManipulator(4, 2, "ti", first));
+  EXPECT_TRUE(map.attachManipulator(1, 2, "tip", second));
+  EXPECT_TRUE(map.attachManipulator(0, 9, "tip", second));
+
+  KtU32 parent = 0;
+  KtString label;
+  T offset;
+  EXPECT_TRUE(map.getDependentManipulatorInfo(9, parent, label, offset));
+  EXPECT_FALSE(map.getDependentManipulatorInfo(2, parent, label, offset)) << "changes nothing";
+  EXPECT_EQ(std::tuple(parent, label, offset), std::tuple(2U, "tip", first));
+
+  EXPECT_EQ(map.dependentManipulators(2), (std::vector<KtU32>{1, 4, 9}));
+  std::vector<KtU32> dependents;
+  KtXmlVectorType<T> offsets;
+  EXPECT_TRUE(map.getDependentManipulatorsAndOffsets(2, "tip", dependents, offsets));
+  EXPECT_EQ(dependents, (std::vector<KtU32>{1, 9}));
+  EXPECT_EQ(offsets.vectorContainer(), (std::vector<T>{second, first}));
+  EXPECT_FALSE(map.getDependentManipulatorsAndOffsets(2, "tipp", dependents, offsets));
+  EXPECT_TRUE(dependents.empty() && offsets.size() == 0U);
+
+  EXPECT_TRUE(map.removeManipulatorAttachment(9));
+  EXPECT_FALSE(map.removeManipulatorAttachment(9));
+  EXPECT_TRUE(map.attachManipulator(9, 3, "base", second));
 }
 
 }  // namespace

@@ -59,6 +59,17 @@ inline KtIndividualManipulator randomManipulator(int count, const std::string& l
   return manipulator;
 }
 
+/// A manipulator that stands for another one.
+inline KtIndividualManipulator referenceTo(const std::string& label, const std::string& target) {
+  KtManipulatorReferenceDescription description;
+  description.setIsManipulatorReferenced(true);
+  description.setReferencedManipulatorLabel(target);
+  KtIndividualManipulator arm;
+  arm.setLabel(label);
+  arm.setManipulatorReferenceDescription(description);
+  return arm;
+}
+
 /// A system of manipulators with so many links each, roots included. All links can collide.
 inline KtManipulatorSystem randomSystem(std::initializer_list<int> links) {
   KtManipulatorSystem system;

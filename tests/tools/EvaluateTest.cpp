@@ -68,27 +68,4 @@ TEST(Evaluate, APendulumObeysItsClosedForms) {
   near(rod["primaryFrame"]["rotation"][2], std::sin(0.5 * q));
 }
 
-// The dynamics that are told undo each other, on an arm with rotors, gears and friction, and the
-// numbers survive their text.
-TEST(Evaluate, ForwardUndoesInverse) {
-  KtStatedSystem system;
-  ASSERT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/puma560.xml", system));
-  EvaluateOptions options;
-  options.q = {{0.1, -0.2, 0.3, -0.4, 0.5, -0.6}};
-  options.qd = {{1, 2, -3, 4, -5, 6}};
-  options.qdd = {{3, -1, 4, -1, 5, -9}};
-  Json first, second;
-  std::string error;
-  ASSERT_TRUE(evaluate(system, options, first, error)) << error;
-  const Json text = Json::parse(first.dump());
-  EXPECT_EQ(text, first);
-  options.tau =
-      text["manipulators"][0]["inverseDynamics"]["jointTorques"].get<std::vector<double>>();
-  ASSERT_TRUE(evaluate(system, options, second, error)) << error;
-  const Json& found = second["manipulators"][0]["forwardDynamics"]["jointAccelerations"];
-  for (std::size_t i = 0; i < 6; ++i) {
-    EXPECT_NEAR(found[i].get<double>(), (*options.qdd)[i], 1e-9);
-  }
-}
-
 }  // namespace

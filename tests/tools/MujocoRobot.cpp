@@ -101,8 +101,8 @@ RobotAnswers askMujoco(const RobotQuestion& question) {
   RobotAnswers answers;
   std::map<std::string, std::string> joints;
   // Tests run side by side.
-  const std::string file = std::string(KT_TEST_OUTPUT) + "/mujoco-" +
-                           std::filesystem::path(question.file).filename().string();
+  const std::string file =
+      KT_TEST_OUTPUT "/mujoco-" + std::filesystem::path(question.file).filename().string();
   tinyxml2::XMLDocument document;
   if (!prepare(question, file, document, joints)) {
     answers.whyNot = "the file can't be read";

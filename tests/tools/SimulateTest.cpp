@@ -88,25 +88,6 @@ void setRate(KtStatedSystem& system, double rate) {
   system.setIndividualVelocityState(0, velocity);
 }
 
-// A body that tumbles about a point off its centre of mass: its energy tells a velocity of the base
-// in the wrong axes, which no motion about a fixed axis does.
-TEST(Simulate, ATumblingBodyKeepsItsEnergy) {
-  KtStatedSystem system = robotOf(bodyOf("base", "<origin xyz='0.3 0.2 -0.1'/>"), true);
-  KtVelocityState velocity;
-  velocity.setGeneralVelocity({KtVector(0.5, -1, 2), KtVector(1, -2, 3)});
-  system.setIndividualVelocityState(0, velocity);
-  const Trace r = traced(system, {1.0, 1e-4, KtSimulation::Method::kAutomatic, {}, false, "", ""});
-  const double drift = r.result.kineticAfter + r.result.potentialAfter - r.result.kineticBefore -
-                       r.result.potentialBefore;
-  EXPECT_LT(std::abs(drift), 2e-3 * r.result.kineticBefore);
-  EXPECT_GT(std::abs(r.result.potentialAfter - r.result.potentialBefore), 30.0);
-  Json evaluated;
-  std::string error;
-  ASSERT_TRUE(evaluate(system, {}, evaluated, error));
-  EXPECT_DOUBLE_EQ(evaluated["manipulators"][0]["kineticEnergy"].get<double>(),
-                   r.result.kineticAfter);
-}
-
 // At 2.5 m/s^2 it reaches its greatest rate in step 201, and its limit thereafter.
 TEST(Simulate, ASummaryTellsWhatWasHitAndWhereTheEnergyWent) {
   const std::string torque = fileOf("push.csv", "time,block\n0,5\n");
