@@ -6,17 +6,17 @@
 class KtIndividualManipulator;
 class KtStatedSystem;
 
-/// Forward dynamics by the articulated-body method, in a time proportional to the number of links:
-/// the accelerations of joints and base under given torques and forces.
+/// Forward dynamics by the articulated-body method: the accelerations of joints and base under
+/// given torques and forces, in a time proportional to the number of links.
 ///
-/// Gravity is an acceleration of the base upwards, the system's `upGravityVector()`. It stands in
-/// the acceleration state while the joints don't accelerate: from there come the forces of gravity,
-/// Coriolis and the centripetal ones. What torques and forces add to it are the result, so that the
-/// acceleration of a free base is its true one. A caller who makes the result the acceleration
-/// state of the same active state overwrites gravity there, and has to put it back before the next
-/// call of the second form.
+/// Gravity enters as an upward acceleration of the base, the system's `upGravityVector()`. During
+/// the computation the acceleration state contains it, with zero joint accelerations; that state
+/// gives the gravitational, Coriolis and centripetal forces. The result is what torques and forces
+/// add to it, so the acceleration of a free base is its true one. A caller who sets the result as
+/// the acceleration state of the same active state overwrites gravity there and has to restore it
+/// before the next call of the second form.
 ///
-/// A tool belongs to one thread at a time.
+/// Only one thread may use a tool at a time.
 ///
 /// @see R. Featherstone, The calculation of robot dynamics using articulated-body inertias,
 ///      International Journal of Robotics Research 2 (1983) 1, 13-30
@@ -30,20 +30,20 @@ class KT_EXPORT KtArbiAccelerationTool {
   /// @param manipulator    one of that system
   /// @param position       positions
   /// @param velocity       velocities
-  /// @param torque         torques that the joints' actuators get, which are 0 beyond the last, and
+  /// @param torque         torques of the joints' actuators, 0 for joints beyond the last entry,
+  /// and
   ///                       the load on a free base
   /// @param external       forces on the links from outside, in the axes of their DH frames
   /// @param acceleration   the result: one joint acceleration for each joint, and the acceleration
   ///                       of the base in the axes of the system, which is 0 for a fixed base. A
   ///                       joint without any inertia gets 0.
-  /// @param activeState    if not null, the second form answers on it: then positions, velocities
-  ///                       and gravity are taken from there as they are, and nothing is prepared.
-  ///                       With null the tool's own state is used. In it, the acceleration state
-  ///                       that an earlier call put there stays, with its gravity, as long as it
-  ///                       has enough joints, and there are joints. Its actuators' motors are at
-  ///                       rest: for the friction of moving motors, give an active state whose
-  ///                       actuators are initialised.
-  /// @param recompute      plays no part
+  /// @param activeState    if not null, the call is one of the second form on this state, which
+  ///                       takes positions, velocities and gravity from it and prepares nothing.
+  ///                       If null, the tool's own state is used. It keeps the acceleration state
+  ///                       of an earlier call, with its gravity, as long as that has enough joints
+  ///                       and there are joints. Its motors are at rest: pass an active state whose
+  ///                       actuators are initialised to get the friction of moving motors.
+  /// @param recompute      has no effect
   virtual void acceleration(const KtStatedSystem& system,
                             const KtIndividualManipulator& manipulator,
                             const KtPositionState& position, const KtVelocityState& velocity,
@@ -52,15 +52,15 @@ class KT_EXPORT KtArbiAccelerationTool {
                             KtAccelerationState& acceleration,
                             KtManipulatorActiveState* activeState, bool recompute);
   /// The accelerations in an active state that has positions and velocities, and gravity in its
-  /// acceleration state. It doesn't see another torque or external force than those of the first
-  /// call: a caller who changes them calls `invalidateAll` on it before.
+  /// acceleration state. The state does not notice a changed torque or external force: call
+  /// `invalidateAll` on it after changing one.
   virtual void acceleration(const KtStatedSystem& system,
                             const KtIndividualManipulator& manipulator,
                             const KtManipulatorTorque& torque,
                             const KtManipulatorExternalForce& external,
                             KtAccelerationState& acceleration,
                             KtManipulatorActiveState& activeState, bool recompute);
-  /// Does nothing: sizes are taken from each call.
+  /// Does nothing, since each call brings its sizes.
   virtual void resize() {}
 
  private:

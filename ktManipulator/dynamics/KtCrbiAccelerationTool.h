@@ -9,21 +9,21 @@ class KtIndividualManipulator;
 class KtStateEqualityConstraintVector;
 class KtStatedSystem;
 
-/// Forward dynamics by the mass matrix: it is formed by the composite-rigid-body method and
-/// factored. Unlike `KtArbiAccelerationTool` it honours the manipulator's state equality
-/// constraints, and solves for a mix of unknown accelerations and torques.
+/// Forward dynamics by the mass matrix, which the tool computes by the composite-rigid-body method
+/// and factors. Unlike `KtArbiAccelerationTool` it honours the manipulator's state equality
+/// constraints and solves for a mix of unknown accelerations and torques.
 ///
-/// Gravity is an acceleration of the base upwards, the system's `upGravityVector()`. It stands in
-/// the acceleration state while the joints don't accelerate: from there come the forces of gravity,
-/// Coriolis and the centripetal ones, while the result has true accelerations. A caller who makes
-/// the result the acceleration state of the same active state overwrites gravity there, and has to
-/// put it back before the next call of a second form.
+/// Gravity enters as an upward acceleration of the base, the system's `upGravityVector()`. During
+/// the computation the acceleration state contains it, with zero joint accelerations; that state
+/// gives the gravitational, Coriolis and centripetal forces. The result contains true
+/// accelerations. A caller who sets the result as the acceleration state of the same active state
+/// overwrites gravity there and has to restore it before the next call of a second form.
 ///
-/// Matrices and factors are kept between calls. Where `recompute` is false those of the last call
-/// stand, and only what depends on velocities, torques and forces is computed anew; if there are
-/// none for as many unknowns, they are made.
+/// The tool keeps matrices and factors between calls. If `recompute` is false, it uses those of the
+/// last call and only computes what depends on velocities, torques and forces; it computes them if
+/// it has none for this number of unknowns.
 ///
-/// An indefinite mass matrix is not detected. A tool belongs to one thread at a time.
+/// The tool does not detect an indefinite mass matrix. Only one thread may use it at a time.
 ///
 /// @see R. Featherstone, Rigid Body Dynamics Algorithms, Springer 2008, ch. 6, 8 and 9
 class KT_EXPORT KtCrbiAccelerationTool {
@@ -36,19 +36,18 @@ class KT_EXPORT KtCrbiAccelerationTool {
   /// @param manipulator    one of that system
   /// @param position       positions
   /// @param velocity       velocities
-  /// @param torque         torques that the joints' actuators get, and the load on a free base. A
-  ///                       joint beyond the last gets what the motion takes there by itself.
+  /// @param torque         torques of the joints' actuators, and the load on a free base. A joint
+  ///                       beyond the last entry gets the torque that the motion itself needs.
   /// @param external       forces on the links from outside, in the axes of their DH frames
   /// @param acceleration   the result: one joint acceleration for each joint, and, for a free base,
   ///                       its acceleration in the axes of the system; that of a fixed base is left
   ///                       as it is
-  /// @param activeState    if not null, the second form answers on it: then positions, velocities
-  ///                       and gravity are taken from there as they are, and nothing is prepared.
-  ///                       With null the tool's own state is used. In it, the acceleration state
-  ///                       that an earlier call put there stays, unless it has too few joints, or
-  ///                       no gravity where the system has. Its actuators' motors are at rest:
-  ///                       for the friction of moving motors, give an active state whose actuators
-  ///                       are initialised.
+  /// @param activeState    if not null, the call is one of the second form on this state, which
+  ///                       takes positions, velocities and gravity from it and prepares nothing.
+  ///                       If null, the tool's own state is used. It keeps the acceleration state
+  ///                       of an earlier call, unless that has too few joints, or no gravity while
+  ///                       the system has. Its motors are at rest: pass an active state whose
+  ///                       actuators are initialised to get the friction of moving motors.
   /// @param recompute      whether matrices and factors are computed anew
   virtual void acceleration(const KtStatedSystem& system,
                             const KtIndividualManipulator& manipulator,
@@ -58,8 +57,8 @@ class KT_EXPORT KtCrbiAccelerationTool {
                             KtAccelerationState& acceleration,
                             KtManipulatorActiveState* activeState, bool recompute);
   /// The accelerations in an active state that has positions and velocities, and gravity in its
-  /// acceleration state. It doesn't see another external force than that of the first call: a
-  /// caller who changes it calls `invalidateAll` on it before.
+  /// acceleration state. The state does not notice a changed external force: call `invalidateAll`
+  /// on it after changing one.
   virtual void acceleration(const KtStatedSystem& system,
                             const KtIndividualManipulator& manipulator,
                             const KtManipulatorTorque& torque,
@@ -74,17 +73,18 @@ class KT_EXPORT KtCrbiAccelerationTool {
   /// @param position       see `acceleration`
   /// @param velocity       see `acceleration`
   /// @param external       see `acceleration`
-  /// @param selection      true where the torque is known and the acceleration sought, false where
-  ///                       it is the other way round; true beyond its end
+  /// @param selection      true if the torque is known and the acceleration is sought, false if the
+  ///                       acceleration is known; true for unknowns beyond its end
   /// @param torque         in: the known torques; see `acceleration` for joints beyond the last.
-  ///                       Out: what was sought is added, as the command that through the gear
-  ///                       gives that joint torque. A joint of gear ratio 0 keeps its value. It
-  ///                       gets one joint torque for each joint, those that were missing from 0.
-  /// @param acceleration   in: the known accelerations. Out: those sought. It gets one for each
-  ///                       joint. Unlike with `acceleration`, those of a free base stand in the
-  ///                       axes of its DH frame, in and out; that of a fixed base becomes zero
+  ///                       Out: the torques sought are added, as the commands that give these
+  ///                       joint torques through the gears. A joint with gear ratio 0 keeps its
+  ///                       value. The list is resized to one entry for each joint; missing ones
+  ///                       start from 0.
+  /// @param acceleration   in: the known accelerations. Out: also those sought, one entry for each
+  ///                       joint. Unlike in `acceleration`, the acceleration of a free base is in
+  ///                       the axes of its DH frame, in and out; that of a fixed base becomes zero
   /// @param activeState    see `acceleration`
-  /// @param recompute      see `acceleration`; another selection also makes the factors anew
+  /// @param recompute      see `acceleration`; a different selection also recomputes the factors
   virtual void hybridTorqueAcceleration(
       const KtStatedSystem& system, const KtIndividualManipulator& manipulator,
       const KtPositionState& position, const KtVelocityState& velocity,
@@ -99,9 +99,9 @@ class KT_EXPORT KtCrbiAccelerationTool {
                                         KtManipulatorTorque& torque,
                                         KtAccelerationState& acceleration,
                                         KtManipulatorActiveState& activeState, bool recompute);
-  /// Computes the right side of the joints' equations: the torques that reach the joints through
-  /// their actuators' mechanical components, less those that the motion takes by itself. Joints
-  /// beyond the end of `torque` get 0.
+  /// Computes the right-hand side of the joints' equations: the torques that reach the joints
+  /// through the actuators' mechanical components, minus the torques that the motion itself needs.
+  /// Joints beyond the end of `torque` get 0.
   virtual void calculateJointTorqueArray(const KtIndividualManipulator& manipulator,
                                          const KtManipulatorTorque& torque,
                                          const KtManipulatorExternalForce& external,

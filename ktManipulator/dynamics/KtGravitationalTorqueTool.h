@@ -10,13 +10,13 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
  public:
   void setManipulator(const KtIndividualManipulator* manipulator) override;
 
-  /// The acceleration of the base that stands for gravity: upwards, in the axes of the system;
+  /// The upward acceleration of the base that represents gravity, in the axes of the system;
   /// (0, 0, 9.8) m/s^2 by default.
   virtual const KtVector& gravityVector() const { return gravityVector_; }
   virtual void setGravityVector(const KtVector& v) { gravityVector_ = v; }
   /// The torque (or force) that a joint needs to hold what it carries.
   ///
-  /// @param index        link index; 0 is the answer without a manipulator or such a link
+  /// @param index        link index; the result is 0 without a manipulator or such a link
   /// @param activeState  positions; filled with what was computed
   /// @param asker        the system whose attached manipulators count as well; may be null
   virtual double gravitationalTorque(KtU32 index, KtManipulatorActiveState& activeState,
@@ -24,14 +24,15 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
   /// The same on the state pointed to or the tool's own.
   virtual double gravitationalTorque(KtU32 index, KtManipulatorActiveState* activeState,
                                      const KtStatedSystemStruct* asker);
-  /// Those of all joints, as a column.
+  /// The torques of all joints, as a column.
   virtual const KtReArray& gravitationalTorques(KtManipulatorActiveState& activeState,
                                                 const KtStatedSystemStruct* asker);
   /// The same on the state pointed to or the tool's own.
   virtual const KtReArray& gravitationalTorques(KtManipulatorActiveState* activeState,
                                                 const KtStatedSystemStruct* asker);
-  /// The derivatives of a joint's torque by all joint positions, as a row, by one recursion inboard
-  /// and one outboard; exact where the unit motions of joints don't depend on their positions.
+  /// The derivatives of a joint's torque with respect to all joint positions, as a row, by one
+  /// recursion inboard and one outboard. They are exact if the unit motions of the joints do not
+  /// depend on the joint positions.
   ///
   /// @param index        link index; without a manipulator or such a link the result stays as it
   ///                     was
@@ -44,7 +45,7 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
   virtual const KtReArray& gravitationalTorqueGradient(KtU32 index,
                                                        KtManipulatorActiveState* activeState,
                                                        const KtStatedSystemStruct* asker);
-  /// Gives the results the manipulator's sizes, filled with zeros.
+  /// Resizes the results for the manipulator and fills them with zeros.
   virtual void resize();
 
  private:
@@ -57,8 +58,8 @@ class KT_EXPORT KtGravitationalTorqueTool : public KtManipulatorTool {
                                            const KtManipulatorLink& link,
                                            KtManipulatorActiveState& activeState,
                                            const KtStatedSystemStruct* asker);
-  // Sets the derivative by a link's position: the product of a force that its motion turns, in the
-  // link's DH axes, and gravity.
+  // Sets the derivative with respect to a link's position: the product of gravity and a force that
+  // the link's motion turns, in the link's DH axes.
   void setDerivative(const KtManipulatorLink& link, const KtVector& turned,
                      KtManipulatorActiveState& activeState);
 

@@ -5,21 +5,21 @@
 
 class KtIndividualManipulator;
 
-/// What the tools that compute matrices and torques of one manipulator have in common: the
-/// manipulator, and an active state of their own.
+/// The base of the tools that compute matrices and torques of one manipulator: it holds the
+/// manipulator and an active state of its own.
 ///
-/// Queries come in two forms. One takes an active state; the other a pointer to one, which may be
-/// null: the tool's own state answers then, with the positions given to `setPositionState`. Results
-/// are kept in the tool and returned by reference: a reference holds until the tool's next query.
-/// A tool belongs to one thread at a time.
+/// Each query has two forms. The first takes an active state. The second takes a pointer to one; if
+/// the pointer is null, the tool uses its own state, with the positions that `setPositionState`
+/// set. The tool stores its results and returns references to them, which are valid until its next
+/// query. Only one thread may use a tool at a time.
 class KT_EXPORT KtManipulatorTool {
  public:
   virtual ~KtManipulatorTool() = default;
 
-  /// The manipulator that is asked about; null by default. Not owned.
+  /// The manipulator that the queries are about, not owned; null by default.
   virtual const KtIndividualManipulator* manipulator() const { return manipulator_; }
-  /// Sets the manipulator, resizes the results and makes invalid what the tool's own state has
-  /// cached. The manipulator has to live as long as the tool is asked.
+  /// Sets the manipulator, resizes the results and invalidates the tool's own state. The
+  /// manipulator must exist until the tool's last query.
   virtual void setManipulator(const KtIndividualManipulator* manipulator) {
     manipulator_ = manipulator;
     if (ownWasAsked_) own_.invalidateAll();

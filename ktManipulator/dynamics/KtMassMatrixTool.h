@@ -3,8 +3,8 @@
 #include "ktManipulator/dynamics/KtMatrixDTool.h"
 #include "ktManipulator/dynamics/KtTotalTorqueTool.h"
 
-/// Joint-space mass matrices of a manipulator, by the composite-rigid-body method. The actuators'
-/// inertias are no part of them.
+/// Joint-space mass matrices of a manipulator, by the composite-rigid-body method. They do not
+/// include the inertias of actuators.
 ///
 /// With n joints, the extended matrices have the rows and columns of the n joints first, by link
 /// index, and then six of the base: linear x, y, z, angular x, y, z.
@@ -15,8 +15,8 @@ class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
  public:
   void setManipulator(const KtIndividualManipulator* manipulator) override;
 
-  /// The n by n mass matrix, exactly symmetric. Entries of joints of which neither carries the
-  /// other are exactly 0. Empty without a manipulator.
+  /// The n by n mass matrix, which is exactly symmetric. The entry of two joints of which neither
+  /// carries the other is exactly 0. The matrix is empty without a manipulator.
   ///
   /// @param activeState  positions; filled with what was computed
   /// @param asker        the system whose attached manipulators count as well; may be null
@@ -38,35 +38,34 @@ class KT_EXPORT KtMassMatrixTool : public KtManipulatorTool {
   /// The same on the state pointed to or the tool's own.
   virtual const KtReArray& extendedMassMatrixInSystem(KtManipulatorActiveState* activeState,
                                                       const KtStatedSystemStruct* asker);
-  /// The joint torques that each column of an array takes as joint accelerations, without gravity,
-  /// at rest, with the base held: the mass matrix times the array, by inverse dynamics, without the
-  /// matrix. What inverse dynamics has beyond the mass matrix, springs and the actuators' inertias,
-  /// is in it.
+  /// The product of the mass matrix and an array, by inverse dynamics instead of the matrix: the
+  /// joint torques that each column needs as joint accelerations, without gravity, at rest and with
+  /// the base held. Unlike the mass matrix, it includes springs and the inertias of actuators.
   ///
-  /// Velocities and accelerations of the state are overwritten.
+  /// The call overwrites the velocities and accelerations of the state.
   ///
   /// @param activeState  positions
-  /// @param nullSpace    a column for each result; rows beyond the joints don't count. An array
-  ///                     without columns stands for the identity, of size n with a fixed base, and
-  ///                     n + 6 otherwise, if `degreesOfConstraint()` is 0
+  /// @param nullSpace    one column for each result; rows beyond the joints are ignored. If
+  ///                     `degreesOfConstraint()` is 0, an array without columns stands for the
+  ///                     identity of size n with a fixed base, and of size n + 6 otherwise
   /// @return             an array of the same shape
   virtual const KtReArray& nullSpaceTorque(KtManipulatorActiveState& activeState,
                                            const KtReArray& nullSpace);
   /// The same on the state pointed to or the tool's own.
   virtual const KtReArray& nullSpaceTorque(KtManipulatorActiveState* activeState,
                                            const KtReArray& nullSpace);
-  /// Whether the base is held; true by default. `setManipulator` doesn't change it.
+  /// Whether the base is held; true by default. `setManipulator` does not change this.
   virtual bool isFixedBase() const { return isFixedBase_; }
   virtual void setIsFixedBase(bool value) { isFixedBase_ = value; }
-  /// How many constraints the caller's null space leaves out; 0 by default.
+  /// The number of constraints whose null space the caller passes; 0 by default.
   virtual KtU32 degreesOfConstraint() const { return degreesOfConstraint_; }
   virtual void setDegreesOfConstraint(unsigned int count) { degreesOfConstraint_ = count; }
-  /// Gives the mass matrix the manipulator's size, filled with zeros.
+  /// Resizes the mass matrix for the manipulator and fills it with zeros.
   virtual void resize();
   /// The matrix D of `KtMatrixDTool` that belongs to the last `massMatrix`.
   void getCoupling(KtReArray& d) const { columns_.getCoupling(d); }
-  /// For each joint of the last `massMatrix` the joint that carries it; for those on the base the
-  /// number of joints.
+  /// For each joint of the last `massMatrix`, the joint that carries it, or the number of joints
+  /// for a joint on the base.
   const std::vector<KtU32>& parents() const noexcept { return columns_.parents(); }
 
  private:

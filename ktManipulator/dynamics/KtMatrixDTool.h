@@ -5,13 +5,14 @@
 #include "ktManipulator/foundation/matrix/KtReArray.h"
 
 /// The matrix that couples the joints of a manipulator to its base: row i is the force and moment
-/// that a unit of acceleration of joint i takes at the base, all else at rest.
+/// that the base needs for a unit acceleration of joint i while everything else is at rest.
 class KT_EXPORT KtMatrixDTool : public KtManipulatorTool {
  public:
   void setManipulator(const KtIndividualManipulator* manipulator) override;
 
   /// The matrix: one row for each joint by link index, six columns, force first, in the base's DH
-  /// frame. A link that is missing is reported and its row stays zero. Empty without a manipulator.
+  /// frame. A missing link is reported and its row stays zero. The matrix is empty without a
+  /// manipulator.
   ///
   /// @param activeState  positions; filled with what was computed
   /// @param asker        the system whose attached manipulators count as well; may be null
@@ -22,11 +23,11 @@ class KT_EXPORT KtMatrixDTool : public KtManipulatorTool {
                                    const KtStatedSystemStruct* asker);
   /// Rotates the force and the moment in each row of a matrix of six columns.
   ///
-  /// @param d    other numbers of columns are reported, and `out` stays as it was
+  /// @param d    a matrix with another number of columns is reported, and `out` stays as it was
   /// @param r    the rotation
   /// @param out  the result; may be d itself
   virtual void transformMatrixD(const KtReArray& d, const KtOrientation& r, KtReArray& out) const;
-  /// Gives the result the manipulator's size, filled with zeros.
+  /// Resizes the result for the manipulator and fills it with zeros.
   virtual void resize();
 
  private:

@@ -5,22 +5,22 @@
 #include "ktManipulator/state/KtManipulatorExternalForce.h"
 #include "ktManipulator/state/KtManipulatorTorque.h"
 
-/// What a joint's torque has of the mechanical component of its actuator.
+/// Which part of its actuator's mechanical component a joint torque includes.
 enum KtTotalTorqueType : KtU32 {
-  kTotalTorqueWithFriction = 0,  ///< What the component needs for itself under that load.
-  kTotalTorqueWithLinear = 1,    ///< The component's linear part alone: viscous friction, stoppers.
-  kTotalTorqueOfLinks = 2        ///< Nothing.
+  kTotalTorqueWithFriction = 0,  ///< All that the component needs under that load, with friction.
+  kTotalTorqueWithLinear = 1,    ///< Its linear part alone: viscous friction, stoppers.
+  kTotalTorqueOfLinks = 2        ///< None of it.
 };
 
-/// Inverse dynamics: the torques that the motion of an active state takes, by the recursive method
+/// Inverse dynamics: the torques that the motion in an active state needs, by the recursive method
 /// of Newton and Euler.
 ///
-/// Gravity is an acceleration of the base upwards, in the acceleration state that is given. A state
-/// that came out of forward dynamics has none: to get the torques back, gravity is to be added to
-/// its general acceleration.
+/// Gravity enters as an upward acceleration of the base, which the caller puts into the
+/// acceleration state. A state that forward dynamics returned does not contain it: add gravity to
+/// its general acceleration to get the torques back.
 ///
-/// Forces are kept in the active state. It doesn't see another external force, nor another asker:
-/// what was computed for the first stays until a state is set or `invalidateAll` is called.
+/// The active state caches the forces. It does not notice a different external force or a different
+/// asker: the results of the first ones remain until a state is set or `invalidateAll` is called.
 ///
 /// @see J. Y. S. Luh, M. W. Walker, R. P. C. Paul, On-line computational scheme for mechanical
 ///      manipulators, Journal of Dynamic Systems, Measurement, and Control 102 (1980), 69-76
@@ -28,10 +28,11 @@ class KT_EXPORT KtTotalTorqueTool : public KtManipulatorTool {
  public:
   void setManipulator(const KtIndividualManipulator* manipulator) override;
 
-  /// The torque (or force) of one joint: what the links need, the springs and dampers at the joint,
-  /// the actuator's inertia at the joint's acceleration, and what `totalTorqueType()` asks for.
+  /// The torque (or force) of one joint. It is the sum of what the links need, the torques of
+  /// spring and damper at the joint, the torque that accelerates the actuator's inertia, and the
+  /// part of the mechanical component that `totalTorqueType()` selects.
   ///
-  /// @param index        link index; 0 is the answer without a manipulator or such a link
+  /// @param index        link index; the result is 0 without a manipulator or such a link
   /// @param external     forces on the links from outside, in the axes of their DH frames
   /// @param activeState  positions, velocities and accelerations; filled with what was computed
   /// @param asker        the system whose attached manipulators count as well; may be null
@@ -44,13 +45,13 @@ class KT_EXPORT KtTotalTorqueTool : public KtManipulatorTool {
   virtual const KtManipulatorTorque& torques(const KtManipulatorExternalForce& external,
                                              KtManipulatorActiveState& activeState,
                                              const KtStatedSystemStruct* asker);
-  /// The same on the state pointed to or the tool's own. If its actuator state has fewer entries
-  /// than there are joint positions, the actuators initialise it first.
+  /// The same on the state pointed to or the tool's own. If the state's actuator state has fewer
+  /// entries than joint positions, the actuators initialise it first.
   virtual const KtManipulatorTorque& torques(const KtManipulatorExternalForce& external,
                                              KtManipulatorActiveState* activeState,
                                              const KtStatedSystemStruct* asker);
-  /// The torques with the base left to itself: its acceleration in the state is replaced, for good,
-  /// by the one at which no force is needed at the base.
+  /// The torques of a base that moves freely. The acceleration of the base in the state is replaced
+  /// by the one at which the base needs no force, and keeps that value afterwards.
   virtual const KtManipulatorTorque& torquesNoBaseForce(const KtManipulatorExternalForce& external,
                                                         KtManipulatorActiveState& activeState,
                                                         const KtStatedSystemStruct* asker);
@@ -58,8 +59,8 @@ class KT_EXPORT KtTotalTorqueTool : public KtManipulatorTool {
   virtual const KtManipulatorTorque& torquesNoBaseForce(const KtManipulatorExternalForce& external,
                                                         KtManipulatorActiveState* activeState,
                                                         const KtStatedSystemStruct* asker);
-  /// The force and moment at the base's DH frame, in its axes, that the motion takes; zero without
-  /// a manipulator.
+  /// The force and moment that the motion needs at the base's DH frame, in that frame's axes; zero
+  /// without a manipulator.
   virtual KtGeneralForce generalForce(const KtManipulatorExternalForce& external,
                                       KtManipulatorActiveState& activeState,
                                       const KtStatedSystemStruct* asker);
@@ -67,18 +68,20 @@ class KT_EXPORT KtTotalTorqueTool : public KtManipulatorTool {
   virtual KtGeneralForce generalForce(const KtManipulatorExternalForce& external,
                                       KtManipulatorActiveState* activeState,
                                       const KtStatedSystemStruct* asker);
-  /// Makes the base of the tool's own state accelerate by g, without turning: gravity, pointing up.
+  /// Sets the acceleration of the base in the tool's own state to g, without angular acceleration.
+  /// The vector g points up, against gravity.
   virtual void setBaseAccelerationFromGravityVector(const KtVector& g);
-  /// Sets the velocities of the tool's own state. If it has fewer joint accelerations, they become
-  /// as many zeros, and the base's acceleration zero.
+  /// Sets the velocities of the tool's own state. If the state has fewer joint accelerations than
+  /// that, all its accelerations become zero, with one entry for each joint.
   virtual void setVelocityState(const KtVelocityState& state);
   /// Sets the accelerations of the tool's own state.
   virtual void setAccelerationState(const KtAccelerationState& state);
-  /// Sets what `totalTorqueType()` answers. Values beyond the three count as the last.
+  /// Values beyond the three count as the last.
   virtual void setTotalTorqueType(KtTotalTorqueType type) { totalTorqueType_ = type; }
-  /// What torques have of the actuators' mechanical components; the first by default.
+  /// Which part of the mechanical components torques include; `kTotalTorqueWithFriction` by
+  /// default.
   virtual KtTotalTorqueType totalTorqueType() const { return totalTorqueType_; }
-  /// Gives the results the manipulator's sizes.
+  /// Resizes the results for the manipulator.
   virtual void resize();
 
  private:
