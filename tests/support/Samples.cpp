@@ -177,9 +177,15 @@ class Samples {
   void addFilled() {
     (all_.push_back({nameOf<Cls>(), [] { return std::make_unique<Cls>(filled<Cls>()); }}), ...);
   }
+  // Every test's process lists the samples, and few make them.
+  template <class Make>
+  void addMade(Make make) {
+    using Cls = decltype(make());
+    all_.push_back({nameOf<Cls>(), [make] { return std::make_unique<Cls>(make()); }});
+  }
   template <class Cls>
   void add(const Cls& value) {
-    all_.push_back({nameOf<Cls>(), [value] { return std::make_unique<Cls>(value); }});
+    addMade([value] { return value; });
   }
   const std::vector<Sample>& all() const { return all_; }
 
@@ -315,13 +321,17 @@ void addValues(Samples& to) {
   KtManipulatorSelfCollisionLinkMap links;
   links.setLinkCollisionCanditateByIdentifier("upper", "fore", true);
   links.setLinkCollisionCanditateByIdentifier("fore", "fore", false);
-  to.add(links), to.add(system().collisionExclusionMap());
-  to.add(system().manipulatorAttachmentMap());
+  to.add(links);
+  to.addMade([] { return system().collisionExclusionMap(); });
+  to.addMade([] { return system().manipulatorAttachmentMap(); });
   to.add(KtXmlVertexList(kTetrahedron));
   to.add(KtXmlTriangleList({{0, 2, 1}, {4294967295U, 7, 9}}));
-  KtManipulatorLink tree = link("arm");
-  tree.addChild(link("hand"));
-  to.add(node()), to.add(tree), to.add(arm("robot")), to.add(system());
+  to.addMade([] {
+    KtManipulatorLink tree = link("arm");
+    tree.addChild(link("hand"));
+    return tree;
+  });
+  to.addMade(node), to.addMade([] { return arm("robot"); }), to.addMade(system);
   SampleFunctionVector functions;
   for (const double a : {1.0, 3.0}) functions.pushBack(KtLinearScalarFunction(a, 4.0));
   to.add(functions);
@@ -335,16 +345,20 @@ void addValues(Samples& to) {
   state.setVelocityStates({2, filled<KtVelocityState>()});
   state.setTime(0.1);
   to.add(state);
-  KtStatedSystem stated;
-  stated.setFromSystem(system());
-  KtVelocityState velocity = stated.state().velocityStates()[1];
-  velocity.setGeneralVelocity(kMotion);
-  stated.setIndividualVelocityState(1, velocity);
-  to.add(stated);
-  KtSystemActiveState active;
-  active.setNumManipulators(2);
-  active.manipulatorActiveStateVector()[1] = filled<KtManipulatorActiveState>();
-  to.add(active);
+  to.addMade([] {
+    KtStatedSystem stated;
+    stated.setFromSystem(system());
+    KtVelocityState velocity = stated.state().velocityStates()[1];
+    velocity.setGeneralVelocity(kMotion);
+    stated.setIndividualVelocityState(1, velocity);
+    return stated;
+  });
+  to.addMade([] {
+    KtSystemActiveState active;
+    active.setNumManipulators(2);
+    active.manipulatorActiveStateVector()[1] = filled<KtManipulatorActiveState>();
+    return active;
+  });
 }
 
 void addShapes(Samples& to) {
@@ -355,17 +369,22 @@ void addShapes(Samples& to) {
   KtExtentUnion extents;
   extents.addMember(KtSphereShape({}, 1.0)), extents.addMember(KtConeShape(0.5, 2.0, kFrame));
   KtShapeUnion shapes;
-  shapes.addMember(bounded(extents)), shapes.addMember(KtCylinderShape(0.5, 2.0, kFrame));
+  shapes.addMember(extents), shapes.addMember(KtCylinderShape(0.5, 2.0, kFrame));
   KtSphereShape ball;
   ball.setCenter({1.0, 2.0, 3.0}), ball.setRadius(0.25);
   KtCapsuleShape capsule;
   capsule.setCapsule({KtLineSegment({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}), 0.5});
-  const auto add = [&to](const auto&... shape) { (to.add(bounded(shape)), ...); };
+  const auto add = [&to](const auto&... shape) {
+    (to.addMade([shape] { return bounded(shape); }), ...);
+  };
   add(hull, mesh, extents, shapes, ball, capsule, KtBoxShape({1.0, 2.0, 3.0}, kFrame),
       KtCylinderShape(0.5, 2.0, kFrame), KtConeShape(0.5, 2.0, kFrame),
       KtEllipsoidShape(KtEllipsoid(1.0, 2.0, 3.0, kFrame)));
-  KtShapeContainer holder;
-  holder.setTopElement(bounded(shapes)), to.add(holder);
+  to.addMade([shapes] {
+    KtShapeContainer holder;
+    holder.setTopElement(bounded(shapes));
+    return holder;
+  });
 }
 
 }  // namespace
