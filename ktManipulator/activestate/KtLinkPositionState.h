@@ -35,8 +35,8 @@ class KT_EXPORT KtLinkPositionState
   void place(const KtCoordinateSystemTransformation& dhFrame,
              const KtCoordinateSystemTransformation& primary) noexcept {
     dhFrame_ = dhFrame;
-    primaryFrame_ = dhFrame_;
-    if (primary.mode() != KtCoordinateSystemTransformation::kIdentity) primaryFrame_ *= primary;
+    primaryFrame_ =
+        primary.mode() == KtCoordinateSystemTransformation::kIdentity ? dhFrame : dhFrame * primary;
     setLocationInSystemValid(true);
   }
   /// The joint transform: the DH frame in that of the inboard link.
