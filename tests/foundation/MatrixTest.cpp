@@ -1,3 +1,5 @@
+#include <Eigen/Dense>
+
 #include "support/Testing.h"
 
 namespace {
@@ -5,79 +7,72 @@ namespace {
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-KtReArray randomArray(KtU32 rows, KtU32 columns) {
-  KtReArray a(rows, columns);
-  for (KtU32 i = 0; i < rows; ++i) std::generate_n(a[i], columns, [] { return uniform(); });
+using Dense = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
+using Operation = bool (KtReArray::*)(const KtReArray&, KtReArray&) const;
+
+Eigen::Map<const Dense> view(const KtReArray& a) {
+  return {a[0], a.rows(), a.columns()};
+}
+KtReArray arrayOf(const Dense& entries) {
+  KtReArray a(static_cast<KtU32>(entries.rows()), static_cast<KtU32>(entries.cols()));
+  std::copy_n(entries.data(), entries.size(), a[0]);
   return a;
 }
-
-// The textbook's loops, to compare with.
-KtReArray times(const KtReArray& a, const KtReArray& b) {
-  KtReArray c(a.rows(), b.columns());
-  for (KtU32 i = 0; i < a.rows(); ++i) {
-    for (KtU32 k = 0; k < b.rows(); ++k) {
-      for (KtU32 j = 0; j < b.columns(); ++j) c[i][j] += a[i][k] * b[k][j];
-    }
-  }
-  return c;
-}
-KtReArray transposed(const KtReArray& a) {
-  KtReArray t(a.columns(), a.rows());
-  for (KtU32 i = 0; i < a.rows(); ++i) {
-    for (KtU32 j = 0; j < a.columns(); ++j) t[j][i] = a[i][j];
-  }
-  return t;
-}
-// Largest difference of two entries; NaN for different shapes and if there is a NaN.
-double gap(const KtReArray& a, const KtReArray& b) {
-  if (a.rows() != b.rows() || a.columns() != b.columns()) return kNaN;
-  double largest = 0.0;
-  for (KtU32 i = 0; i < a.rows(); ++i) {
-    for (KtU32 j = 0; j < a.columns(); ++j) {
-      const double d = std::abs(a[i][j] - b[i][j]);
-      if (!(d <= largest)) largest = d;
-    }
-  }
-  return largest;
-}
-double size(const KtReArray& a) {
-  return gap(a, KtReArray(a.rows(), a.columns()));
-}
-
-KtReArray identity(KtU32 n) {
-  KtReArray e(n, n);
-  for (KtU32 i = 0; i < n; ++i) e[i][i] = 1.0;
-  return e;
+KtReArray randomArray(KtU32 rows, KtU32 columns) {
+  return arrayOf(Dense::NullaryExpr(rows, columns, [] { return uniform(); }));
 }
 // Symmetric, with eigenvalues of at least 1.
 KtReArray randomPositive(KtU32 n) {
   const KtReArray a = randomArray(n, n);
-  KtReArray s = times(a, transposed(a));
-  for (KtU32 i = 0; i < n; ++i) s[i][i] += 1.0;
-  return s;
+  return arrayOf(view(a) * view(a).transpose() + Dense::Identity(n, n));
+}
+// Largest difference of two entries; NaN for different shapes and if there is a NaN.
+double gap(const Dense& a, const Dense& b) {
+  if (a.rows() != b.rows() || a.cols() != b.cols() || a.hasNaN() || b.hasNaN()) return kNaN;
+  return a.size() == 0 ? 0.0 : (a - b).cwiseAbs().maxCoeff();
+}
+double largest(const Dense& a) {
+  return gap(a, Dense::Zero(a.rows(), a.cols()));
 }
 
-TEST(ReArray, ProductsAgreeWithPlainLoopsAtAllShapes) {
+// The result of an operation, which may replace either argument.
+KtReArray result(Operation run, const KtReArray& a, const KtReArray& b) {
+  KtReArray out(3, 3), self = a, other = b;
+  EXPECT_TRUE((a.*run)(b, out));
+  EXPECT_TRUE((self.*run)(b, self));
+  EXPECT_TRUE((a.*run)(other, other));
+  EXPECT_EQ(self, out);
+  EXPECT_EQ(other, out);
+  return out;
+}
+
+TEST(ReArray, ProductsAgreeWithEigenAtAllShapes) {
   for (KtU32 rows = 0; rows <= 9; ++rows) {
     for (const KtU32 inner : {0U, 1U, 2U, 3U, 4U, 6U, 9U}) {
       for (const KtU32 columns : {0U, 1U, 2U, 5U, 8U}) {
         SCOPED_TRACE(testing::Message() << rows << " " << inner << " " << columns);
         const KtReArray a = randomArray(rows, inner);
         const KtReArray b = randomArray(inner, columns);
-        const KtReArray expected = times(a, b);
-        KtReArray out(3, 3);
-        ASSERT_TRUE(a.transform(b, out));
-        EXPECT_LE(gap(out, expected), 10 * kEpsilon);
-        EXPECT_EQ(a * b, out);
-        ASSERT_TRUE(transposed(a).leftTransposeTransform(b, out));
-        EXPECT_LE(gap(out, expected), 10 * kEpsilon);
-        a.overconstrainedNormal(out);
-        EXPECT_LE(gap(out, times(transposed(a), a)), 10 * kEpsilon);
-        EXPECT_EQ(out, out.transpose());
+        const Dense expected = view(a) * view(b);
+        const KtReArray product = result(&KtReArray::transform, a, b);
+        EXPECT_LE(gap(view(product), expected), 10 * kEpsilon);
+        EXPECT_EQ(a * b, product);
+        KtReArray turned = a;
+        turned.transpose(turned);
+        EXPECT_EQ(gap(view(turned), view(a).transpose()), 0.0);
+        EXPECT_EQ(a.transpose(), turned);
+        const KtReArray left = result(&KtReArray::leftTransposeTransform, turned, b);
+        EXPECT_LE(gap(view(left), expected), 10 * kEpsilon);
+        KtReArray normal, self = a;
+        a.overconstrainedNormal(normal);
+        self.overconstrainedNormal(self);
+        EXPECT_EQ(self, normal);
+        EXPECT_LE(gap(view(normal), view(a).transpose() * view(a)), 10 * kEpsilon);
+        EXPECT_EQ(normal, normal.transpose());
         const std::vector<double> sums = a * std::vector<double>(inner, 1.0);
         ASSERT_EQ(sums.size(), rows);
         for (KtU32 i = 0; i < rows; ++i) {
-          EXPECT_NEAR(sums[i], std::accumulate(a[i], a[i] + inner, 0.0), 10 * kEpsilon);
+          EXPECT_NEAR(sums[i], view(a).row(i).sum(), 10 * kEpsilon);
         }
       }
     }
@@ -96,48 +91,28 @@ TEST(ReArray, FactorAndSolversInvertAPositiveMatrix) {
     }
     EXPECT_TRUE(array.choleskyDecomposition(l));
     const double tolerance = 10 * kEpsilon * n * n;
-    EXPECT_LE(gap(times(l, transposed(l)), s), tolerance);
-    for (KtU32 i = 0; i < n; ++i) {
-      for (KtU32 j = i + 1; j < n; ++j) EXPECT_EQ(l[i][j], 0.0);
-    }
+    EXPECT_LE(gap(view(l) * view(l).transpose(), view(s)), tolerance);
+    EXPECT_TRUE(view(l).isLowerTriangular(0.0));
     EXPECT_TRUE(array.choleskyDecomposition(array));
     EXPECT_EQ(array, l) << "in place";
     for (const KtU32 columns : {0U, 1U, 2U, 6U}) {
       const KtReArray b = randomArray(n, columns);
-      KtReArray x, y;
-      ASSERT_TRUE(l.choleskyBackSubstitution(b, x));
-      EXPECT_LE(gap(times(s, x), b), 100 * tolerance);
-      ASSERT_TRUE(l.choleskyBackSubstitutionOnTranspose(transposed(b), y));
-      EXPECT_EQ(y, x);
-      ASSERT_TRUE(l.forwardSubstitutionOnTranspose(transposed(b), y));
-      EXPECT_LE(gap(times(l, y), b), 100 * tolerance);
+      const KtReArray bT = b.transpose();
+      const struct {
+        Operation solve;
+        KtReArray given;
+        Dense matrix;
+      } rows[] = {{&KtReArray::choleskyBackSubstitution, b, view(s)},
+                  {&KtReArray::forwardSubstitution, b, view(l)},
+                  {&KtReArray::backwardSubstitution, b, view(l).transpose()},
+                  {&KtReArray::choleskyBackSubstitutionOnTranspose, bT, view(s)},
+                  {&KtReArray::forwardSubstitutionOnTranspose, bT, view(l)}};
+      for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        const KtReArray x = result(row.solve, l, row.given);
+        EXPECT_LE(gap(row.matrix * view(x), view(b)), 100 * tolerance);
+      }
     }
-  }
-}
-
-TEST(ReArray, ResultMayReplaceAnArgument) {
-  using Run = std::function<void(const KtReArray&, const KtReArray&, KtReArray&)>;
-  KtReArray l;
-  randomPositive(5).choleskyDecomposition(l);
-  const KtReArray b = randomArray(5, 5);
-  int which = 0;
-  for (const Run& run : std::initializer_list<Run>{
-           [](auto&x, auto&y, auto&out) { x.transform(y, out); },
-           [](auto&x, auto&y, auto&out) { x.leftTransposeTransform(y, out); },
-           [](auto&x, auto&, auto&out) { x.overconstrainedNormal(out); },
-           [](auto&x, auto&, auto&out) { x.transpose(out); },
-           [](auto&x, auto&y, auto&out) { x.choleskyBackSubstitution(y, out); },
-           [](auto&x, auto&y, auto&out) { x.choleskyBackSubstitutionOnTranspose(y, out); },
-           [](auto&x, auto&y, auto&out) { x.forwardSubstitutionOnTranspose(y, out); }}) {
-    SCOPED_TRACE(which++);
-    KtReArray expected;
-    run(l, b, expected);
-    KtReArray self = l;
-    run(self, b, self);
-    EXPECT_EQ(self, expected);
-    KtReArray other = b;
-    run(l, other, other);
-    EXPECT_EQ(other, expected);
   }
 }
 
@@ -146,16 +121,16 @@ TEST(ReArray, ResultMayReplaceAnArgument) {
 TEST(ReArray, RedundantEquationsAreSolved) {
   for (KtU32 n = 3; n <= 12; ++n) {
     SCOPED_TRACE(n);
-    KtReArray a = randomArray(n, n);
-    std::fill_n(a[n / 2], n, 0.0);
-    for (KtU32 j = 0; j < n; ++j) a[n - 1][j] = a[0][j] - 2.0 * a[1][j];
-    const KtReArray s = times(a, transposed(a));
-    const KtReArray b = times(s, randomArray(n, 1));
+    Dense a = view(randomArray(n, n));
+    a.row(n / 2).setZero();
+    a.row(n - 1) = a.row(0) - 2.0 * a.row(1);
+    const KtReArray s = arrayOf(a * a.transpose());
+    const KtReArray b = arrayOf(view(s) * view(randomArray(n, 1)));
     KtReArray l, x;
     EXPECT_FALSE(s.choleskyDecomposition(l));
     ASSERT_TRUE(l.choleskyBackSubstitution(b, x));
-    EXPECT_LE(gap(times(s, x), b), 1e-9);
-    EXPECT_LT(size(x), 1e6);
+    EXPECT_LE(gap(view(s) * view(x), view(b)), 1e-9);
+    EXPECT_LT(largest(view(x)), 1e6);
   }
 }
 
@@ -167,9 +142,9 @@ TEST(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
     for (const KtReArray& matrix : {s, KtReArray(n, n)}) {
       KtReArray l, x;
       EXPECT_FALSE(matrix.choleskyDecomposition(l));
-      EXPECT_LT(size(l), 1e150);
+      EXPECT_LT(largest(view(l)), 1e150);
       l.choleskyBackSubstitution(randomArray(n, 1), x);
-      EXPECT_LE(size(x), std::numeric_limits<double>::max());
+      EXPECT_TRUE(view(x).allFinite());
     }
   }
 }
@@ -185,47 +160,45 @@ TEST(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
     const bool sparse = trial % 2 == 1;
     const KtU32 rank = sparse ? std::min(rows, columns) : upTo(std::min(rows, columns) + 1);
     std::vector<unsigned> begin(sparse ? rows : 0), end(begin);
-    KtReArray j(rows, k);  // padded
-    j.copyEntriesOf(times(randomArray(rows, rank), randomArray(rank, columns)));
+    Dense j = Dense::Zero(rows, k);  // padded
+    j.leftCols(columns) = view(randomArray(rows, rank)) * view(randomArray(rank, columns));
     for (KtU32 i = 0; i < begin.size(); ++i) {
       begin[i] = i;
       end[i] = i + 1 + upTo(3);
       for (KtU32 m = 0; m < k; ++m) {
-        j[i][m] = m >= i && m < end[i] && m < columns ? uniform(1.0, 2.0) : 0.0;
+        j(i, m) = m >= i && m < end[i] && m < columns ? uniform(1.0, 2.0) : 0.0;
       }
     }
-    KtReArray work(k, k);
-    for (KtU32 i = rows; i < k; ++i) std::fill(work[i], work[i] + k, kNaN);  // not looked at
-    work.copyEntriesOf(j);
+    KtReArray work = arrayOf(Dense::Constant(k, k, kNaN));  // rows below are not looked at
+    work.copyEntriesOf(arrayOf(j));
     EXPECT_TRUE(rows == k || std::isnan(work[rows][0]));
     KtReArray sparseWork = work;
-    KtReArray n, sparseN;
+    KtReArray basis, sparseBasis;
     std::vector<unsigned> indices, sparseIndices;
-    ASSERT_TRUE(work.nullSpace(n, rows, indices));
+    ASSERT_TRUE(work.nullSpace(basis, rows, indices));
     ASSERT_EQ(indices.size(), rows + k + 1);
     EXPECT_EQ(indices.back(), rank);
-    ASSERT_EQ(n.rows(), k);
-    ASSERT_EQ(n.columns(), k - rank);
-    EXPECT_LE(size(times(j, n)), 1e-13);
-    EXPECT_LE(gap(times(transposed(n), n), identity(n.columns())), 1e-13);
+    ASSERT_EQ(basis.rows(), k);
+    ASSERT_EQ(basis.columns(), k - rank);
+    const auto n = view(basis);
+    EXPECT_LE(largest(j * n), 1e-13);
+    EXPECT_LE(gap(n.transpose() * n, Dense::Identity(k - rank, k - rank)), 1e-13);
     // Padding columns come last and leave the others alone.
-    for (KtU32 m = columns; m < k; ++m) {
-      for (KtU32 i = 0; i < n.columns(); ++i) {
-        EXPECT_EQ(n[m][i], i == n.columns() - (k - m) ? 1.0 : 0.0);
-      }
-    }
-    KtReArray l = identity(rows), u(rows, k), permuted(rows, k);
-    for (KtU32 i = 0; i < rows; ++i) {
-      for (KtU32 m = 0; m < k; ++m) {
-        (m < i ? l : u)[i][m] = work[i][m];
-        permuted[i][m] = j[indices[i]][indices[rows + m]];
-      }
-    }
-    EXPECT_LE(gap(times(l, u), permuted), 1e-11);
-    ASSERT_TRUE(sparseWork.nullSpaceSparse(sparseN, rows, sparseIndices, begin, end));
-    EXPECT_EQ(sparseN, n);
+    const KtU32 padding = k - columns;
+    Dense padded = Dense::Zero(padding, k - rank);
+    padded.rightCols(padding).setIdentity();
+    EXPECT_EQ(gap(n.bottomRows(padding), padded), 0.0);
+    const Dense factor = view(work).topRows(rows);
+    const Dense l = factor.leftCols(rows).triangularView<Eigen::UnitLower>();
+    const Dense u = factor.triangularView<Eigen::Upper>();
+    const auto columnPivots = indices.begin() + rows;
+    const Dense permuted =
+        j(std::vector(indices.begin(), columnPivots), std::vector(columnPivots, columnPivots + k));
+    EXPECT_LE(gap(l * u, permuted), 1e-11);
+    ASSERT_TRUE(sparseWork.nullSpaceSparse(sparseBasis, rows, sparseIndices, begin, end));
+    EXPECT_EQ(sparseBasis, basis);
     EXPECT_EQ(sparseIndices, indices);
-    for (KtU32 i = 0; i < rows; ++i) EXPECT_TRUE(std::equal(work[i], work[i] + k, sparseWork[i]));
+    EXPECT_EQ(gap(view(sparseWork).topRows(rows), factor), 0.0);
   }
 }
 
@@ -239,7 +212,7 @@ TEST(ReArray, NullSpaceTellsASingularPoseFromANearlySingularOne) {
     std::vector<unsigned> indices;
     ASSERT_TRUE(work.nullSpace(n, 2, indices));
     EXPECT_EQ(indices.back(), rank);
-    EXPECT_LE(size(times(jacobian, n)), 1e-11);
+    EXPECT_LE(largest(view(jacobian) * view(n)), 1e-11);
   }
 }
 
