@@ -35,8 +35,7 @@ TEST(States, InterpolateLinearlyInEveryNumber) {
     orientation.setFromAngleAxis(angle, {0.0, 0.6, 0.8});
     return orientation;
   };
-  System a = systemState({3, 2}, 1.0);
-  System b = systemState({3, 2}, 3.0);
+  System a = systemState({3, 2}, 1.0), b = systemState({3, 2}, 3.0), out;
   for (KtU32 i = 0; i < 2; ++i) {
     a.positionStates()[i].coordSysXForm().setOrientation(turn(0.0));
     b.positionStates()[i].coordSysXForm().setOrientation(turn(1.2));
@@ -45,7 +44,6 @@ TEST(States, InterpolateLinearlyInEveryNumber) {
   for (const double t : {1.0, 1.5, 3.0, 4.0, -1.0}) {
     SCOPED_TRACE(t);
     const double f = (t - 1.0) / 2.0;
-    System out;
     EXPECT_TRUE(out.linearInterpolation(a, b, t));
     EXPECT_EQ(out.time(), t);
     const std::vector<double> numbers = numbersOf(out);
@@ -56,38 +54,23 @@ TEST(States, InterpolateLinearlyInEveryNumber) {
     for (const auto& p : out.positionStates().vectorContainer()) {
       EXPECT_TRUE(p.coordSysXForm().orientation().approxEq(turn(1.2 * f), 1e-14));
     }
+    // Also in place of one of the two, and by a factor that lies in the state that is written.
+    System first = a, second = b;
+    EXPECT_TRUE(first.linearFactorInterpolation(first, b, f));
+    EXPECT_TRUE(second.linearFactorInterpolation(a, second, f));
+    EXPECT_EQ(first, out);
+    EXPECT_EQ(second, out);
+    KtPositionState p = a.positionStates()[0];
+    p.jointPositions()[0] = f;
+    EXPECT_TRUE(
+        p.linearInterpolation(a.positionStates()[0], b.positionStates()[0], p.jointPositions()[0]));
+    EXPECT_EQ(p, out.positionStates()[0]);
   }
-  b.setTime(a.time());
-  System out;
-  EXPECT_FALSE(out.linearInterpolation(a, b, 7.0));
-  EXPECT_EQ(out.time(), 7.0);
-  EXPECT_TRUE(out.approxEq(a, 1e-15, false));
-  EXPECT_FALSE(out.approxEq(a, 1e-15, true));
-}
-
-TEST(States, InterpolateInPlace) {
-  const System a = systemState({3}, 1.0);
-  const System b = systemState({3}, 2.0);
-  System expected;
-  ASSERT_TRUE(expected.linearFactorInterpolation(a, b, 0.25));
-  EXPECT_EQ(expected.time(), 1.25);
-  System first = a;
-  System second = b;
-  EXPECT_TRUE(first.linearFactorInterpolation(first, b, 0.25));
-  EXPECT_TRUE(second.linearFactorInterpolation(a, second, 0.25));
-  EXPECT_EQ(first, expected);
-  EXPECT_EQ(second, expected);
-  // State 1 is assigned before state 2 is read.
-  second = b;
-  EXPECT_FALSE(second.linearInterpolation(a, second, 1.25));
-  EXPECT_TRUE(second.approxEq(a, 1e-15, false));
-  EXPECT_EQ(second.time(), 1.25);
-  // The factor may lie in the state that is written.
-  System other = a;
-  other.positionStates()[0].jointPositions()[0] = 0.25;
-  EXPECT_TRUE(other.positionStates()[0].linearInterpolation(
-      a.positionStates()[0], b.positionStates()[0], other.positionStates()[0].jointPositions()[0]));
-  EXPECT_EQ(other.positionStates()[0], expected.positionStates()[0]);
+  // State 1 is assigned before state 2 is read: both have the same time then.
+  EXPECT_FALSE(b.linearInterpolation(a, b, 7.0));
+  EXPECT_EQ(b.time(), 7.0);
+  EXPECT_TRUE(b.approxEq(a, 1e-15, false));
+  EXPECT_FALSE(b.approxEq(a, 1e-15, true));
   // Velocity states that state 2 lacks are those of state 1.
   const System more = states::random({1, 1}, {1, 2}, 0.0);
   System few = states::random({1, 1}, {1}, 1.0);
@@ -95,82 +78,71 @@ TEST(States, InterpolateInPlace) {
   EXPECT_TRUE(few.velocityStates()[1].approxEq(more.velocityStates()[1], 1e-15));
 }
 
-TEST(States, AreRepaired) {
-  KtLogCapture log;
-  System few = states::random({1, 2}, {1}, 0.0);
-  System whole = few;
-  whole.velocityStates().pushBack(KtVelocityState::nullObject());
-  EXPECT_FALSE(few.validateTopLevelDimensions());
-  EXPECT_EQ(few, whole);
-  System many = few;
-  many.velocityStates().pushBack(moving(randomJoints(3)));
-  EXPECT_FALSE(many.validateTopLevelDimensions());
-  EXPECT_EQ(many, few);
+// Velocities follow the positions, whether a state is set or read from a file.
+TEST(States, AreRepairedAndKnowWhatFits) {
   const std::string top =
       "KtManipulatorSystemState::validateTopLevelDimensions(): number of position states does not "
       "match the velocity states--correcting.\n";
-  EXPECT_EQ(log.errors(), top + top);
-
-  log.clear();
-  System wrong = states::random({2, 3, 3}, {3, 3, 1}, 0.0);
-  System expected = wrong;
-  expected.velocityStates()[0].jointVelocities().resize(2);
-  expected.velocityStates()[2].jointVelocities().resize(3);
-  EXPECT_TRUE(wrong.validateTopLevelDimensions());
-  EXPECT_FALSE(wrong.validateLowLevelDimensions());
-  EXPECT_EQ(wrong, expected);
   const std::string low =
       "KtManipulatorSystemState::validateLowLevelDimensions: joint positions do notmatch joint "
       "velocities--correcting.\n";
-  EXPECT_EQ(log.errors(), low + low);
-  log.clear();
-  EXPECT_TRUE(wrong.validateLowLevelDimensions());
+  System before;
+  std::vector<KtU32> sizes[2];
+  for (int i = 0; i < 200; ++i) {
+    std::vector<KtU32> counts[2];
+    for (auto& each : counts) {
+      each.resize(1 + i % 3);
+      for (KtU32& count : each) count = uniform() < 0.5 ? 1 : 2;
+    }
+    if (i % 5 == 0) counts[i % 2].push_back(3);
+    System state = states::random(counts[0], counts[1], 0.5), whole = state, back;
+    EXPECT_EQ(before.checkCompatibleState(state), std::ranges::equal(sizes, counts));
+    before = state, std::ranges::copy(counts, sizes);
 
-  // A file with a bad state is read, with the messages of the repairs.
-  System back;
-  EXPECT_TRUE(
-      KtXmlReader::readString(KtXmlWriter::writeString(states::random({2, 1}, {3}, 0.5)), back));
-  EXPECT_EQ(back.velocityStates()[0].jointVelocities().size(), 2U);
-  EXPECT_EQ(back.velocityStates()[1].jointVelocities().size(), 1U);
-  EXPECT_EQ(log.errors(), top + low + low);
+    const KtLogCapture log;
+    const bool isTopGood = counts[0].size() == counts[1].size();
+    std::string messages = isTopGood ? "" : top;
+    counts[1].resize(counts[0].size());
+    whole.velocityStates().resize(whole.positionStates().size());
+    for (KtU32 k = 0; k < counts[0].size(); ++k) {
+      if (counts[0][k] != counts[1][k]) messages += low;
+      whole.velocityStates()[k].jointVelocities().resize(counts[0][k]);
+    }
+    EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(state), back));
+    EXPECT_EQ(state.validateTopLevelDimensions(), isTopGood);
+    EXPECT_EQ(state.validateLowLevelDimensions(), !messages.ends_with(low));
+    EXPECT_TRUE(state.validateTopLevelDimensions() && state.validateLowLevelDimensions());
+    EXPECT_EQ(log.errors(), messages + messages);
+    EXPECT_EQ(state, whole);
+    EXPECT_EQ(back, whole);
+  }
 }
 
-TEST(States, KnowWhatFitsAndWhatIsClose) {
+// A difference of exactly the tolerance passes.
+TEST(States, AreCloseWhereEveryNumberIs) {
   const System a = systemState({2, 1}, 1.0);
-  EXPECT_TRUE(a.checkCompatibleState(systemState({2, 1}, 5.0)));
-  for (const System& other :
-       {states::random({2}, {2, 1}, 1.0), states::random({2, 1}, {2}, 1.0),
-        states::random({2, 2}, {2, 1}, 1.0), states::random({2, 1}, {2, 2}, 1.0)}) {
-    EXPECT_FALSE(a.checkCompatibleState(other));
-  }
-
   std::vector<System> others(4, a);
   others[0].positionStates()[1].jointPositions()[0].value() += 0.25;
   others[1].velocityStates()[0].jointVelocities()[1].value() -= 0.25;
   others[2].velocityStates()[1].generalVelocity() += {{0.0, 0.0, 0.25}, {}};
-  KtCoordinateSystemTransformation& frame = others[3].positionStates()[0].coordSysXForm();
+  T& frame = others[3].positionStates()[0].coordSysXForm();
   frame.setTranslation(frame.translation() + KtVector(0.0, 0.25, 0.0));
   for (const System& other : others) {
     EXPECT_FALSE(a.approxEq(other, 0.2, true));
     EXPECT_TRUE(a.approxEq(other, 0.3, true));
   }
   EXPECT_FALSE(a.approxEq(systemState({}, 1.0), 9.0, false));
-  // A difference of exactly the tolerance passes.
-  KtAccelerationState still;
-  still.resize(1);
-  KtAccelerationState fast = still;
+  KtAccelerationState still = KtAccelerationState::zeroCompatibleState(moving(randomJoints(1)));
+  KtAccelerationState fast = still, lifted = still;
   fast.jointAccelerations()[0] = 0.5;
-  EXPECT_TRUE(still.approxEq(fast, 0.5));
-  EXPECT_FALSE(fast.approxEq(still, 0.4999));
-  KtAccelerationState lifted = still;
   lifted.generalAcceleration().setScalarValue(4, 0.5);
-  EXPECT_FALSE(still.approxEq(lifted, 0.4999));
+  for (const KtAccelerationState& other : {fast, lifted}) {
+    EXPECT_TRUE(still.approxEq(other, 0.5));
+    EXPECT_FALSE(other.approxEq(still, 0.4999));
+  }
   fast.resize(3);
   EXPECT_FALSE(fast.approxEq(still, 9.0));
-  EXPECT_EQ(fast.jointAccelerations().vectorContainer(),
-            (std::vector<KtXmlBasicType<double>>{0.5, 0.0, 0.0}));
-  EXPECT_EQ(KtAccelerationState::zeroCompatibleState(moving(randomJoints(4))).jointAccelerations(),
-            Joints(4));
+  EXPECT_EQ(fast.jointAccelerations(), states::joints({0.5, 0.0, 0.0}));
 
   System merged = a;
   EXPECT_TRUE(merged.mergeWith(merged));
@@ -178,29 +150,9 @@ TEST(States, KnowWhatFitsAndWhatIsClose) {
   EXPECT_EQ(merged.positionStates()[3], a.positionStates()[1]);
   EXPECT_EQ(merged.velocityStates()[2], a.velocityStates()[0]);
   merged.zeroVelocityStates();
-  KtVelocityState still2;
-  still2.jointVelocities().resize(2);
-  EXPECT_EQ(merged.velocityStates()[2], still2);
-}
-
-TEST(StateSetters, TakeTheFirstColumn) {
-  KtReArray columns(2, 2);
-  columns[0][0] = 1.0;
-  columns[0][1] = 8.0;
-  columns[1][0] = 2.0;
-  Joints expected(2, 1.0);
-  expected[1] = 2.0;
-  KtVelocityState v;
-  KtAccelerationState a;
-  KtManipulatorTorque t;
-  for (const KtReArray& array : {columns, KtReArray(3, 0)}) {
-    v.setJointVelocities(array);
-    a.setJointAccelerations(array);
-    t.setJointTorques(array);
-    EXPECT_EQ(v.jointVelocities(), expected);
-    EXPECT_EQ(a.jointAccelerations(), expected);
-    EXPECT_EQ(t.jointTorques(), expected);
-  }
+  KtVelocityState resting;
+  resting.jointVelocities().resize(2);
+  EXPECT_EQ(merged.velocityStates()[2], resting);
 }
 
 template <class T>
@@ -289,46 +241,44 @@ TEST(States, AskForNoMemoryThatACountOnlyClaims) {
   EXPECT_EQ(state.positionStates().size(), 0U);
 }
 
+// What takes a column takes the first one; an array of no columns changes nothing.
 TEST(States, AskForNoMemoryOnceTheyHaveTheirSize) {
-  const System a = systemState({7, 3}, 1.0);
-  const System b = systemState({7, 3}, 2.0);
+  const System a = systemState({2, 3}, 1.0), b = systemState({2, 3}, 2.0);
   System out = a;
-  const KtReArray column(7, 1);
-  KtVelocityState v = moving(randomJoints(7));
+  KtReArray columns(2, 2), none(3, 0);
+  columns[0][0] = 1.0, columns[0][1] = 8.0, columns[1][0] = 2.0;
+  KtVelocityState v = moving(randomJoints(2));
   KtAccelerationState acceleration = KtAccelerationState::zeroCompatibleState(v);
   KtManipulatorTorque torque;
-  torque.setJointTorques(column);
+  torque.jointTorques().resize(2);
   KtManipulatorExternalForce force;
-  force.resize(7);
+  force.resize(2);
+  const KtManipulatorExternalForce still = force, &constant = force;
+  const KtGeneralForce push({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
   std::istringstream stream(binary(b));
   const Allocations allocations;
   out.linearInterpolation(a, b, 1.5);
   out.zeroVelocityStates();
   out.validateTopLevelDimensions();
   out.validateLowLevelDimensions();
-  v.setJointVelocities(column);
-  acceleration.setJointAccelerations(column);
-  acceleration.resize(7);
-  torque.setJointTorques(column);
-  force.resize(7);
-  force.setToZeros();
   EXPECT_TRUE(out.readBin(stream));
+  for (KtReArray* array : {&columns, &none}) {
+    v.setJointVelocities(*array);
+    acceleration.setJointAccelerations(*array);
+    torque.setJointTorques(*array);
+  }
+  acceleration.resize(2);
+  force.resize(2);
+  force[1] = push, force[ktBaseIndex] = push * 2.0;
+  EXPECT_TRUE(constant[1] == push && constant.baseForce() == push * 2.0);
+  force.setToZeros();
   EXPECT_EQ(allocations.count(), 0U);
+  EXPECT_EQ(force, still);
   EXPECT_EQ(out, b);
-}
-
-TEST(ExternalForce, FindsTheForceOfALink) {
-  const KtGeneralForce force({1.0, 2.0, 3.0}, {4.0, 5.0, 6.0});
-  KtManipulatorExternalForce forces;
-  forces.resize(2);
-  forces[1] = force;
-  forces[ktBaseIndex] = force * 2.0;
-  const KtManipulatorExternalForce& constant = forces;
-  EXPECT_EQ(constant[1], force);
-  EXPECT_EQ(forces.baseForce(), force * 2.0);
-  forces.setToZeros();
-  EXPECT_EQ(forces[1], KtGeneralForce());
-  EXPECT_EQ(forces.baseForce(), KtGeneralForce());
+  for (const Joints& joints :
+       {v.jointVelocities(), acceleration.jointAccelerations(), torque.jointTorques()}) {
+    EXPECT_EQ(joints, states::joints({1.0, 2.0}));
+  }
 }
 
 // A pure force at a point has the moment r x F; the arrow stands on its line, nearest the origin.
