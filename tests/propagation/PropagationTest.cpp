@@ -1,3 +1,4 @@
+#include "support/States.h"
 #include "support/Testing.h"
 #include "support/Trees.h"
 
@@ -5,74 +6,9 @@ namespace {
 
 using Results = KtStatedSystem::ResultVector;
 
-// Arms of so many joints, one beside the other, at random states well inside of their limits.
-KtStatedSystem sceneOf(std::initializer_list<int> joints) {
-  KtStatedSystem scene;
-  for (const int count : joints) {
-    KtIndividualManipulator arm = trees::randomManipulator(count + 1);
-    arm.setLabel("arm " + std::to_string(count));
-    arm.setIsFixedBase(false);
-    arm.setCoordSysXForm(randomTransformation());
-    KtPositionState position;
-    position.setCoordSysXForm(randomTransformation());
-    KtVelocityState velocity;
-    velocity.setGeneralVelocity(randomMotion());
-    for (KtU32 i = 0; i < arm.jointDof(); ++i) {
-      KtJointActuator actuator;
-      actuator.setLowerLimit(-2.0);
-      actuator.setUpperLimit(2.0);
-      actuator.setMaxOutputRate(100.0);
-      const_cast<KtManipulatorLink*>(arm.linkByIndex(i))->setJointActuator(actuator);
-      position.jointPositions().pushBack(uniform());
-      velocity.jointVelocities().pushBack(uniform());
-    }
-    scene.addManipulator(arm, position, velocity);
-  }
-  return scene;
-}
-
-KtSystemActiveState acceleratedAlike(const KtStatedSystem& scene) {
-  KtSystemActiveState active;
-  active.setNonredundantState(scene.state());
-  for (auto& state : active.manipulatorActiveStateVector().vectorContainer()) {
-    KtAccelerationState acceleration =
-        KtAccelerationState::zeroCompatibleState(state.velocityState());
-    for (auto& a : acceleration.jointAccelerations().vectorContainer()) a = uniform() * 10.0;
-    acceleration.setGeneralAcceleration(randomMotion());
-    state.setAccelerationState(acceleration);
-  }
-  return active;
-}
-
-TEST(Propagation, PositionsFollowTheNewVelocities) {
-  for (const double dt : {0.01, -0.01, 0.0}) {
-    const KtStatedSystem scene = sceneOf({5, 3});
-    KtSystemActiveState active = acceleratedAlike(scene);
-    KtManipulatorSystemState state = scene.state();
-    Results results;
-    EXPECT_TRUE(scene.propagateTo(state.time() + dt, state, results, active));
-    EXPECT_EQ(results.size(), 2U);
-    for (KtU32 m = 0; m < 2; ++m) {
-      const auto& acceleration = active.manipulatorActiveStateVector()[m].accelerationState();
-      const KtPositionState& p0 = scene.state().positionStates()[m];
-      const KtVelocityState& v0 = scene.state().velocityStates()[m];
-      const KtPositionState& p = state.positionStates()[m];
-      const KtVelocityState& v = state.velocityStates()[m];
-      for (KtU32 i = 0; i < v.jointVelocities().size(); ++i) {
-        EXPECT_NEAR(v.jointVelocities()[i],
-                    v0.jointVelocities()[i] + dt * acceleration.jointAccelerations()[i], 1e-15);
-        EXPECT_NEAR(p.jointPositions()[i],
-                    p0.jointPositions()[i] + dt * v.jointVelocities()[i].value(), 1e-15);
-      }
-      EXPECT_TRUE(v.generalVelocity().approxEq(
-          v0.generalVelocity() + dt * acceleration.generalAcceleration(), 1e-14));
-      EXPECT_TRUE(p.coordSysXForm().translation().approxEq(
-          p0.coordSysXForm().translation() + v.generalVelocity().linear() * dt, 1e-14));
-      EXPECT_FALSE(results[m].hitJointLimit());
-    }
-    EXPECT_EQ(state.time(), scene.state().time() + dt);
-  }
-}
+struct Bounds {
+  double lower, upper, rate;
+};
 
 // An actuator's part that has its own opinion of what bounds the joint.
 class Halved : public KtXmlPersistent<Halved, KtMechanicalActuatorComponent> {
@@ -89,48 +25,139 @@ class Halved : public KtXmlPersistent<Halved, KtMechanicalActuatorComponent> {
   }
 };
 
-TEST(Propagation, ActuatorsBoundTheirJointsAndTheLastThatStopsIsTold) {
-  const KtStatedSystem scene = sceneOf({3});
-  const KtIndividualManipulator& arm = scene.system().manipulators()[0];
-  KtJointActuator actuator = arm.linkByIndex(1)->jointActuator();
-  Halved halved;
-  halved.setLowerLimit(-2.0);
-  halved.setUpperLimit(2.0);
-  halved.setMaxOutputRate(100.0);
-  actuator.setMechanicalComponent(halved);
-  const_cast<KtManipulatorLink*>(arm.linkByIndex(1))->setJointActuator(actuator);
-  KtManipulatorSystemState state = scene.state();
-  auto& q = state.positionStates()[0].jointPositions();
-  auto& rates = state.velocityStates()[0].jointVelocities();
-  rates[0] = rates[1] = rates[2] = 1000.0;
-  q[0] = q[1] = 0.999, q[2] = 0.0;
+template <class Mechanics>
+KtJointActuator actuatorOf(const Bounds& bounds, double factor) {
+  Mechanics mechanics;
+  mechanics.setLowerLimit(factor * bounds.lower);
+  mechanics.setUpperLimit(factor * bounds.upper);
+  mechanics.setMaxOutputRate(factor * bounds.rate);
+  KtJointActuator actuator;
+  actuator.setMechanicalComponent(mechanics);
+  return actuator;
+}
+
+// Free arms of so many joints, one beside the other, at random states within their limits and not.
+struct Scene : KtStatedSystem {
+  explicit Scene(std::initializer_list<int> joints) {
+    for (const int count : joints) {
+      Arm arm = trees::randomManipulator(count + 1, "arm " + std::to_string(count));
+      arm.setIsFixedBase(false);
+      arm.setCoordSysXForm(randomTransformation());
+      auto& own = bounds.emplace_back();
+      for (KtU32 i = 0; i < arm.jointDof(); ++i) {
+        own.push_back({uniform(-1.0, 0.0), uniform(0.0, 1.0), uniform(0.5, 1.5)});
+        arm.linkByIdentifier(arm.linkByIndex(i)->label())
+            ->setJointActuator(i % 2 == 0
+                                   ? actuatorOf<KtMechanicalActuatorComponent>(own.back(), 1.0)
+                                   : actuatorOf<Halved>(own.back(), 2.0));
+      }
+      addManipulator(arm, states::at(states::randomJoints(arm.jointDof())),
+                     states::moving(states::randomJoints(arm.jointDof())));
+    }
+  }
+  std::vector<std::vector<Bounds>> bounds;
+};
+
+KtSystemActiveState accelerated(const KtStatedSystem& scene) {
   KtSystemActiveState active;
-  active.setNonredundantState(state);
-  active.manipulatorActiveStateVector()[0].setAccelerationState(
-      KtAccelerationState::zeroCompatibleState(state.velocityStates()[0]));
-  Results results;
-  scene.propagateTo(state.time() + 0.001, state, results, active);
-  EXPECT_NEAR(q[0], 1.099, 1e-14);
-  EXPECT_EQ(q[1], 1.0);
-  EXPECT_EQ(rates[1], 50.0);
-  EXPECT_TRUE(results[0].hitJointLimit());
-  EXPECT_EQ(results[0].linkIndexAtJointLimit(), 1U);
-  q[0] = q[1] = q[2] = 1.999;
-  scene.propagateTo(state.time() + 0.001, state, results, active);
-  EXPECT_EQ(results[0].linkIndexAtJointLimit(), 2U);
-  // What an earlier step found stays in a vector that is used again.
-  q.assign(3, 0.0), rates.assign(3, 0.0);
-  scene.propagateTo(state.time() + 0.001, state, results, active);
-  EXPECT_TRUE(results[0].hitJointLimit());
+  active.setNonredundantState(scene.state());
+  for (auto& state : active.manipulatorActiveStateVector().vectorContainer()) {
+    auto acceleration = KtAccelerationState::zeroCompatibleState(state.velocityState());
+    for (auto& a : acceleration.jointAccelerations().vectorContainer()) a = uniform() * 10.0;
+    acceleration.setGeneralAcceleration(randomMotion());
+    state.setAccelerationState(acceleration);
+  }
+  return active;
+}
+
+// Rates are cut before positions follow them. The last joint that stops is told; what an earlier
+// step found stays where results are used again.
+TEST(Propagation, RatesAndLimitsAreTheSameByEveryWay) {
+  using Way = std::function<void(KtStatedSystem&, KtManipulatorSystemState&, double, Results&,
+                                 KtSystemActiveState*)>;
+  const std::vector<Way> ways{
+      [](auto& scene, auto& state, double t, auto& results, auto* active) {
+        scene.propagateTo(t, state, results, *active);
+      },
+      // These make themselves an active state if none is given: it has no accelerations.
+      [](auto& scene, auto& state, double t, auto& results, auto* active) {
+        scene.propagateSelfTo(t, results, active), state = scene.state();
+      },
+      [](auto& scene, auto& state, double t, auto& results, auto* active) {
+        scene.propagateSelfTo(t, results, active, 0, 1.0, 1, 0.0), state = scene.state();
+      },
+      [](auto& scene, auto& state, double t, auto&, auto* active) {
+        scene.propagateSelfTo(t, active), state = scene.state();
+      },
+      [](auto& scene, auto& state, double t, auto&, auto* active) {
+        scene.propagateTo(t, state, active);
+      },
+      // These move positions alone.
+      [](auto& scene, auto& state, double t, auto&, auto*) {
+        scene.system().propagateStateBy(state, t - state.time());
+      },
+      [](auto& scene, auto& state, double t, auto& results, auto*) {
+        const auto& v = state.velocityStates();
+        auto& p = state.positionStates();
+        for (const KtU32 i : {0U, 2U}) {  // the last of which isn't there
+          scene.propagateSingleStateBy(i, v[i % 2], t - state.time(), p[i % 2], results[i % 2]);
+        }
+        scene.propagateSingleStateBy(1, v[1], t - state.time(), p[1]);
+        scene.propagateSingleStateBy(2, v[1], t - state.time(), p[1]);
+        scene.system().propagateSingleStateBy(2, v[1], t - state.time(), p[1]);
+        state.setTime(t);
+      }};
+  int told = 0;
+  for (int round = 0; round < 200; ++round) {
+    const Scene scene{round % 5, 3};
+    const KtSystemActiveState accelerations = accelerated(scene);
+    const double dt = round % 3 == 0 ? 0.0 : 0.5 * uniform();
+    const KtU32 way = static_cast<KtU32>(round) % 7;
+    const bool isGiven = way == 0 || (way < 5 && uniform() < 0.5);
+    SCOPED_TRACE(testing::Message() << "way " << way << " by " << dt);
+    KtStatedSystem moving(scene);
+    KtManipulatorSystemState state = scene.state();
+    KtSystemActiveState active = accelerations;
+    Results results(2);
+    results[1].setHitJointLimit(true);
+    ways[way](moving, state, state.time() + dt, results, isGiven ? &active : nullptr);
+    EXPECT_EQ(state.time(), scene.state().time() + dt);
+    ASSERT_EQ(results.size(), 2U);
+    for (KtU32 m = 0; m < 2; ++m) {
+      const auto& a = accelerations.manipulatorActiveStateVector()[m].accelerationState();
+      const KtPositionState &p0 = scene.state().positionStates()[m], &p = state.positionStates()[m];
+      const KtVelocityState &v0 = scene.state().velocityStates()[m], &v = state.velocityStates()[m];
+      KtU32 last = 1000;
+      for (KtU32 i = 0; i < scene.bounds[m].size(); ++i) {
+        const auto& [lower, upper, most] = scene.bounds[m][i];
+        double rate = v0.jointVelocities()[i];
+        if (isGiven) rate = std::clamp(rate + dt * a.jointAccelerations()[i], -most, most);
+        const double q = p0.jointPositions()[i] + dt * rate;
+        if (q < lower || q > upper) last = i;
+        EXPECT_NEAR(v.jointVelocities()[i], rate, 1e-15);
+        EXPECT_NEAR(p.jointPositions()[i], std::clamp(q, lower, upper), 1e-15);
+      }
+      KtGeneralMotion base = v0.generalVelocity();
+      if (isGiven) base += dt * a.generalAcceleration();
+      EXPECT_TRUE(v.generalVelocity().approxEq(base, 1e-14));
+      EXPECT_TRUE(p.coordSysXForm().translation().approxEq(
+          p0.coordSysXForm().translation() + base.linear() * dt, 1e-14));
+      const bool isTold = way < 3 || (way == 6 && m == 0);
+      EXPECT_EQ(results[m].linkIndexAtJointLimit(), isTold ? last : 1000U);
+      EXPECT_EQ(results[m].hitJointLimit(), m == 1 || (isTold && last < 1000));
+      told += isTold && last < 1000;
+    }
+  }
+  EXPECT_GT(told, 50);
 }
 
 // Each follows its parent as that stands then: one that hangs on a later key is a step behind.
 TEST(Propagation, AttachedManipulatorsFollowInTheOrderOfTheirKeys) {
   for (const bool rising : {true, false}) {
-    KtStatedSystem scene = sceneOf({4, 2, 3});
+    Scene scene{4, 2, 3};
     const auto& arms = scene.system().manipulators();
     KtManipulatorAttachmentMap map;
-    KtCoordinateSystemTransformation offsets[3];
+    T offsets[3];
     const auto parentOf = [&](KtU32 key) { return rising ? key - 1 : key + 1; };
     const auto carrierOf = [&](KtU32 key) -> auto& {
       return *arms[parentOf(key)].linkByIndex(1);
@@ -151,7 +178,7 @@ TEST(Propagation, AttachedManipulatorsFollowInTheOrderOfTheirKeys) {
     scene.propagateTo(state.time() + 0.01, state, results, active);
     auto& all = expected.manipulatorActiveStateVector();
     for (const auto& [key, attachment] : map.mapContainer()) {
-      const KtManipulatorLink& carrier = carrierOf(key);
+      const Link& carrier = carrierOf(key);
       KtManipulatorActiveState& parent = all[parentOf(key)];
       const auto place =
           carrier.primaryFrameInSystem(parent.activePositionState()) * offsets[key.value()];
@@ -192,7 +219,7 @@ class Colliding : public KtStatedSystem {
 };
 
 TEST(Propagation, CollidedManipulatorsGoBack) {
-  const KtStatedSystem scene = sceneOf({2, 3, 4});
+  const Scene scene{2, 3, 4};
   struct Case {
     KtU32 mode;
     std::vector<std::vector<KtU32>> script;
@@ -220,7 +247,7 @@ TEST(Propagation, CollidedManipulatorsGoBack) {
     Colliding system(scene);
     system.script = c.script;
     KtManipulatorSystemState state = scene.state();
-    KtSystemActiveState active = acceleratedAlike(scene);
+    KtSystemActiveState active = accelerated(scene);
     Results results(3);
     results[1].setCollisionOccurred(c.stale);
     system.propagateTo(state.time() + 0.01, state, results, active, c.mode, 1.0, 2, 0.25);
@@ -238,93 +265,6 @@ TEST(Propagation, CollidedManipulatorsGoBack) {
       EXPECT_TRUE(!marked || results[i].otherCollidedManipulator() == 30 + i);
     }
     EXPECT_EQ(state.time(), scene.state().time() + 0.01);
-  }
-}
-
-// A body on one joint, from -1 to 2 and no faster than 10.
-class Joint : public KtStatedSystem {
- public:
-  Joint(double q, double rate) {
-    KtJointActuator actuator;
-    actuator.setLowerLimit(-1.0);
-    actuator.setUpperLimit(2.0);
-    actuator.setMaxOutputRate(10.0);
-    KtManipulatorLink link;
-    link.setLabel("link");
-    link.setLinkKinematics(KtDenavitHartenberg());
-    link.setJointActuator(actuator);
-    KtIndividualManipulator arm;
-    arm.addLinkToEndOfChain(link);
-    KtPositionState position;
-    position.jointPositions().pushBack(q);
-    KtVelocityState velocity;
-    velocity.jointVelocities().pushBack(rate);
-    addManipulator(arm, position, velocity);
-  }
-};
-
-KtSystemActiveState accelerated(const KtStatedSystem& scene, double a) {
-  KtSystemActiveState active;
-  active.setNonredundantState(scene.state());
-  KtAccelerationState acceleration;
-  acceleration.jointAccelerations().pushBack(a);
-  active.manipulatorActiveStateVector()[0].setAccelerationState(acceleration);
-  return active;
-}
-
-TEST(Propagation, LimitsAndRatesAreTheSameByEveryWay) {
-  struct Row {
-    double q, rate, acceleration, dt, newQ, newRate;
-    bool hits;
-  };
-  const auto go = [](int way, Joint& s, double t, Results& r, KtSystemActiveState* a) {
-    KtManipulatorSystemState state = s.state();
-    KtPositionState& p = state.positionStates()[0];
-    const KtVelocityState& v = state.velocityStates()[0];
-    if (way == 0) s.propagateSelfTo(t, r, a);
-    if (way == 1) s.propagateSelfTo(t, r, a, 0, 1.0, 1, 0.0);
-    if (way == 2) s.propagateSelfTo(t, a);
-    if (way < 3) return;
-    if (way == 3) s.propagateTo(t, state, a);
-    // The others move positions alone, by velocities that are not cut.
-    if (way == 4) s.system().propagateStateBy(state, t);
-    if (way == 5) {
-      r.resize(1);
-      s.propagateSingleStateBy(1, v, 9.0, p, r[0]);  // there is none
-      s.propagateSingleStateBy(0, v, t, p, r[0]);
-      s.propagateSingleStateBy(1, v, 9.0, p), s.propagateSingleStateBy(0, v, 0.0, p);
-      s.system().propagateSingleStateBy(1, v, 9.0, p);
-      state.setTime(t);
-    }
-    s.setState(state);
-  };
-  for (const Row& row : {Row{0.5, 3.0, 0.0, 0.1, 0.8, 3.0, false},
-                         {5.0, 3.0, 0.0, 0.0, 2.0, 3.0, true},  // without time, too
-                         {-4.0, 3.0, 0.0, 0.0, -1.0, 3.0, true},
-                         {0.5, 4.0, 0.0, -0.1, 0.1, 4.0, false},
-                         {0.0, 50.0, 0.0, 0.1, 1.0, 10.0, false},  // cut before it is used
-                         {0.0, -50.0, 0.0, 0.1, -1.0, -10.0, false},
-                         {1.5, 50.0, 0.0, 0.1, 2.0, 10.0, true},
-                         {0.0, 9.0, 20.0, 0.1, 1.0, 10.0, false},
-                         {0.0, 4.0, -20.0, -0.1, -0.6, 6.0, false}}) {
-    for (int way = 0; way < 6; ++way) {
-      for (const bool given : {true, false}) {
-        // A state that is made on need has no accelerations, and joints without one keep their
-        // rates.
-        if ((!given || way > 3) && row.rate != row.newRate) continue;
-        SCOPED_TRACE(testing::Message() << row.q << ", " << row.rate << ", way " << way);
-        Joint scene(row.q, row.rate);
-        KtSystemActiveState active = accelerated(scene, row.acceleration);
-        Results results;
-        go(way, scene, row.dt, results, given ? &active : nullptr);
-        EXPECT_NEAR(scene.state().positionStates()[0].jointPositions()[0], row.newQ, 1e-15);
-        EXPECT_EQ(scene.state().velocityStates()[0].jointVelocities()[0], row.newRate);
-        EXPECT_EQ(scene.state().time(), row.dt);
-        if (results.size() == 0) continue;
-        EXPECT_EQ(results[0].hitJointLimit(), row.hits);
-        EXPECT_EQ(results[0].linkIndexAtJointLimit(), row.hits ? 0U : 1000U);
-      }
-    }
   }
 }
 
@@ -366,25 +306,16 @@ TEST(PropagationRecord, DescriptionsAreJoinedAndClearedWithTheirFlag) {
 TEST(PropagationRecord, FilesHaveTheirOwnOrderAndLeaveOutTheOwnManipulator) {
   KtPropagationResultData result;
   result.setCollidedManipulator(6);
-  const KtManipulatorActiveAccelerationState accelerations;
-  using Names = std::vector<const char*>;
-  for (const auto& [text, names] :
-       {std::pair(
-            KtXmlWriter::writeString(result),
-            Names{"hitJointLimit", "hitSingularity", "collisionOccurred", "collidedLink",
-                  "linkIndexAtJointLimit", "otherCollidedLink", "otherCollidedManipulator",
-                  "hitGeneralStoppingCriterion", "satisfiedGeneralStoppingCriteriaDescription"}),
-        std::pair(KtXmlWriter::writeString(accelerations),
-                  Names{"accelerationState>", "accelerationStates", "baseAccelerationState"})}) {
-    std::size_t before = 0;
-    for (const char* name : names) {
-      const std::size_t at = text.find(std::string("<") + name);
-      ASSERT_NE(at, std::string::npos) << name;
-      EXPECT_LT(before, at) << name;
-      before = at;
-    }
-    EXPECT_EQ(text.find("<collidedManipulator"), std::string::npos);
-  }
+  EXPECT_THAT(KtXmlWriter::writeString(result),
+              testing::AllOf(testing::ContainsRegex(
+                                 "<hitJointLimit.*<hitSingularity.*<collisionOccurred.*"
+                                 "<collidedLink.*<linkIndexAtJointLimit.*<otherCollidedLink.*"
+                                 "<otherCollidedManipulator.*<hitGeneralStoppingCriterion.*"
+                                 "<satisfiedGeneralStoppingCriteriaDescription"),
+                             testing::Not(HasSubstr("<collidedManipulator"))));
+  EXPECT_THAT(
+      KtXmlWriter::writeString(KtManipulatorActiveAccelerationState()),
+      testing::ContainsRegex("<accelerationState>.*<accelerationStates.*<baseAccelerationState"));
 }
 
 }  // namespace
