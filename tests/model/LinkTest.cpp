@@ -500,31 +500,29 @@ TEST(Links, ShapesGiveTheirSurfaces) {
   KtSphereShape ball;
   ball.setIdentifier("ball");
   ball.setSurfaceLabel("rubber");
-  Link parent;
-  parent.setLabel("parent");
-  Link link;
+  Link parent, link;
   link.setLabel("link");
   link.setShape(ball);
   EXPECT_EQ(link.shapeByIdentifier("ball"), link.shapeByIndex(0));
   EXPECT_EQ(link.getNthNonBoundingShape(9), link.shapeByIndex(0));
   parent.addChild(link);
-  KtDataMap data;
-  data.add("grip", 3.0);
-  const KtSurfaceMap surfaces(std::string("rubber"), data);
-  EXPECT_FALSE(parent.setSurfaces("link", 1, surfaces));
-  EXPECT_TRUE(parent.setSurfaces("link", 0, surfaces));
-  const KtDataMap* found = nullptr;
-  EXPECT_FALSE(parent.lookup("rubber", found));
-  Link child = parent.childLinks()[0];
-  EXPECT_TRUE(child.lookup("rubber", found));
-  EXPECT_EQ(*found, data);
-  EXPECT_EQ(child.lookupCollisionAvoidanceMetric(), 1.0);
-  data.add("ktCollisionAvoidanceMetric", 7.0);
-  EXPECT_TRUE(child.setSurfaceProperties("rubber", data));
-  EXPECT_EQ(child.lookupCollisionAvoidanceMetric(), 7.0);
   link.setShapeContainer(KtShapeContainer());
   EXPECT_EQ(link.shapeByIdentifier("ball"), nullptr);
   EXPECT_EQ(link.numShapes() + link.numShapesInPhysicalRepresentation(), 0U);
+  // A link has the surfaces of its own shapes, not of those below it.
+  KtDataMap data;
+  const KtDataMap* found = nullptr;
+  for (const double metric : {1.0, 7.0}) {
+    if (metric > 1.0) data.add("ktCollisionAvoidanceMetric", metric);
+    const KtSurfaceMap surfaces(std::string("rubber"), data);
+    EXPECT_FALSE(parent.setSurfaces("link", 1, surfaces));
+    EXPECT_TRUE(parent.setSurfaces("link", 0, surfaces));
+    Link child = parent.childLinks()[0];
+    EXPECT_TRUE(child.lookup("rubber", found) && *found == data && !parent.lookup("rubber", found));
+    EXPECT_EQ(child.lookupCollisionAvoidanceMetric(), metric);
+    EXPECT_TRUE(child.setSurfaceProperties("rubber", KtDataMap()));
+    EXPECT_EQ(child.lookupCollisionAvoidanceMetric(), 1.0);
+  }
 }
 
 TEST(Links, ActuatorsOfOlderFilesAreTakenOver) {

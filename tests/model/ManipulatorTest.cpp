@@ -124,17 +124,14 @@ TEST(Manipulators, LinksInACircleKeepTheirOwnBodies) {
   const KtLogCapture log;
   const Arm before = arm;
   EXPECT_TRUE(arm.transformAllPrimaryFramesToIdentity());
+  const KtVector d(1.0, 2.0, 3.0);
   for (KtU32 i = 0; i < 3; ++i) {
     const Link& link = *arm.linkByIndex(i);
     const T frame = before.linkByIndex(i)->primaryFrame();
     EXPECT_EQ(link.primaryFrame(), i < 2 ? T() : frame) << "without a target nothing is done";
+    const KtBoxShape box(d, i < 2 ? frame : T());
     EXPECT_TRUE(
-        link.shapeContainer()
-            .topElement()
-            ->supportPoint({1.0, 2.0, 3.0})
-            .approxEq(
-                KtBoxShape({1.0, 2.0, 3.0}, i < 2 ? frame : T()).supportPoint({1.0, 2.0, 3.0}),
-                1e-12));
+        link.shapeContainer().topElement()->supportPoint(d).approxEq(box.supportPoint(d), 1e-12));
   }
 }
 

@@ -144,33 +144,30 @@ TEST(Systems, SphereContainsEveryManipulators) {
 // A row for each joint of all manipulators; an arm gives its own in one list, and says if it is
 // all Craig.
 TEST(Systems, CraigParametersAreCollected) {
+  using Joint = KtDenavitHartenberg;
   Arm arm;
-  const auto add = [&arm](unsigned type, const T& precursor) {
-    KtDenavitHartenberg joint;
+  std::vector<double> parameters{9.0};
+  const std::vector<double> none, three{1.0, 2.0, 3.0}, six{1.0, 2.0, 3.0, 1.0, 2.0, 3.0};
+  for (const auto& [type, isPlaced] : {std::pair(Joint::kCraig, true),
+                                       {Joint::kGeneralCraig, false},
+                                       {Joint::kGeneralCraig, true},
+                                       {Joint::kPaul, false}}) {
+    Joint joint;
     joint.setDhType(type);
-    joint.setPrecursor(precursor);
+    if (isPlaced) joint.setPrecursor(randomTransformation());
     joint.setDhA(1.0);
     joint.setDhAlpha(2.0);
     joint.setDhD(3.0);
-    KtManipulatorLink link;
+    Link link;
     link.setLinkKinematics(joint);
     arm.addLinkToEndOfChain(link);
-  };
-  add(KtDenavitHartenberg::kCraig, randomTransformation());
-  add(KtDenavitHartenberg::kGeneralCraig, T());
-  add(KtDenavitHartenberg::kGeneralCraig, randomTransformation());
-  std::vector<double> parameters{9.0};
-  EXPECT_TRUE(arm.getCraigDhParameters(parameters));
-  EXPECT_THAT(parameters, ElementsAre(1.0, 2.0, 3.0, 1.0, 2.0, 3.0));
-  add(KtDenavitHartenberg::kPaul, T());
-  EXPECT_FALSE(arm.getCraigDhParameters(parameters));
-  EXPECT_EQ(parameters.size(), 6U);
+    EXPECT_EQ(arm.getCraigDhParameters(parameters), type != Joint::kPaul);
+  }
+  EXPECT_EQ(parameters, six);
   arm.setLabel("a");
-  arm.addLinkToEndOfChain(KtManipulatorLink());
-  const System system = systemOf({arm, trees::referenceTo("b", "a"), arm});
+  arm.addLinkToEndOfChain(Link());
   std::vector<std::vector<double>> rows(99);
-  EXPECT_TRUE(system.getCraigDhParameters(rows));
-  const std::vector<double> none, three{1.0, 2.0, 3.0};
+  EXPECT_TRUE(systemOf({arm, trees::referenceTo("b", "a"), arm}).getCraigDhParameters(rows));
   EXPECT_THAT(rows, ElementsAre(three, three, none, none, none, three, three, none, none, none));
 }
 
