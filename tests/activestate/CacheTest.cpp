@@ -7,52 +7,78 @@ using trees::Mechanism;
 using L = const KtManipulatorLink&;
 using M = const Mechanism&;
 
-// What a link of a mechanism, or its base, answers in an active state, as files have it: every bit
-// of a number shows there.
+// What a link of a mechanism, or its base, answers in an active state. A link that the state is too
+// short for answers the shared dummy, with a message.
 struct Query {
   const char* name;
-  std::string (*ask)(L, Active&, M);
+  const KtXmlObject& (*ask)(L, Active&, M);
+  const KtXmlObject* dummy;
+  std::string message;
 };
 
-std::string text(const KtXmlObject& answer) {
-  return KtXmlWriter::writeString(answer);
+const KtXmlObject& jointAcceleration(L link, Active& active, M m) {
+  static Real answer;
+  answer = link.linkIndex() == ktBaseIndex
+               ? 0.0
+               : link.arbiJointAcceleration(m.external, m.torque, active, nullptr);
+  return answer;
 }
 
+const Real kZero(0.0);
+const std::string kPlain = "index out of range.\n", kIndexed = "index (4) out of range.\n";
+const std::string kArticulation = "articulation states " + kIndexed;
+const std::string kSizes =
+    "link index 4 not in the range of the active state.\n"
+    "This can be caused by the system and state not having the same size.\n";
+
+using X = const KtXmlObject&;
 const Query kQueries[] = {
-    {"dhFrame", [](L l, Active& a, M) { return text(l.dhFrameInSystem(a.activePositionState())); }},
-    {"primaryFrame",
-     [](L l, Active& a, M) { return text(l.primaryFrameInSystem(a.activePositionState())); }},
-    {"localVelocity", [](L l, Active& a, M) { return text(l.dhFrameVelocityInLocal(a)); }},
-    {"systemVelocity", [](L l, Active& a, M) { return text(l.dhFrameVelocityInSystem(a)); }},
-    {"primaryVelocity", [](L l, Active& a, M) { return text(l.primaryFrameVelocityInSystem(a)); }},
-    {"comVelocity", [](L l, Active& a, M) { return text(l.comVelocityInLocal(a, nullptr)); }},
-    {"acceleration", [](L l, Active& a, M) { return text(l.dhFrameAccelerationInLocal(a)); }},
-    {"comAcceleration",
-     [](L l, Active& a, M) { return text(l.comAccelerationInLocal(a, nullptr)); }},
-    {"momentum", [](L l, Active& a, M) { return text(l.spatialMomentumInLocal(a, nullptr)); }},
-    {"rate", [](L l, Active& a, M) { return text(l.spatialMomentumRateInLocal(a, nullptr)); }},
-    {"compositeMomentum",
-     [](L l, Active& a, M) { return text(l.compositeSpatialMomentumInLocal(a, nullptr)); }},
-    {"compositeRate",
-     [](L l, Active& a, M) { return text(l.compositeSpatialMomentumRateInLocal(a, nullptr)); }},
-    {"force",
-     [](L l, Active& a, M m) { return text(l.dhFrameForceInLocal(m.external, a, nullptr)); }},
-    {"crbi", [](L l, Active& a, M) { return text(l.crbi(a, nullptr)); }},
-    {"arbd", [](L l, Active& a, M m) { return text(l.arbd(m.external, m.torque, a, nullptr)); }},
-    {"supplement",
-     [](L l, Active& a, M m) {
-       return text(l.arbiSupplementalDhFrameAccelerationInLocal(m.external, m.torque, a, nullptr));
-     }},
-    {"jointAcceleration", [](L l, Active& a, M m) {
-       if (l.linkIndex() == ktBaseIndex) return std::string();
-       return text(
-           KtXmlBasicType<double>(l.arbiJointAcceleration(m.external, m.torque, a, nullptr)));
-     }}};
-
-const KtManipulatorLink& randomLinkOf(const Mechanism& m) {
-  const auto i = static_cast<KtU32>(uniform(0.0, m.joints() + 0.999));
-  return i < m.joints() ? m.link(i) : static_cast<const KtManipulatorLink&>(m.arm());
-}
+    {"dhFrameInSystem",
+     [](L l, Active& a, M) -> X { return l.dhFrameInSystem(a.activePositionState()); },
+     &Link::m_theDummyTransformation, kPlain},
+    {"primaryFrameInSystem",
+     [](L l, Active& a, M) -> X { return l.primaryFrameInSystem(a.activePositionState()); },
+     &Link::m_theDummyTransformation, "index 4 out of range 4.\n"},
+    {"dhFrameVelocityInLocal", [](L l, Active& a, M) -> X { return l.dhFrameVelocityInLocal(a); },
+     &Link::m_theDummyGeneralVelocity, kSizes},
+    {"dhFrameVelocityInSystem", [](L l, Active& a, M) -> X { return l.dhFrameVelocityInSystem(a); },
+     &Link::m_theDummyGeneralVelocity, kPlain},
+    {"primaryFrameVelocityInSystem",
+     [](L l, Active& a, M) -> X { return l.primaryFrameVelocityInSystem(a); },
+     &Link::m_theDummyGeneralVelocity, "index 4  out of range 4.\n"},
+    {"comVelocityInLocal", [](L l, Active& a, M) -> X { return l.comVelocityInLocal(a, nullptr); },
+     &Link::m_theDummyGeneralVelocity, kSizes},
+    {"dhFrameAccelerationInLocal",
+     [](L l, Active& a, M) -> X { return l.dhFrameAccelerationInLocal(a); },
+     &Link::m_theDummyGeneralAcceleration, kPlain},
+    {"comAccelerationInLocal",
+     [](L l, Active& a, M) -> X { return l.comAccelerationInLocal(a, nullptr); },
+     &Link::m_theDummyGeneralAcceleration, kSizes},
+    {"spatialMomentumInLocal",
+     [](L l, Active& a, M) -> X { return l.spatialMomentumInLocal(a, nullptr); },
+     &Link::m_theDummySpatialMomentum, kIndexed},
+    {"spatialMomentumRateInLocal",
+     [](L l, Active& a, M) -> X { return l.spatialMomentumRateInLocal(a, nullptr); },
+     &Link::m_theDummySpatialMomentumRate, kIndexed},
+    {"compositeSpatialMomentumInLocal",
+     [](L l, Active& a, M) -> X { return l.compositeSpatialMomentumInLocal(a, nullptr); },
+     &Link::m_theDummySpatialMomentum, kIndexed},
+    {"compositeSpatialMomentumRateInLocal",
+     [](L l, Active& a, M) -> X { return l.compositeSpatialMomentumRateInLocal(a, nullptr); },
+     &Link::m_theDummySpatialMomentumRate, kIndexed},
+    {"dhFrameForceInLocal",
+     [](L l, Active& a, M m) -> X { return l.dhFrameForceInLocal(m.external, a, nullptr); },
+     &Link::m_theDummyGeneralForce, "force " + kPlain},
+    {"crbi", [](L l, Active& a, M) -> X { return l.crbi(a, nullptr); }, &Link::m_theDummyCrbi,
+     kIndexed},
+    {"arbd", [](L l, Active& a, M m) -> X { return l.arbd(m.external, m.torque, a, nullptr); },
+     &Link::m_theDummyArbd, kIndexed},
+    {"arbiSupplementalDhFrameAccelerationInLocal",
+     [](L l, Active& a, M m) -> X {
+       return l.arbiSupplementalDhFrameAccelerationInLocal(m.external, m.torque, a, nullptr);
+     },
+     &Link::m_theDummyGeneralAcceleration, kArticulation},
+    {"arbiJointAcceleration", jointAcceleration, nullptr, kArticulation}};
 
 // One active state goes through mechanisms of other sizes, copies as a whole, by parts and by
 // files, and any order of setters and queries.
@@ -118,17 +144,50 @@ TEST(Caches, AnswerAsAFreshStateDoes) {
       continue;
     }
     const Query& query = kQueries[pick(std::size(kQueries))];
-    const KtManipulatorLink& link = randomLinkOf(*m);
+    const KtU32 at = pick(m->joints() + 1);
+    const Link& link = at < m->joints() ? m->link(at) : m->arm();
     steps += query.name + (" of " + std::to_string(link.linkIndex()) + ", ");
     Active fresh;
     fresh.setPositionState(position);
     fresh.setVelocityState(velocity);
     fresh.setAccelerationState(acceleration);
     fresh.setActuatorState(active.actuatorState());
-    const std::string expected = query.ask(link, fresh, *m);
-    ASSERT_EQ(query.ask(link, active, *m), expected) << m->joints() << " joints: " << steps;
+    // As files have it, every bit of a number shows.
+    const std::string expected = KtXmlWriter::writeString(query.ask(link, fresh, *m));
+    ASSERT_EQ(KtXmlWriter::writeString(query.ask(link, active, *m)), expected)
+        << m->joints() << " joints: " << steps;
   }
   EXPECT_EQ(log.text(), "");
+}
+
+TEST(Caches, ALinkOutsideTheStateGetsAMessageAndTheSharedDummy) {
+  const Mechanism m(trees::randomMechanismArm(5, true)),
+      shorter(trees::randomMechanismArm(4, true));
+  const Link& link = m.link(4);
+  Active active = shorter.active();
+  const Active before = active;
+  KtLogCapture log;
+  const auto expectDummy = [&](const Query& query, const std::string& message) {
+    X answer = query.ask(link, active, m);
+    EXPECT_TRUE(query.dummy != nullptr ? &answer == query.dummy : answer.equality(&kZero));
+    EXPECT_EQ(log.errors(), std::string("KtManipulatorLink::") + query.name + "(): " + message);
+    log.clear();
+  };
+  for (const Query& query : kQueries) expectDummy(query, query.message);
+  EXPECT_EQ(active, before);
+  const auto named = [](const std::string& name) {
+    return *std::ranges::find(kQueries, name, &Query::name);
+  };
+  // One part that has an entry for the link doesn't help where another lacks it.
+  active.activeForceState().resize(5);
+  expectDummy(named("dhFrameForceInLocal"), "acc. " + kPlain);
+  EXPECT_FALSE(active.activeForceState().linkForceStates()[4].localDhValid());
+  active.activeVelocityState().resize(5);
+  expectDummy(named("dhFrameVelocityInLocal"), kSizes);
+  EXPECT_FALSE(active.activeVelocityState().linkVelocityStates()[4].localDhValid());
+  active.activeAccelerationState().resize(5);
+  link.dhFrameAccelerationInLocal(active);
+  EXPECT_TRUE(log.contains("dhFrameInSystem(): " + kPlain));
 }
 
 }  // namespace

@@ -32,6 +32,10 @@ List listOf(const KtManipulatorTorque& t) {
   return listOf(t.jointTorques(), t.generalForce());
 }
 
+const List& listOf(const List& list) {
+  return list;
+}
+
 List columnOf(const KtReArray& array, KtU32 j) {
   List list;
   for (KtU32 i = 0; i < array.rows(); ++i) list.push_back(array[i][j]);
@@ -39,12 +43,14 @@ List columnOf(const KtReArray& array, KtU32 j) {
 }
 
 // Within a tolerance that is relative to the largest entry, which counts as 1 at least.
-void expectNear(const List& actual, const List& expected, double tolerance) {
-  ASSERT_EQ(actual.size(), expected.size());
+template <class A, class B>
+void expectNear(const A& actual, const B& expected, double tolerance) {
+  const List a = listOf(actual), b = listOf(expected);
+  ASSERT_EQ(a.size(), b.size());
   double largest = 1.0;
-  for (const double x : expected) largest = std::max(largest, std::abs(x));
-  for (std::size_t i = 0; i < actual.size(); ++i) {
-    EXPECT_NEAR(actual[i], expected[i], tolerance * largest) << "entry " << i;
+  for (const double x : b) largest = std::max(largest, std::abs(x));
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    EXPECT_NEAR(a[i], b[i], tolerance * largest) << "entry " << i;
   }
 }
 
@@ -62,15 +68,21 @@ void forMechanisms(std::initializer_list<int> sizes, const Extras& extras,
   }
 }
 
-// By articulated bodies or by the mass matrix, in a state that is given, or in the tool's own.
+// In a state that is given, or in the tool's own.
+template <class Tool>
+Acceleration answer(Tool& tool, const Mechanism& m, Active* active = nullptr) {
+  Acceleration result;
+  tool.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, result, active,
+                    true);
+  return result;
+}
+
+// By articulated bodies or by the mass matrix.
 template <class Tool>
 Acceleration forward(const Mechanism& m, bool own) {
   Active active = m.active();
   Tool tool;
-  Acceleration result;
-  tool.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, result,
-                    own ? nullptr : &active, true);
-  return result;
+  return answer(tool, m, own ? nullptr : &active);
 }
 Acceleration arbi(const Mechanism& m, bool own = false) {
   return forward<KtArbiAccelerationTool>(m, own);
@@ -93,6 +105,12 @@ KtManipulatorTorque inverse(const Mechanism& m, Acceleration acceleration, bool 
   return tool.torques(m.external, active, nullptr);
 }
 
+void bringToRest(Mechanism& m) {
+  m.velocity = KtVelocityState();
+  m.velocity.jointVelocities().resize(m.joints());
+  m.external.setToZeros();
+}
+
 KtOrientation baseAxes(const Mechanism& m) {
   Active active = m.active();
   return m.arm().dhFrameInSystem(active.activePositionState()).orientation();
@@ -107,6 +125,13 @@ List drivesOf(const Mechanism& m) {
   return drives;
 }
 
+// Commands the motors to give these torques.
+void drive(Mechanism& m, const List& torques, KtU32 from = 0) {
+  for (KtU32 i = from; i < m.joints(); ++i) {
+    m.torque.jointTorques()[i] = torques[i] / m.link(i).jointActuator().gearRatio();
+  }
+}
+
 double localTorque(const Mechanism& m, KtU32 i) {
   Active active = m.active();
   return m.link(i).totalLocalTorque(active);
@@ -115,7 +140,7 @@ double localTorque(const Mechanism& m, KtU32 i) {
 TEST(Dynamics, ForwardMethodsAgree) {
   const auto check = [](double tolerance, Mechanism& m) {
     for (const bool own : {false, true}) {
-      expectNear(listOf(arbi(m, own)), listOf(crbi(m, own)), tolerance);
+      expectNear(arbi(m, own), crbi(m, own), tolerance);
     }
     EXPECT_EQ(m.arm().isFixedBase(), arbi(m).generalAcceleration() == KtGeneralMotion());
   };
@@ -142,7 +167,7 @@ TEST(Dynamics, InverseOfForwardGivesTheTorquesBack) {
           std::pair(kTotalTorqueOfLinks, net)}) {
       SCOPED_TRACE(type);
       const KtManipulatorTorque torques = inverse(m, accelerations, true, type);
-      expectNear(listOf(torques.jointTorques()), expected, 1e-9);
+      expectNear(torques.jointTorques(), expected, 1e-9);
       if (m.arm().isFixedBase()) continue;
       expectNear(listOf({}, torques.generalForce()), listOf({}, m.torque.generalForce()), 1e-9);
     }
@@ -153,9 +178,7 @@ TEST(Dynamics, InverseOfForwardGivesTheTorquesBack) {
 TEST(Dynamics, MassMatricesAreWhatUnitAccelerationsTake) {
   forMechanisms({1, 3, 10, 40}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
-    m.velocity = KtVelocityState();
-    m.velocity.jointVelocities().resize(n);
-    m.external.setToZeros();
+    bringToRest(m);
     const KtOrientation axes = baseAxes(m);
     KtMassMatrixTool tool;
     tool.setManipulator(&m.arm());
@@ -188,7 +211,7 @@ TEST(Dynamics, MassMatricesAreWhatUnitAccelerationsTake) {
           torques.jointTorques()[j].value() -= m.link(j).jointActuator().effectiveInertia(0.0);
         }
         if (system) torques.setGeneralForce(axes * torques.generalForce());
-        expectNear(listOf(torques), columnOf(system ? inSystem : inBase, j), 1e-10);
+        expectNear(torques, columnOf(system ? inSystem : inBase, j), 1e-10);
       }
       if (j < n || !m.arm().isFixedBase()) {
         KtVelocityState moving = m.velocity;
@@ -214,9 +237,7 @@ TEST(Dynamics, NullSpaceTorqueIsWhatTheColumnsTakeAsAccelerations) {
   forMechanisms({1, 9}, kExact, [](Mechanism& m) {
     const KtU32 n = m.joints();
     Active active = m.active(m.acceleration(true));
-    m.velocity = KtVelocityState();
-    m.velocity.jointVelocities().resize(n);
-    m.external.setToZeros();
+    bringToRest(m);
     KtMassMatrixTool tool;
     tool.setManipulator(&m.arm());
     KtReArray columns(n, 2);
@@ -235,8 +256,7 @@ TEST(Dynamics, NullSpaceTorqueIsWhatTheColumnsTakeAsAccelerations) {
         }
         List torques = columnOf(actual, j);
         torques.resize(n);
-        expectNear(torques, listOf(inverse(m, column, false, kTotalTorqueOfLinks).jointTorques()),
-                   1e-10);
+        expectNear(torques, inverse(m, column, false, kTotalTorqueOfLinks).jointTorques(), 1e-10);
       }
     }
   });
@@ -259,9 +279,7 @@ TEST(Dynamics, GravityTorquesHoldTheMechanismAtRest) {
       };
       const List torques = torquesAt(0, 0.0);
       EXPECT_EQ(tool.gravitationalTorque(0, nullptr, nullptr), torques[0]);
-      m.velocity = KtVelocityState();
-      m.velocity.jointVelocities().resize(n);
-      m.external.setToZeros();
+      bringToRest(m);
       const Acceleration none = Acceleration::zeroCompatibleState(m.velocity);
       List holding = listOf(inverse(m, none, true, kTotalTorqueOfLinks).jointTorques());
       KtTotalTorqueTool own;
@@ -320,9 +338,9 @@ TEST(Dynamics, HybridProblemIsConsistentWithBothOthers) {
       EXPECT_TRUE(!fixed || found.generalAcceleration() == KtGeneralMotion());
       // The base's stands in its own axes here, and in those of the system there.
       found.generalAcceleration().transformBy(axes);
-      expectNear(listOf(arbi(driven)), listOf(found), 1e-9);
-      expectNear(listOf(inverse(m, found, true, kTotalTorqueWithFriction).jointTorques()),
-                 drivesOf(driven), 1e-9);
+      expectNear(arbi(driven), found, 1e-9);
+      expectNear(inverse(m, found, true, kTotalTorqueWithFriction).jointTorques(), drivesOf(driven),
+                 1e-9);
     }
   });
 }
@@ -407,7 +425,7 @@ TEST(Dynamics, ConstraintsHoldAndDoNoWork) {
     const List z = inUnknowns(m.velocity.generalVelocity(), m.velocity.jointVelocities());
     List rest = a * held;
     for (KtU32 r = 0; r < 2; ++r) rest[r] += (turning.rates * z)[r];
-    expectNear(rest, {0.0, 0.0}, 1e-9);
+    expectNear(rest, List(2), 1e-9);
 
     // What the constraints' forces change has no work along any motion that they allow.
     List change = solve(m);
@@ -445,15 +463,12 @@ TEST(Dynamics, ABaseLeftToItselfBearsNoForce) {
                listOf(torques.jointTorques(), KtGeneralForce()), 1e-11);
     EXPECT_EQ(active.accelerationState().jointAccelerations(), given.jointAccelerations());
     if (m.arm().isFixedBase()) return;
-    for (KtU32 i = 0; i < m.joints(); ++i) {
-      m.torque.jointTorques()[i] =
-          torques.jointTorques()[i] / m.link(i).jointActuator().gearRatio();
-    }
+    drive(m, listOf(torques.jointTorques()));
     m.torque.setGeneralForce({});
     Acceleration found = arbi(m);
     found.generalAcceleration().setLinear(found.generalAcceleration().linear() +
                                           m.stated.environment().upGravityVector());
-    expectNear(listOf(found), listOf(active.accelerationState()), 1e-9);
+    expectNear(found, active.accelerationState(), 1e-9);
   });
 }
 
@@ -472,12 +487,8 @@ void expectNothingLeftBehind() {
       if (change == 2) m.external = other.external;
       if (change == 3) m.velocity = other.velocity;
       m.stated.setEnvironment(environment);
-      Acceleration result, expected;
-      kept.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, result,
-                        nullptr, true);
-      Tool().acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, expected,
-                          nullptr, true);
-      EXPECT_EQ(listOf(result), listOf(expected));
+      Tool fresh;
+      EXPECT_EQ(listOf(answer(kept, m)), listOf(answer(fresh, m)));
     }
   });
 }
@@ -494,13 +505,8 @@ TEST(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
     KtSystemEnvironment environment;
     environment.setUpGravityVector({0.0, 0.0, g});
     m.stated.setEnvironment(environment);
-    Acceleration first, second;
-    articulated.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, first,
-                             nullptr, true);
-    composite.acceleration(m.stated, m.arm(), m.position, m.velocity, m.torque, m.external, second,
-                           nullptr, true);
-    EXPECT_EQ(listOf(second), listOf(crbi(m, true)));
-    EXPECT_EQ(listOf(first) == listOf(arbi(m, true)), g == 0.0);
+    EXPECT_EQ(listOf(answer(composite, m)), listOf(crbi(m, true)));
+    EXPECT_EQ(listOf(answer(articulated, m)) == listOf(arbi(m, true)), g == 0.0);
   }
 
   // One that computes matrices forgets the manipulator before.
@@ -518,26 +524,39 @@ TEST(Dynamics, ToolsAnswerForWhatTheyAreGiven) {
   }
 }
 
-// A manipulator on a link of another is a mass that the link carries.
-TEST(Dynamics, AttachedManipulatorsAreLoads) {
-  forMechanisms({5}, kExact, [](Mechanism& m) {
+// A manipulator on a link of another is a mass that the link carries, and a joint that its motor
+// doesn't reach is left to itself.
+TEST(Dynamics, BothMethodsTakeAttachmentsAsMassesAndLooseGearsAsIdle) {
+  const auto expectSame = [](const Mechanism& actual, const Mechanism& expected) {
+    expectNear(arbi(actual), arbi(expected), 1e-9);
+    expectNear(crbi(actual), arbi(expected), 1e-9);
+  };
+  forMechanisms({5, 8}, kExact, [&](Mechanism& m) {
     const std::string label = m.link(3).label();
     const Arm load = trees::randomMechanismArm(0, true);
-    const KtCoordinateSystemTransformation offset = randomTransformation();
-    KtRigidBodyMassProperties mass = load.massProperties();
+    const T offset = randomTransformation();
+    Mass mass = load.massProperties();
     mass.transformBy(offset);
     Arm arm = m.arm();
     arm.linkByIdentifier(label)->addMassProperties("load", mass);
-    Mechanism loaded = m;
+    Mechanism loaded = m, attached = m, idle = m, loose = m;
     loaded.replaceArm(arm);
     KtManipulatorAttachmentMap attachments;
     attachments.attachManipulator(1, 0, label, offset);
-    Mechanism attached = m;
     attached.stated.addManipulator(load);
     attached.stated.setManipulatorAttachmentMap(attachments);
-    expectNear(listOf(arbi(attached)), listOf(arbi(loaded)), 1e-9);
-    expectNear(listOf(crbi(attached)), listOf(arbi(loaded)), 1e-9);
+    expectSame(attached, loaded);
     EXPECT_NE(listOf(arbi(m)), listOf(arbi(loaded)));
+
+    arm = m.arm();
+    KtJointActuator actuator;
+    for (Mechanism* each : {&idle, &loose}) {
+      each->torque.jointTorques()[2] = 0.0;
+      arm.linkByIdentifier(m.link(2).label())->setJointActuator(actuator);
+      each->replaceArm(arm);
+      actuator.setGearRatio(0.0);
+    }
+    expectSame(loose, idle);
   });
 }
 
@@ -561,24 +580,11 @@ TEST(Dynamics, AJointWithoutInertiaStaysAndDisturbsNothing) {
   });
 }
 
-// A joint that its motor doesn't reach is left to itself, and a link without a joint is part of its
-// parent, for both methods.
-TEST(Dynamics, JointsMayLackAGearOrAModel) {
+// For both methods.
+TEST(Dynamics, ALinkWithoutAJointIsPartOfItsParent) {
   forMechanisms({8}, kExact, [](Mechanism& m) {
     Arm arm = m.arm();
-    KtJointActuator actuator;
-    Mechanism idle = m, loose = m;
-    for (Mechanism* each : {&idle, &loose}) {
-      each->torque.jointTorques()[2] = 0.0;
-      arm.linkByIdentifier(m.link(2).label())->setJointActuator(actuator);
-      each->replaceArm(arm);
-      actuator.setGearRatio(0.0);
-    }
-    expectNear(listOf(arbi(loose)), listOf(arbi(idle)), 1e-9);
-    expectNear(listOf(crbi(loose)), listOf(arbi(idle)), 1e-9);
-
-    arm = m.arm();
-    KtManipulatorLink* welded = const_cast<KtManipulatorLink*>(arm.linkByIndex(3));
+    Link* welded = arm.linkByIdentifier(m.link(3).label());
     welded->setLinkKinematicsContainer(KtLinkKinematicsContainer());
     welded->setJointActuator(KtJointActuator());
     welded->updateDHMassProperties();
@@ -587,7 +593,7 @@ TEST(Dynamics, JointsMayLackAGearOrAModel) {
     Acceleration other = crbi(m);
     EXPECT_EQ(arbi(m).jointAccelerations()[3], 0.0);
     other.jointAccelerations()[3] = 0.0;  // which its mass matrix doesn't determine
-    expectNear(listOf(arbi(m)), listOf(other), 1e-8);
+    expectNear(arbi(m), other, 1e-8);
   });
 }
 
@@ -606,11 +612,8 @@ TEST(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
         filled.torque.jointTorques()[i] = i < count ? m.torque.jointTorques()[i].value() : 0.0;
       }
       EXPECT_EQ(listOf(arbi(m)), listOf(arbi(filled)));
-      for (KtU32 i = count; i < m.joints(); ++i) {
-        filled.torque.jointTorques()[i] =
-            holding.jointTorques()[i] / m.link(i).jointActuator().gearRatio();
-      }
-      expectNear(listOf(crbi(m)), listOf(crbi(filled)), 1e-9);
+      drive(filled, listOf(holding.jointTorques()), count);
+      expectNear(crbi(m), crbi(filled), 1e-9);
       // The hybrid problem without an unknown torque is the same, and gives a torque to each joint.
       Acceleration found;
       Active active = m.active();
@@ -618,7 +621,7 @@ TEST(Dynamics, TorquesMayBeMoreOrFewerThanJoints) {
       KtCrbiAccelerationTool().hybridTorqueAcceleration(m.stated, m.arm(), m.external, {}, torque,
                                                         found, active, true);
       found.generalAcceleration().transformBy(baseAxes(m));
-      expectNear(listOf(found), listOf(crbi(m)), 1e-9);
+      expectNear(found, crbi(m), 1e-9);
       EXPECT_EQ(torque.jointTorques().size(), std::max(count, m.joints()));
     }
   });
