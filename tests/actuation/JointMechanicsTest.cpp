@@ -335,12 +335,8 @@ TEST(SpringDamper, WeighJointsByTheirLinks) {
     damper.setWeightingFactors(weights);
     damper.setAssociatedJoints(labels);
     KtManipulatorActiveState active;
-    KtPositionState position;
-    position.setJointPositions(state);
-    active.setPositionState(position);
-    KtVelocityState velocity;
-    velocity.setJointVelocities(state);
-    active.setVelocityState(velocity);
+    active.setPositionState(states::at(state));
+    active.setVelocityState(states::moving(state));
     KtLogCapture log;
     EXPECT_NEAR(spring.torque(driven.manipulator, active), 8.0 * springSum, 1e-13);
     EXPECT_NEAR(damper.torque(driven.manipulator, active), 4.0 * damperSum, 1e-13);

@@ -4,21 +4,16 @@
 namespace {
 
 using Derivatives = KtBasePowerConverter::Derivatives;
+using states::joints;
 constexpr KtU32 kJoint = DrivenElbow::kElbow;
-
-KtXmlVectorType<KtXmlBasicType<double>> reals(std::initializer_list<double> values) {
-  KtXmlVectorType<KtXmlBasicType<double>> list;
-  for (const double value : values) list.pushBack(value);
-  return list;
-}
 
 class PowerConverter : public testing::Test {
  protected:
   // The derivatives for state variables and a command, of the converter in a holder; the motor's
   // state is set before.
   Derivatives rates(const KtBasePowerConverter& converter, double command,
-                    std::initializer_list<double> variables) {
-    state.powerConverterStates()[kJoint] = reals(variables);
+                    const std::vector<double>& variables) {
+    state.powerConverterStates()[kJoint] = joints(variables);
     holder.setElement(converter);
     holder.element()->setManipulatorLink(driven.elbow());
     Derivatives derivatives(7);
@@ -123,7 +118,7 @@ TEST_F(PowerConverter, CylinderFlowsFollowThePressures) {
 TEST_F(PowerConverter, GuardsReportAndLeaveTheDerivatives) {
   const auto expect = [this](const KtBasePowerConverter& converter, KtU32 size, double torque,
                              const std::string& messages) {
-    Derivatives derivatives = reals({7.0, 8.0, 9.0});
+    Derivatives derivatives = joints({7.0, 8.0, 9.0});
     const KtLogCapture log;
     converter.computeStateDerivatives(1.0, state, derivatives);
     EXPECT_EQ(converter.outputTorque(1.0, state), torque) << messages;
@@ -145,7 +140,7 @@ TEST_F(PowerConverter, GuardsReportAndLeaveTheDerivatives) {
   motor.setManipulatorLink(driven.elbow());
   c.setManipulatorLink(driven.elbow());
   expect(motor, 3, 0.5, "");
-  state.powerConverterStates()[kJoint] = reals({1.0});
+  state.powerConverterStates()[kJoint] = joints({1.0});
   expect(c, 3, 0.0, "");  // one pressure is none
   motor.setArmatureInductance(-1.0);
   expect(motor, 1, 0.5, "");

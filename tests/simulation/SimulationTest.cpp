@@ -117,27 +117,6 @@ TEST(SimulationOfTrees, MovesAsTheLoopByHandAndAsksForNoMemory) {
   EXPECT_FALSE(ends[0].approxEq(scene.state(), 1e-2, false));
 }
 
-TEST(SimulationOfTrees, KineticEnergyIsThatOfTheMassMatrix) {
-  for (const bool fixed : {true, false}) {
-    trees::Mechanism m(trees::randomMechanismArm(7, fixed));
-    Active active = m.active();
-    KtMassMatrixTool tool;
-    tool.setManipulator(&m.arm());
-    KtReArray mass =
-        fixed ? tool.massMatrix(active, nullptr) : tool.extendedMassMatrixInBase(active, nullptr);
-    std::vector<double> v = states::valuesOf(m.velocity.jointVelocities());
-    for (KtU32 i = 0; i < m.joints(); ++i) {
-      mass[i][i] += m.link(i).jointActuator().effectiveInertia(0.0);
-    }
-    KtGeneralMotion base = m.velocity.generalVelocity();
-    base.transformBy(m.arm().dhFrameInSystem(active.activePositionState()).orientation().inverse());
-    for (unsigned k = 0; !fixed && k < 6; ++k) v.push_back(base[k]);
-    const std::vector<double> momentum = mass * v;
-    const double energy = 0.5 * std::inner_product(v.begin(), v.end(), momentum.begin(), 0.0);
-    EXPECT_NEAR(KtMechanicalEnergy::kinetic(m.arm(), active, nullptr), energy, 1e-10 * energy);
-  }
-}
-
 // What is left of the energy's change is the integrator's, and goes with the step.
 TEST(SimulationOfTrees, AccountsOfEnergyClose) {
   for (const bool fixed : {true, false}) {
@@ -294,35 +273,20 @@ TEST(Simulation, LimitsStopWithoutRebound) {
     KtSimulation simulation(scene);
     if (stops) simulation.setLimits(KtSimulation::Limits::kStopRates);
     simulation.setKeepsBalance(true);
-    for (int k = 1; k <= 300; ++k) simulation.stepTo(1e-3 * k);
+    const auto run = [&] {
+      for (int k = 1; k <= 300; ++k) simulation.stepTo(1e-3 * k);
+    };
+    run();
+    simulation.setState(scene.state());
+    const Allocations allocations;
+    run();
+    EXPECT_EQ(allocations.count(), 0U);
     EXPECT_NEAR(rateOf(simulation), stops ? 0.0 : 1.0, 1e-14);
     EXPECT_NEAR(simulation.state().velocityStates()[0].generalVelocity()[2], stops ? 0.5 : 0.0,
                 1e-14);
     EXPECT_NEAR(simulation.energyBalance().limits, stops ? -0.5 : 0.0, 1e-12);
     EXPECT_NEAR(simulation.energyBalance().remainder(), 0.0, 1e-12);
   }
-}
-
-// An arm that falls from rest and comes to lie on a limit: impacts take energy, but for what lifts
-// it back to the limit, which is of second order in the step.
-TEST(Simulation, ImpactsTakeEnergyAndAskForNoMemory) {
-  KtStatedSystem scene;
-  ASSERT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/puma560.xml", scene));
-  KtSimulation simulation(scene);
-  simulation.setLimits(KtSimulation::Limits::kStopRates);
-  simulation.setKeepsBalance(true);
-  std::optional<Allocations> allocations;
-  double last = 0.0;
-  for (int k = 1; k <= 1600; ++k) {
-    if (k == 600) allocations.emplace();
-    simulation.stepTo(1e-3 * k);
-    const double now = simulation.energyBalance().limits;
-    EXPECT_LE(now, last + 1e-3) << k;
-    last = now;
-  }
-  EXPECT_EQ(allocations->count(), 0U);
-  EXPECT_GT(simulation.joints()[1].limit.count, 900U);
-  EXPECT_LT(last, -10.0);
 }
 
 // A point mass on a rod of 1 m, let go horizontally: at 5 s it stands at (0.942305435044,

@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <type_traits>
 
-#include "ktManipulator/ktManipulator.h"
+#include "support/States.h"
 
 /// A manipulator of two links below its root, with an active state that fits it: the elbow (joint
 /// 1) is the joint that tests drive.
@@ -25,14 +25,8 @@ struct DrivenElbow {
 
   /// Sets the elbow's position, rate and acceleration; the motor stays where it is.
   void move(double position, double rate, double acceleration = 0.0) {
-    KtPositionState p;
-    p.jointPositions().resize(2);
-    p.jointPositions()[kElbow] = position;
-    active.setPositionState(p);
-    KtVelocityState v;
-    v.jointVelocities().resize(2);
-    v.jointVelocities()[kElbow] = rate;
-    active.setVelocityState(v);
+    active.setPositionState(states::at(states::joints({0.0, position})));
+    active.setVelocityState(states::moving(states::joints({0.0, rate})));
     KtAccelerationState a;
     a.resize(2);
     a.jointAccelerations()[kElbow] = acceleration;
