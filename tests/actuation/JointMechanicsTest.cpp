@@ -179,10 +179,8 @@ TEST_F(JointMechanics, FlexibleMotorSwings) {
   EXPECT_DOUBLE_EQ(accelerate(), -15.0);
 }
 
-// A converted older form has the same mechanics, and a converter with its limits of torque. What
-// differs: a joint that sticks carries its load, whatever the command; the older form carries the
-// linear torque as well. The efficiency is the present form's alone.
-TEST_F(JointMechanics, FormsDifferInWhatTheFrictionSees) {
+// A converted older form has the same mechanics, and a converter with its limits of torque.
+TEST_F(JointMechanics, OlderFormsAreConverted) {
   auto old = fullMechanics<KtOldJointActuator>();
   old.setMinTorque(-2.0);
   old.setMaxTorque(2.5);
@@ -199,31 +197,6 @@ TEST_F(JointMechanics, FormsDifferInWhatTheFrictionSees) {
   converter.setMaxTorque(2.5);
   EXPECT_TRUE(*actuator.powerConverterContainer().element() == converter);
   EXPECT_EQ(actuator.primeMoveManufacturerData(), maker);
-
-  old.setManipulatorLink(driven.elbow());
-  m.setManipulatorLink(driven.elbow());
-  const auto stick = [](auto& mechanics) {
-    mechanics.setIsRigid(true);
-    mechanics.setStopperSpringCoefficient(20.0);
-    mechanics.setStaticCoulombFriction(1e6);
-    mechanics.setStaticCoulombSpringCoefficient(0.0);
-    mechanics.setStaticCoulombDamperCoefficient(0.0);
-  };
-  stick(old);
-  stick(m);
-  driven.move(0.55, 0.01);
-  old.initializeActuatorStates(active);
-  const double linear = m.linearTorque(active);
-  ASSERT_GT(linear, 1.0);
-  for (const double efficiency : {1.0, 0.5}) {
-    m.setMaxEfficiency(efficiency);
-    EXPECT_NEAR(old.outputTorque(0.7, 3.0, active), 3.0, 1e-9);
-    EXPECT_NEAR(m.outputTorque(0.7, 3.0, active), 3.0 - linear, 1e-9);
-  }
-  EXPECT_EQ(state.outputTorques()[kJoint], m.outputTorque(0.7, 3.0, active));
-  // Without friction the command passes the gear, by the efficiency.
-  m.setStaticCoulombFriction(0.0);
-  EXPECT_NEAR(m.outputTorque(0.7, 3.0, active), 0.7 * m.gearRatio() * 0.5 - linear, 1e-9);
 }
 
 // A joint that the state has no entries for yields 0 and the operation's message; nothing is

@@ -40,11 +40,10 @@ std::vector<std::string> texts(const std::vector<ImportFinding>& findings) {
   for (const auto& f : findings) result.push_back(std::to_string(f.line) + ": " + f.text);
   return result;
 }
-const KtIndividualManipulator& only(const ImportResult& result) {
+const Arm& only(const ImportResult& result) {
   return result.system.system().manipulators()[0];
 }
-KtCoordinateSystemTransformation placeOf(const ImportResult& result, const std::string& label,
-                                         const std::vector<double>& q) {
+T placeOf(const ImportResult& result, const std::string& label, const std::vector<double>& q) {
   KtPositionState position = result.system.state().positionStates()[0];
   for (KtU32 i = 0; i < q.size(); ++i) position.jointPositions()[i] = q[i];
   KtManipulatorActiveState active;
@@ -58,7 +57,7 @@ KtOrientation turned(double roll, double pitch, double yaw) {
 }
 
 constexpr const char* kOrigin = "<origin xyz='0.1\t-0.2 0.3' rpy=' 0.4 -0.5 0.6'/>";
-const KtCoordinateSystemTransformation theOrigin({0.1, -0.2, 0.3}, turned(0.4, -0.5, 0.6));
+const T theOrigin({0.1, -0.2, 0.3}, turned(0.4, -0.5, 0.6));
 
 // The link of a moving joint stands at the origin, and then turned about the axis, or moved along
 // it, as the robot's frames have it: whatever the axis, and -z too.
@@ -68,16 +67,18 @@ TEST(Import, JointsMoveTheirLinksAboutTheAxis) {
         KtVector(0.3, -0.4, 0.5), KtVector(1e-9, 0, -1), KtVector(0.6, 0.5, -0.7)}) {
     const std::string xyz =
         "<axis xyz='" + number(axis.x) + ' ' + number(axis.y) + ' ' + number(axis.z) + "'/>";
-    const std::string limit = "<limit lower='-1' upper='2' effort='3' velocity='4'/>";
+    const std::string limit =
+        "<limit lower='-1' upper='2' effort='3' velocity='4'/>"
+        "<dynamics damping='0.7' friction='0.2'/>";
     for (const std::string type : {"revolute", "continuous", "prismatic"}) {
       SCOPED_TRACE(type + xyz);
       const ImportResult result = imported(
           robot(link("a") + link("b") + joint("j", type, "a", "b", kOrigin + xyz + limit)));
-      KtCoordinateSystemTransformation moved(axis.unitVector() * 0.7);
+      T moved(axis.unitVector() * 0.7);
       if (type != "prismatic") {
         KtOrientation turn;
         turn.setFromAngleAxis(0.7, axis.unitVector());
-        moved = KtCoordinateSystemTransformation(turn);
+        moved = T(turn);
       }
       EXPECT_TRUE(placeOf(result, "b", {0.7}).approxEq(theOrigin * moved, 1e-14));
       const KtJointActuator& actuator = only(result).linkByIndex(0)->jointActuator();
@@ -87,6 +88,10 @@ TEST(Import, JointsMoveTheirLinksAboutTheAxis) {
       EXPECT_EQ(actuator.minOutputTorque(), -3.0);
       EXPECT_EQ(actuator.maxOutputTorque(), 3.0);
       EXPECT_EQ(actuator.effectiveInertia(0.0), 0.0);
+      const auto& mechanics = *actuator.mechanicalComponentContainer().element();
+      EXPECT_EQ(mechanics.frictionCoefficient(), 0.7);
+      EXPECT_EQ(mechanics.staticCoulombFriction(), 0.2);
+      EXPECT_LT(mechanics.limitingVelocityStickRegion(), 0.01);  // else it would stick for ever
       EXPECT_EQ(result.notTaken.size(), type == "continuous" ? 2U : 0U);  // its bounds
     }
   }
@@ -97,16 +102,14 @@ TEST(Import, PlanarJointsMoveInThePlane) {
       imported(robot(link("a") + body("b", "1", "") +
                      joint("j", "planar", "a", "b", kOrigin + std::string("<axis xyz='1 0 0'/>"))));
   ASSERT_EQ(only(result).jointDof(), 3U);
-  const KtCoordinateSystemTransformation start = placeOf(result, "b", {0, 0, 0});
+  const T start = placeOf(result, "b", {0, 0, 0});
   EXPECT_TRUE(start.approxEq(theOrigin, 1e-14));
   const KtVector u = placeOf(result, "b", {1, 0, 0}).translation() - start.translation();
   const KtVector v = placeOf(result, "b", {0, 1, 0}).translation() - start.translation();
   EXPECT_TRUE(u.cross(v).approxEq(theOrigin.orientation().xAxis(), 1e-14));
   EXPECT_NEAR(u.mag(), 1.0, 1e-14);
-  EXPECT_TRUE(
-      placeOf(result, "b", {0, 0, 0.3})
-          .approxEq(theOrigin * KtCoordinateSystemTransformation(KtOrientation::xRotation(0.3)),
-                    1e-14));
+  EXPECT_TRUE(placeOf(result, "b", {0, 0, 0.3})
+                  .approxEq(theOrigin * T(KtOrientation::xRotation(0.3)), 1e-14));
 }
 
 TEST(Import, HelpersOfPlanarJointsTakeNoLinksName) {
@@ -159,10 +162,10 @@ TEST(Import, FixedLinksBecomePartOfTheirParents) {
       joint("k", "continuous", "tip", "finger")));
   EXPECT_TRUE(result.notTaken.empty());
   ASSERT_EQ(only(result).jointDof(), 2U);
-  const KtManipulatorLink& arm = *only(result).linkByIndex(0);
+  const Link& arm = *only(result).linkByIndex(0);
 
-  const KtCoordinateSystemTransformation one({0, 0, 0.5}, KtOrientation::zRotation(1.0));
-  KtCoordinateSystemTransformation frame;
+  const T one({0, 0, 0.5}, KtOrientation::zRotation(1.0));
+  T frame;
   ASSERT_TRUE(arm.lookupNamedFrame("hand", frame));
   EXPECT_TRUE(frame.approxEq(one, 1e-15));
   ASSERT_TRUE(arm.lookupNamedFrame("tip", frame));
@@ -219,18 +222,6 @@ TEST(Import, FollowersAreConstrainedAndStandWhereTheyHaveTo) {
     EXPECT_EQ(c.jointWeights()[0][i + 1], i == 0 ? -2.0 : 3.0);
     EXPECT_EQ(sum, c.weightedSums()[0]);
   }
-}
-
-TEST(Import, FrictionGoesIntoTheActuator) {
-  const ImportResult result = imported(
-      robot(link("a") + link("b") +
-            joint("j", "continuous", "a", "b", "<dynamics damping='0.7' friction='0.2'/>")));
-  const auto* mechanics =
-      only(result).linkByIndex(0)->jointActuator().mechanicalComponentContainer().element();
-  ASSERT_NE(mechanics, nullptr);
-  EXPECT_EQ(mechanics->frictionCoefficient(), 0.7);
-  EXPECT_EQ(mechanics->staticCoulombFriction(), 0.2);
-  EXPECT_LT(mechanics->limitingVelocityStickRegion(), 0.01);  // else it would stick for ever
 }
 
 TEST(Import, ListsWhatIsNotTakenOver) {

@@ -8,7 +8,7 @@
 #include <memory>
 #include <sstream>
 
-#include "tools/RobotPeers.h"
+#include "tools/RobotPeer.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-// Descriptions of real robots, of a folder that is given by KT_ROBOT_FILES, against peers.
+// Descriptions of real robots, of a folder that is given by KT_ROBOT_FILES, against MuJoCo.
 #include "Evaluate.h"
 #include "ImportUrdf.h"
 #include "Simulate.h"
 #include "support/Testing.h"
-#include "tools/RobotPeers.h"
+#include "tools/RobotPeer.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ void append(std::vector<double>& list, const Json& json) {
   }
 }
 
-// The answers in the form of the peers' ones.
+// The answers in the form of the peer's ones.
 RobotAnswers ownAnswers(const Json& own, bool freeBase) {
   RobotAnswers answers;
   auto& lists = answers.lists;
@@ -78,10 +78,8 @@ double differenceOf(const std::vector<double>& a, const std::vector<double>& b) 
   return largest > 0.0 ? difference / largest : difference;
 }
 
-void compare(const char* peer, const RobotAnswers& answers, const RobotAnswers& own) {
-  SCOPED_TRACE(peer);
-  std::cout << peer << ": ";
-  if (!answers.whyNot.empty()) std::cout << "not compared, " << answers.whyNot;
+void compare(const RobotAnswers& answers, const RobotAnswers& own) {
+  if (!answers.whyNot.empty()) std::cout << "not compared with MuJoCo, " << answers.whyNot;
   for (const auto& [what, list] : answers.lists) {
     // A peer tells what pushes a free base; here that isn't gravity's part.
     std::vector<double> ours = own.lists.at(what), theirs = list;
@@ -109,7 +107,7 @@ void import(const std::string& from, bool freeBase, KtStatedSystem& system) {
   EXPECT_EQ(log.text(), "");
 }
 
-void compareWithPeers(const std::string& file, bool freeBase) {
+void compareWithAPeer(const std::string& file, bool freeBase) {
   SCOPED_TRACE(freeBase ? "free base" : "fixed base");
   KtStatedSystem system;
   import(file, freeBase, system);
@@ -134,21 +132,17 @@ void compareWithPeers(const std::string& file, bool freeBase) {
   std::string error;
   ASSERT_TRUE(evaluate(system, options, result, error)) << error;
   const RobotAnswers own = ownAnswers(result["manipulators"][0], freeBase);
-  std::cout << (freeBase ? "free base\n" : "fixed base\n");
-#ifdef KT_WITH_KDL
-  compare("  KDL", askKdl(question), own);
-#endif
 #ifdef KT_WITH_MUJOCO
-  compare("  MuJoCo", askMujoco(question), own);
+  compare(askMujoco(question), own);
 #endif
 }
 
 class RobotFiles : public testing::TestWithParam<std::string> {};
 
-TEST_P(RobotFiles, AgreeWithPeers) {
+TEST_P(RobotFiles, AgreeWithAPeer) {
   if (GetParam().empty()) GTEST_SKIP() << "no robots: KT_ROBOT_FILES names no folder of them";
   generator().seed(20240517);
-  for (const bool freeBase : {false, true}) compareWithPeers(GetParam(), freeBase);
+  for (const bool freeBase : {false, true}) compareWithAPeer(GetParam(), freeBase);
 }
 
 // Both methods go through a second, and agree as long as rounding has not grown.
@@ -230,14 +224,14 @@ std::string randomRobot(int links) {
   return text.str();
 }
 
-TEST(RandomRobots, AgreeWithPeers) {
+TEST(RandomRobots, AgreeWithAPeer) {
   generator().seed(20260101);
   const std::string file = std::string(KT_TEST_OUTPUT) + "/random-robot.urdf";
   for (int links = 2; links < 14; ++links) {
     const std::string text = randomRobot(links);
     SCOPED_TRACE(text);
     std::ofstream(file) << text;
-    for (const bool freeBase : {false, true}) compareWithPeers(file, freeBase);
+    for (const bool freeBase : {false, true}) compareWithAPeer(file, freeBase);
   }
 }
 

@@ -64,11 +64,11 @@ struct Trace {
   }
 };
 
-Trace traced(KtStatedSystem& system, SimulateOptions options, bool good = true) {
+Trace traced(KtStatedSystem& system, SimulateOptions options) {
   Trace trace;
   options.csvFile =
       pathOf(std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".csv");
-  EXPECT_EQ(simulate(system, options, trace.result, trace.error), good) << trace.error;
+  EXPECT_TRUE(simulate(system, options, trace.result, trace.error)) << trace.error;
   std::istringstream lines(textOfFile(options.csvFile));
   for (std::string line; std::getline(lines, line);) {
     trace.rows.emplace_back();
@@ -112,14 +112,6 @@ TEST(Simulate, ASummaryTellsWhatWasHitAndWhereTheEnergyWent) {
   const Trace fall = traced(arm, {0.1, 1e-3, {}, {}, false, "", ""});
   EXPECT_THAT(describeSimulation(fall.result),
               testing::AllOf(HasSubstr("energy drift "), HasSubstr("nothing was hit")));
-}
-
-TEST(Simulate, EndsWhereAStateIsNotFinite) {
-  KtStatedSystem system = slider("<limit lower='-1' upper='1' effort='1e308' velocity='1e308'/>");
-  setRate(system, INFINITY);
-  const Trace r = traced(system, {9.0, 0.5, {}, {}, false, "", ""}, false);
-  EXPECT_THAT(r.error, testing::StartsWith("the system: the motion of "));
-  EXPECT_EQ(r.rows.size(), r.result.steps + 2);
 }
 
 TEST(Simulate, RowsAreWhatTheLibraryAnswers) {
@@ -168,16 +160,12 @@ TEST(Simulate, GoesOnFromAFileToTheLastBit) {
          {KtSimulation::Method::kArticulated, KtSimulation::Method::kComposite}) {
       for (const double step : {1e-3, 3e-3, 1.0 / 240.0}) {
         KtStatedSystem whole = modelOf("puma560");
-        if (freeBase) {
-          KtIndividualManipulator arm = whole.system().manipulators()[0];
-          arm.setIsFixedBase(false);
-          const KtRigidBodyMassProperties mass(10.0, KtVector(),
-                                               KtSecondMoment(1, 1.2, 1.4, 0.1, 0, 0));
-          arm.setMassProperties(mass);
-          const KtManipulatorSystemState state = whole.state();
-          whole.setFromManipulator(arm);
-          whole.setState(state);
-        }
+        Arm arm = whole.system().manipulators()[0];
+        arm.setIsFixedBase(!freeBase);
+        arm.setMassProperties(Mass::uniformSolidSphere(10.0, 0.2));
+        const KtManipulatorSystemState state = whole.state();
+        whole.setFromManipulator(arm);
+        whole.setState(state);
         KtStatedSystem first = whole;
         Trace a = traced(first, {60 * step, step, method, {}, false, "", ""});
         ASSERT_TRUE(KtXmlWriter::writeFile(pathOf("half.xml"), first));

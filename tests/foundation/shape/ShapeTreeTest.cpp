@@ -23,13 +23,11 @@ TEST(ShapeTree, NumbersMembersWithTheirVolumesThenItsOwn) {
   const KtManipulatorLink link;
   KtShape::ShapeTable table;
   KtShape::ShapeVector shapes;
-  for (int pass = 0; pass < 2; ++pass) {  // numbering again changes nothing
-    KtU32 count = 0, levels = 0;
-    part.mapShapes(count, &link, table, shapes);
-    part.mapBoundingVolumeLevels(levels);
-    EXPECT_EQ(levels, 2U);
-    EXPECT_EQ(count, 5U);
-  }
+  KtU32 count = 0, levels = 0;
+  part.mapShapes(count, &link, table, shapes);
+  part.mapBoundingVolumeLevels(levels);
+  EXPECT_EQ(levels, 2U);
+  EXPECT_EQ(count, 5U);
   const KtShape *box = std::as_const(part).member(0), *ball = std::as_const(part).member(1);
   const KtShape* volume = std::as_const(part).outerBoundingVolume();
   const KtShape* hull = box->outerBoundingVolume();
@@ -120,20 +118,6 @@ TEST(ShapeTree, AShapeMayBeAssignedFromAPartOfItselfAndAPartFromTheWhole) {
   volume(inner) = inner;
   EXPECT_EQ(volume(inner), whole);
   EXPECT_EQ(inner.radius(), 1.0);
-
-  // A union out of one around it, and out of one in it.
-  KtShapeUnion part = machinePart(), around;
-  around.addMember(machinePart());
-  part.addBoundingVolume(around);
-  const KtShape* outermost = std::as_const(part).outerBoundingVolume()->outerBoundingVolume();
-  const KtShape& deep = *dynamic_cast<const KtShapeUnion&>(*outermost).member(0);
-  EXPECT_TRUE(part.holds(deep));
-  EXPECT_FALSE(part.holds(part));
-  part = dynamic_cast<const KtShapeUnion&>(deep);
-  EXPECT_EQ(part, machinePart());
-  part = around;
-  part = dynamic_cast<const KtShapeUnion&>(*std::as_const(part).member(0));
-  EXPECT_EQ(part, machinePart());
 }
 
 // A segment along x meets the shapes of a level; where it meets none, the event stays.
@@ -211,19 +195,6 @@ TEST(ShapeTree, DamagedMeshesAreEmpty) {
     EXPECT_TRUE(log.contains(complaint)) << log.text();
     EXPECT_EQ(mesh.numberOfConvexParts(), 0U);
   }
-  // Written by hand, and flat: the second has no volume, but points.
-  KtLogCapture log;
-  KtConvexPolyhedron hull;
-  EXPECT_TRUE(KtXmlReader::readString(
-      "<convexPolyhedron><surfaceLabel>ice</surfaceLabel>\n<vertices>0 0 0  1 0 0\n"
-      "\t0 1 0  0 0 1</vertices></convexPolyhedron>",
-      hull));
-  EXPECT_NEAR(hull.volume(), 1.0 / 6.0, 1e-15);
-  EXPECT_EQ(log.text(), "");
-  EXPECT_TRUE(KtXmlReader::readString(
-      "<convexPolyhedron><vertices>0 0 0 1 0 0 0 1 0 1 1 0</vertices></convexPolyhedron>", hull));
-  EXPECT_TRUE(log.contains("no volume: all points lie on one plane"));
-  EXPECT_EQ(hull.support({1, 1, 0}), KtVector(1, 1, 0));
 }
 
 using Record = KtShapeCollisionData;
@@ -254,9 +225,6 @@ TEST(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
     }
     EXPECT_EQ(cache.nextCollisionData(), nullptr);
   }
-  cache.invalidateAll();  // takes the visit back to its start, too
-  cache.setValid(records[1]);
-  EXPECT_EQ(cache.nextCollisionData(), records[1]);
   records[0]->setFrictionMode(Record::kKinetic);
   KtSystemShapeCollisionCache copy = cache;
   Record* const copied = copy.getCollisionData(kKeys[0], kKeys[1]);
@@ -266,10 +234,6 @@ TEST(ShapeCollisionCache, VisitsValidRecordsOnceInTheirOrder) {
   cache.setValid(nullptr);
   cache.setValid(copied);
   EXPECT_EQ(log.messages().size(), 1U);
-  cache.setValid(records[0]);
-  cache.clear();
-  EXPECT_EQ(cache.nextCollisionData(), nullptr);
-  EXPECT_EQ(cache.getCollisionData(kKeys[0], kKeys[1])->frictionMode(), Record::kFirstContact);
 }
 
 // Asked for in the other order, a record has its sides exchanged, and turned again is as before.
