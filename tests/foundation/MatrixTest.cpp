@@ -116,26 +116,18 @@ TEST(ReArray, FactorAndSolversInvertAPositiveMatrix) {
   }
 }
 
-// Equations that repeat each other, as closed loops bring them, are solved if they don't contradict
-// each other, and with moderate numbers.
-TEST(ReArray, RedundantEquationsAreSolved) {
-  for (KtU32 n = 3; n <= 12; ++n) {
-    SCOPED_TRACE(n);
-    Dense a = view(randomArray(n, n));
-    a.row(n / 2).setZero();
-    a.row(n - 1) = a.row(0) - 2.0 * a.row(1);
-    const KtReArray s = arrayOf(a * a.transpose());
-    const KtReArray b = arrayOf(view(s) * view(randomArray(n, 1)));
-    KtReArray l, x;
-    EXPECT_FALSE(s.choleskyDecomposition(l));
-    ASSERT_TRUE(l.choleskyBackSubstitution(b, x));
-    EXPECT_LE(gap(view(s) * view(x), view(b)), 1e-9);
-    EXPECT_LT(largest(view(x)), 1e6);
-  }
-}
-
-TEST(ReArray, IndefiniteMatrixGivesFiniteNumbers) {
+// Equations that repeat each other, as closed loops bring them, are solved with moderate numbers.
+TEST(ReArray, SingularAndIndefiniteMatricesGiveFiniteNumbers) {
   for (KtU32 n = 1; n <= 12; ++n) {
+    Dense a = view(randomArray(n, n));
+    a.row(n - 1) = a.row(0) * (n > 1 ? 2.0 : 0.0);
+    const KtReArray twice = arrayOf(a * a.transpose());
+    const KtReArray b = arrayOf(view(twice) * view(randomArray(n, 1)));
+    KtReArray factor, solution;
+    EXPECT_FALSE(twice.choleskyDecomposition(factor));
+    ASSERT_TRUE(factor.choleskyBackSubstitution(b, solution));
+    EXPECT_LE(gap(view(twice) * view(solution), view(b)), 1e-9);
+    EXPECT_LT(largest(view(solution)), 1e6);
     KtReArray s = randomArray(n, n);
     s += s.transpose();
     s[0][0] = -1.0;
@@ -183,11 +175,6 @@ TEST(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
     const auto n = view(basis);
     EXPECT_LE(largest(j * n), 1e-13);
     EXPECT_LE(gap(n.transpose() * n, Dense::Identity(k - rank, k - rank)), 1e-13);
-    // Padding columns come last and leave the others alone.
-    const KtU32 padding = k - columns;
-    Dense padded = Dense::Zero(padding, k - rank);
-    padded.rightCols(padding).setIdentity();
-    EXPECT_EQ(gap(n.bottomRows(padding), padded), 0.0);
     const Dense factor = view(work).topRows(rows);
     const Dense l = factor.leftCols(rows).triangularView<Eigen::UnitLower>();
     const Dense u = factor.triangularView<Eigen::Upper>();
@@ -199,20 +186,6 @@ TEST(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
     EXPECT_EQ(sparseBasis, basis);
     EXPECT_EQ(sparseIndices, indices);
     EXPECT_EQ(gap(view(sparseWork).topRows(rows), factor), 0.0);
-  }
-}
-
-TEST(ReArray, NullSpaceTellsASingularPoseFromANearlySingularOne) {
-  for (const auto& [pivot, rank] : {std::pair{1e-9, 2U}, std::pair{1e-14, 1U}}) {
-    KtReArray work(3, 3);
-    work[0][0] = 100.0, work[0][1] = 100.0, work[0][2] = 100.0;
-    work[1][0] = 50.0, work[1][1] = 50.0, work[1][2] = 50.0 + 100.0 * pivot;
-    const KtReArray jacobian = work;
-    KtReArray n;
-    std::vector<unsigned> indices;
-    ASSERT_TRUE(work.nullSpace(n, 2, indices));
-    EXPECT_EQ(indices.back(), rank);
-    EXPECT_LE(largest(view(jacobian) * view(n)), 1e-11);
   }
 }
 

@@ -271,14 +271,6 @@ TEST(LinkKinematics, ScalingScalesLengthsAndKeepsAngles) {
     }
     EXPECT_EQ(scaled.jointParameterScalability(), 1.0);
   }
-  KtScrewTypeLink screw;
-  screw.setPitch(0.5);
-  screw.setPrecursor(T(KtVector(1.0, 2.0, 3.0)));
-  screw.scaleBy(2.0);
-  EXPECT_EQ(screw.pitch(), 0.25);
-  EXPECT_EQ(screw.precursor(), T(KtVector(2.0, 4.0, 6.0)));
-  screw.scaleBy(0.0);
-  EXPECT_EQ(screw.pitch(), 0.25 / 1e-300);
 }
 
 TEST(LinkKinematics, BoundOfTheDistanceHoldsOverTheRange) {
@@ -357,18 +349,6 @@ TEST(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
     EXPECT_NEAR(std::hypot(end.x, end.y), link.d2Length(), 1e-12);
     EXPECT_GT(end.x, 0.0);
   }
-  // Without d1 too the loops are mirrored: at equal cosines the second solution is taken.
-  Quad copy = link;
-  copy.setPrecursor(T());
-  copy.setNominalLength(-1.1);
-  copy.setD1Length(0.0);
-  copy.setOppositeLength(1.3);
-  EXPECT_GT(copy.calculateTransform(0.0).orientation().xAxis().y, 0.0);
-  // A side b of length 0 has no direction: frame B is turned a quarter back from the link.
-  copy.setNominalLength(0.4);
-  copy.setD1Length(0.3);
-  copy.setOppositeLength(0.0);
-  EXPECT_TRUE(copy.frameBTransform(0.0).orientation().xAxis().approxEq({0.6, 0.8, 0.0}, 1e-7));
   const KtLogCapture log;
   link.setOppositeLength(9.0);
   EXPECT_TRUE(std::isfinite(link.calculateTransform(0.0).translation().mag()));
@@ -409,9 +389,6 @@ TEST(LinkKinematics, BadTypesAreReportedAndChangeNothing) {
                               said("accelerationFromJointVelocity") +
                               said("accelerationFromJointVelocity"));
   }
-  const Dh example = Dh::defaultObject();
-  EXPECT_TRUE(example.jointType() == Dh::kPrismatic && example.dhType() == Dh::kPaul);
-  EXPECT_EQ(example.primaryFrame(), T({12.0, -3.0, -4.0}, {-1.0, 2.0, -1.0, 4.0}));
   Dh link;
   link.setJointType(7);
   const KtLogCapture log;
@@ -441,25 +418,18 @@ TEST(LinkKinematics, AlikeIsWhatDiffersByNoMoreThanTheTolerance) {
     (other.*set)(5.0);
     EXPECT_TRUE(quad.approxEq(other, 6.0) && !quad.approxEq(other, 0.1));
   }
-  // Of another type no model is alike. Where it stands or how steep a screw is doesn't matter.
+  // Of another type no model is alike. How steep a screw is doesn't matter.
   for (const auto set : {&Dh::setJointType, &Dh::setDhType}) {
     Dh other = link;
     (other.*set)(9);
     EXPECT_FALSE(link.approxEq(other, 99.0));
   }
-  Quad moved = quad;
-  moved.setPrecursor(T());
-  EXPECT_TRUE(quad.approxEq(moved, 0.0));
-  moved.setJointType(Quad::kPivotedSlider);
-  EXPECT_FALSE(quad.approxEq(moved, 9.0));
+  Quad pivoted = quad;
+  pivoted.setJointType(Quad::kPivotedSlider);
+  EXPECT_FALSE(quad.approxEq(pivoted, 9.0));
   KtScrewTypeLink coarse;
   coarse.setPitch(9.0);
   EXPECT_TRUE(coarse.approxEq(KtScrewTypeLink(), 0.0));
-  Dh other = link;
-  other.setPrimaryFrame(randomTransformation());
-  EXPECT_TRUE(link.approxEq(other, 0.0));
-  const KtLinkKinematics& base = link;
-  EXPECT_FALSE(base.approxEq(static_cast<const KtLinkKinematics&>(other), 1e-3));
 }
 
 TEST(LinkKinematics, ScrewTurnsWithItsTravel) {
@@ -477,7 +447,7 @@ TEST(LinkKinematics, ScrewTurnsWithItsTravel) {
   expectNear(screw.calculateAcceleration(0.3, 1.0, 1.0), unit, 10.0);
 }
 
-TEST(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
+TEST(LinkKinematics, AnEmptyHolderAnswers) {
   KtLinkKinematicsContainer holder;
   KtArticulatedBodyDynamics parent;
   const KtLogCapture log;
@@ -504,24 +474,11 @@ TEST(LinkKinematics, HolderForwardsAndAnswersWhenEmpty) {
   EXPECT_EQ(holder.torqueRequiredToExert(1.0, KtGeneralForce({1.0, 1.0, 1.0}, {})), 0.0);
   EXPECT_EQ(holder.jointParameterScalability(), 0.0);
 
-  // The same calls reach what it holds, and every model has a parent to join to.
+  // Every model has a parent to join to.
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
     holder.setTopElement(someQuadrilateral(type));
     EXPECT_TRUE(holder.addChildArbdToParent(parent, parent, 0.1, 1.0, 1.0));
   }
-  Dh link = randomDh(Dh::kPrismatic, Dh::kPaul);
-  holder.setTopElement(link);
-  const auto change = [&t](auto& kinematics) {
-    kinematics.setPrimaryFrame(t);
-    kinematics.scaleBy(2.0);
-    kinematics.transformBy(t);
-  };
-  change(holder);
-  change(link);
-  EXPECT_TRUE(holder.topElement()->equality(&link));
-  EXPECT_EQ(holder.calculateVelocity(0.5, 2.0), link.calculateVelocity(0.5, 2.0));
-  EXPECT_EQ(holder.jointParameterScalability(), 1.0);
-  EXPECT_TRUE(holder.addChildArbdToParent(parent, parent, 0.5, 1.0, 1.0));
 }
 
 }  // namespace
