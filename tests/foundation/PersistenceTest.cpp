@@ -12,9 +12,6 @@ SampleNode someNode() {
 }
 
 TEST(Vocabulary, IsComplete) {
-  EXPECT_TRUE(KtManip::KtGearRatioToken == KtToken(KtManip::ns.token() + "gearRatio"));
-  EXPECT_FALSE(KtManip::KtGearRatioToken == KtToken("gearRatio"));
-  EXPECT_TRUE(KtManip::KtDhTypePaulToken == "paul");
   EXPECT_TRUE(KtManip::ns.text().ends_with("/namespace/mn#"));
 
   using Constants = std::vector<std::pair<std::string, const KtToken*>>;
@@ -117,32 +114,6 @@ TEST(Compound, ForeignNamesStayApart) {
   EXPECT_EQ(value, 2.0);
 }
 
-/// A class of a program that has no namespace of its own.
-class PlainNamed : public KtXmlPersistent<PlainNamed, KtXmlCompoundType> {
- public:
-  void registerComponents() override { registerComponent(KtToken("mark"), &mark); }
-  bool operator==(const PlainNamed&) const = default;
-  static const KtToken& classToken() {
-    static const KtToken token("plainNamed");
-    return token;
-  }
-  Real mark;
-};
-
-TEST(Compound, TokensWithoutANamespaceComeBack) {
-  PlainNamed object;
-  object.mark = 3.0;
-  PlainNamed back;
-  EXPECT_TRUE(KtXmlReader::readString(KtXmlWriter::writeString(object), back));
-  EXPECT_EQ(back, object);
-  KtXmlFactory factory;
-  factory.registerCreator(PlainNamed::classToken(), PlainNamed::creator);
-  const std::unique_ptr<KtXmlObject> made(
-      factory.newObjectFromToken(SampleNode::name("plainNamed")));
-  EXPECT_NE(made, nullptr);
-  EXPECT_EQ(factory.newObjectFromToken(KtToken("http://other/ns#plainNamed")), nullptr);
-}
-
 TEST(Compound, EqualityLooksAtTheClass) {
   const KtLabelAssociatedRealMap real;
   const KtLabelAssociatedMap<Real> base;
@@ -152,13 +123,6 @@ TEST(Compound, EqualityLooksAtTheClass) {
 }
 
 TEST(Holder, KeepsTheRulesOfOwnership) {
-  SampleFunctionHolder holder;
-  holder.setElement(KtLinearScalarFunction(1.0, 2.0));
-  SampleFunctionHolder copy = holder;
-  EXPECT_NE(copy.element(), holder.element());
-  copy = SampleFunctionHolder();
-  EXPECT_EQ(copy.element(), nullptr);
-
   KtScalarFunctionContainer container;
   EXPECT_EQ(container.evaluate(0.5), 0.0);
   container.setTopElement(KtLinearScalarFunction(1.0, 3.0));
@@ -227,14 +191,7 @@ class Recorder : public KtXmlObjectVisitor {
 };
 
 TEST(Visitor, WalksInFileOrder) {
-  KtXmlMapType<Text, KtXmlVectorVector> map(std::string("a"), KtXmlVectorVector(1));
-  Recorder recorder;
-  map.accept(&recorder);
   const std::string ns = KtManip::ns.text();
-  EXPECT_THAT(recorder.lines, ElementsAre("KtXmlMapType  (1)", " KtXmlObject " + ns + "key",
-                                          " KtXmlVectorType " + ns + "value (1)",
-                                          "  KtXmlObject " + ns + "element"));
-
   Recorder compound;
   compound.stopAt = "children";
   SampleNode node = someNode();
@@ -264,10 +221,6 @@ TEST(Writer, WritesForPeople) {
   EXPECT_EQ(KtXmlWriter::writeString(list),
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<vector xmlns=\"" + ns +
                 "\" count=\"3\"><group>0.5 0.5 0.5</group></vector>\n");
-  const std::string text = KtXmlWriter::writeString(KtGeneralMotion());
-  EXPECT_EQ(text, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<generalVelocity xmlns=\"" + ns +
-                      "\">\n  <linear>0 0 0</linear>\n  <angular>0 0 0</angular>\n"
-                      "</generalVelocity>\n");
   // Long lists break into lines of a length that a screen shows.
   list.assign(1000, 0.125);
   std::istringstream lines(KtXmlWriter::writeString(list));
@@ -299,9 +252,6 @@ TEST(Log, HandsOverWholeMessages) {
   EXPECT_THAT(log.messages(), ElementsAre(Message{Kt::Print::kError, "3 of four\n"},
                                           Message{Kt::Print::kDiagnostic, "void f(): one 2"},
                                           Message{Kt::Print::kError, "last"}));
-  print.ostream(Kt::Print::kError, "") << std::hex << 255;
-  print.ostream(Kt::Print::kError, "") << 255 << std::flush;
-  EXPECT_EQ(log.messages().back().text, "255");
   EXPECT_EQ(KtINT2STRING(4294967294U, 10), "4294967294");
 }
 

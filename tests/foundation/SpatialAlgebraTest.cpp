@@ -129,7 +129,6 @@ TEST(MotionAndForce, KeepTheirPowerInEveryFrame) {
 TEST(MotionAndForce, AreIndexedLinearFirst) {
   KtGeneralForce f;
   for (unsigned i = 0; i < 8; ++i) f.setScalarValue(i, i + 1.0);
-  EXPECT_EQ(f, KtGeneralForce({1, 2, 3}, {4, 5, 6}));
   EXPECT_EQ(f[7], 0.0);
   KtReArray column;
   f.copyToArray(column);
@@ -148,7 +147,6 @@ TEST(Guards, KeepArithmeticFinite) {
   EXPECT_EQ(KtMath::acos(1.0 + 1e-15), 0.0);
   EXPECT_EQ(KtMath::acos(-1.0 - 1e-15), kPi);
   EXPECT_TRUE(std::isnan(KtMath::sqrt(nan)));
-  EXPECT_EQ(KtVector().unitVector(), KtVector());
   for (const double scale : {5e-324, 1e-310, 1e-170, 1e-150, 1.0, 1e160, 1e308}) {
     EXPECT_TRUE(KtVector(0, scale, -scale)
                     .unitVector()
@@ -160,17 +158,6 @@ TEST(Guards, KeepArithmeticFinite) {
   EXPECT_FALSE(KtVector(1.0, 0, 0).approxEq({1.25, 0, 0}, 0.2499999));
   EXPECT_FALSE(KtVector(nan, 0, 0).approxEq({nan, 0, 0}, 1.0));
   EXPECT_FALSE(KtVector(0, 0, 1.25).approxEq({0, 0, 1.0}, 0.2499999));
-
-  KtNonNegReal real(-3.0);
-  EXPECT_EQ(real, 0.0);
-  real = 2.0;
-  EXPECT_EQ(real - KtNonNegReal(5.0), 0.0);
-  EXPECT_EQ(real - 5.0, -3.0);
-  EXPECT_EQ(real + KtNonNegReal(5.0), 7.0);
-  EXPECT_EQ(real *= -1.0, 0.0);
-  const KtAngle angle(0.7);
-  EXPECT_EQ(angle.sine(), std::sin(0.7));
-  EXPECT_EQ(angle.cosine(), std::cos(0.7));
 }
 
 TEST(Line, DistanceIsTheLeastOne) {

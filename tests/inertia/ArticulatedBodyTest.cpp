@@ -91,26 +91,12 @@ TEST(ArticulatedBody, SumsAreRigidIfBothAre) {
   EXPECT_TRUE((a + b).isRigid());
   EXPECT_FALSE((a + randomInertia()).isRigid() || (a - randomInertia()).isRigid());
   EXPECT_TRUE((a + b - b).approxEq(a, 1e-14));
-  Inertia back;
   KtReArray array;
   a.getArray(array);
-  back.setFromArray(array);
+  b.setFromArray(array);
   const KtLogCapture log;
-  back.setFromArray(KtReArray(5, 6));
-  EXPECT_TRUE(back.approxEq(a, 0.0));
-  EXPECT_NE(log.text(), "");
-}
-
-// Every part counts: the bias, and the place of the mass.
-TEST(ArticulatedBody, AreNearlyEqualIfAllPartsAre) {
-  const KtSecondMoment j(1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
-  const KtVector step(0.0, 0.25, 0.0);
-  const Dynamics body(KtRigidBodyMassProperties(1.0, {}, j), {});
-  for (const Dynamics& other : {Dynamics(KtRigidBodyMassProperties(1.0, step, j), {}),
-                                Dynamics(body.inertia(), {{}, step})}) {
-    EXPECT_FALSE(body.approxEq(other, 0.2));
-    EXPECT_TRUE(body.approxEq(other, 0.3));
-  }
+  b.setFromArray(KtReArray(5, 6));
+  EXPECT_TRUE(b.approxEq(a, 0.0) && !log.text().empty());
 }
 
 // A file that names the bias as such is read as well.

@@ -83,19 +83,17 @@ TEST(Manipulators, BoundingVolumesGoAroundOwnShapes) {
   const KtDataMap* found = nullptr;
   EXPECT_TRUE(simple.linkByIndex(1)->lookup("Bounding", found));
   EXPECT_EQ(*found, data);
+  arm.deleteAllBoundingVolumes();
   simple = arm;
-  simple.deleteAllBoundingVolumes();
-  Arm empty = simple;
   simple.simplifyLinkShapesWithConvexHulls(data);
   EXPECT_EQ(simple.linkByIndex(1)->shapeByIndex(0)->shapeType(), KtShape::kConvexHull);
-  empty.simplifyLinkShapesWithBoundingVolumes(data, false);
-  EXPECT_EQ(empty.linkByIndex(1)->numShapes(), 0U);
+  simple = arm;
+  simple.simplifyLinkShapesWithBoundingVolumes(data, false);
+  EXPECT_EQ(simple.linkByIndex(1)->numShapes(), 0U);
   // One volume of the caller's choice, with the contact properties of what it bounds.
   const std::string spring = KtFoundCommon::KtSurfaceTensionSpringConstantToken.text();
-  KtDataMap surface;
-  surface.add(spring, 500.0);
-  KtSurfaceMap surfaces;
-  surfaces.add(arm.linkByIndex(1)->shapeByIndex(0)->surfaceLabel(), surface);
+  data.add(spring, 500.0);
+  const KtSurfaceMap surfaces(arm.linkByIndex(1)->shapeByIndex(0)->surfaceLabel(), data);
   EXPECT_TRUE(arm.setSurfacesByIDs(1, 0, surfaces));
   EXPECT_FALSE(arm.setSurfacesByIDs(ktBaseIndex, 0, surfaces));
   EXPECT_TRUE(arm.setBoundingVolume("b", KtSphereShape()));
@@ -106,33 +104,6 @@ TEST(Manipulators, BoundingVolumesGoAroundOwnShapes) {
   EXPECT_TRUE(volume->defaultSurface()->lookup(spring, value));
   EXPECT_EQ(value, 500.0);
   EXPECT_EQ(arm.linkByIndex(1)->numberOfShapes(), 2U);
-}
-
-// Circles of references end at the links themselves.
-TEST(Manipulators, LinksInACircleKeepTheirOwnBodies) {
-  Arm arm;
-  for (const char* label : {"a", "b", "c"}) {
-    Link link = trees::randomLink(label);
-    link.setShape(KtBoxShape({1.0, 2.0, 3.0}));
-    KtLinkReferenceDescription description;
-    description.setIsShapeReferenced(true);
-    description.setReferencedLinkLabel(*label == 'a' ? "b" : *label == 'b' ? "a" : "nobody");
-    link.setLinkReferenceDescription(description);
-    if (*label == 'b') link.setPrimaryFrame(arm.linkByIndex(0)->primaryFrame());
-    arm.addLinkToEndOfChain(link);
-  }
-  const KtLogCapture log;
-  const Arm before = arm;
-  EXPECT_TRUE(arm.transformAllPrimaryFramesToIdentity());
-  const KtVector d(1.0, 2.0, 3.0);
-  for (KtU32 i = 0; i < 3; ++i) {
-    const Link& link = *arm.linkByIndex(i);
-    const T frame = before.linkByIndex(i)->primaryFrame();
-    EXPECT_EQ(link.primaryFrame(), i < 2 ? T() : frame) << "without a target nothing is done";
-    const KtBoxShape box(d, i < 2 ? frame : T());
-    EXPECT_TRUE(
-        link.shapeContainer().topElement()->supportPoint(d).approxEq(box.supportPoint(d), 1e-12));
-  }
 }
 
 }  // namespace

