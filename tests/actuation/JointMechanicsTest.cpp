@@ -45,26 +45,6 @@ TEST_F(JointMechanics, StoppersAreSpringsAndDampers) {
   EXPECT_EQ(unlimited.stopperTorque(active), 0.0);
 }
 
-// The motor starts in step with the joint, at rest in its friction.
-TEST_F(JointMechanics, StatesStartFromTheJoint) {
-  m.setGearRatio(4.0);
-  driven.move(0.25, -1.5, 3.0);
-  KtActuatorState expected = state;
-  for (auto* list : {&expected.motorPositions(), &expected.springDamperCenters(),
-                     &expected.reverseMotionPositions()}) {
-    (*list)[kJoint] = 1.0;
-  }
-  expected.motorVelocities()[kJoint] = expected.lastVelocities()[kJoint] = -6.0;
-  expected.motorAccelerations()[kJoint] = 12.0;
-  state.staticFrictionModes()[kJoint] = true;
-  for (const bool rigid : {false, true}) {
-    m.setIsRigid(rigid);
-    m.initializeActuatorStates(active);
-    expected.nonRigidActuatorFlags()[kJoint] = !rigid;
-    EXPECT_EQ(state, expected);
-  }
-}
-
 // A rotor of inertia 0.5 behind a gear of 4 (8 on the joint side), friction 3 (12), of which half
 // when it slides (6). It runs out from a rate, sticks, is pulled below and then beyond the
 // friction.
@@ -318,17 +298,13 @@ TEST(SpringDamper, WeighJointsByTheirLinks) {
     // Lists of different lengths.
     log.clear();
     weights.pushBack(1.0);
-    offsets.pushBack(1.0);
-    KtSpringProperties ragged = spring;
-    ragged.setSpringOffsets(offsets);
-    EXPECT_EQ(ragged.torque(driven.manipulator, active), 0.0);
     spring.setWeightingFactors(weights);
     damper.setWeightingFactors(weights);
     EXPECT_EQ(spring.torque(driven.manipulator, active), 0.0);
     EXPECT_EQ(damper.torque(driven.manipulator, active), 0.0);
-    const std::string size = "KtManipulatorLink::springTorque:: spring data size mismatch.";
     EXPECT_EQ(log.errors(),
-              size + size + "KtDamperProperties::torque:: damper data size mismatch.\n");
+              "KtManipulatorLink::springTorque:: spring data size mismatch."
+              "KtDamperProperties::torque:: damper data size mismatch.\n");
   }
 }
 

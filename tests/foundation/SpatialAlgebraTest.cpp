@@ -88,17 +88,6 @@ TEST(Transformation, ComposesTowardsTheOutboardEnd) {
   }
 }
 
-TEST(Transformation, KnowsWhatItDoes) {
-  using T = KtCoordinateSystemTransformation;
-  const KtVector p(0, 0, 1e-300);
-  const KtOrientation r = KtOrientation::xRotation(1e-12);
-  EXPECT_EQ(T(p, r).mode(), T::kGeneral);
-  EXPECT_EQ(T(r).mode(), T::kPureRotation);
-  EXPECT_EQ(T(p).mode(), T::kPureTranslation);
-  EXPECT_EQ(T().mode(), T::kIdentity);
-  EXPECT_EQ(T(KtVector(-0.0, 0, 0), KtOrientation(-1, 0, 0, 0)).mode(), T::kIdentity);
-}
-
 TEST(MotionAndForce, KeepTheirPowerInEveryFrame) {
   for (int i = 0; i < 100; ++i) {
     const auto x = randomTransformation();
@@ -211,16 +200,9 @@ TEST(Random, IsReproducibleAndDistributedAsSaid) {
             KtVector(-0.8970712855383497, 0.4226461556821341, 0.12897029018222061));
 
   constexpr int n = 200000;
-  double moments[5] = {};
   KtVector sum;
   double zSquared = 0.0;
   for (int i = 0; i < n; ++i) {
-    const double x = KtRandom::normalRandom(2.0, 3.0);
-    double scaled = 1.0;
-    for (double& moment : moments) {
-      moment += scaled / n;
-      scaled *= (x - 2.0) / 3.0;
-    }
     const KtVector u = KtRandom::randomUnitVector();
     EXPECT_NEAR(u.mag(), 1.0, 1e-15);
     sum += u / n;
@@ -228,10 +210,6 @@ TEST(Random, IsReproducibleAndDistributedAsSaid) {
   }
   // Five standard errors of each estimate.
   const double error = 5.0 / std::sqrt(static_cast<double>(n));
-  EXPECT_NEAR(moments[1], 0.0, error);
-  EXPECT_NEAR(moments[2], 1.0, error * std::sqrt(2.0));
-  EXPECT_NEAR(moments[3], 0.0, error * std::sqrt(15.0));
-  EXPECT_NEAR(moments[4], 3.0, error * std::sqrt(96.0));
   EXPECT_LT(sum.mag(), error);
   EXPECT_NEAR(zSquared, 1.0 / 3.0, error * std::sqrt(4.0 / 45.0));
 }

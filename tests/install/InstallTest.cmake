@@ -32,5 +32,5 @@ foreach(way cmake pkg-config)
     -D CMAKE_PREFIX_PATH=${prefix}
     -D FIND_BY=${way})
   run(${CMAKE_COMMAND} --build ${build} --config ${CONFIG})
-  run(${build}/consumer)
+  run(${build}/consumer ${CMAKE_CURRENT_LIST_DIR}/../../examples/models)
 endforeach()

@@ -1,18 +1,10 @@
 #include "support/Testing.h"
+#include "support/Trees.h"
 
 namespace {
 
-KtQuadrilateralTypeLink linkageOf(unsigned type) {
-  KtQuadrilateralTypeLink linkage;
-  linkage.setJointType(type);
-  linkage.setNominalLength(1.0);
-  linkage.setD1Length(1.0);
-  linkage.setD2Length(1.0);
-  linkage.setOppositeLength(1.0);
-  linkage.setZDistanceA(0.25);
-  linkage.setZDistanceB(0.5);
-  return linkage;
-}
+const KtQuadrilateralTypeLink kLinkages[] = {trees::randomQuadrilateral(0),
+                                             trees::randomQuadrilateral(1)};
 
 struct Scene {
   Arm arm;
@@ -29,7 +21,7 @@ Scene sceneOf(unsigned type) {
   other.setLinkKinematics(KtDenavitHartenberg::defaultObject());
   KtManipulatorLink boom;
   boom.setLabel("boom");
-  boom.setLinkKinematics(linkageOf(type));
+  boom.setLinkKinematics(kLinkages[type]);
   boom.addChild(other);
   Scene scene;
   scene.arm.addChild(boom);
@@ -49,9 +41,8 @@ TEST(GeneralBoundObject, RidesOnItsFrameOfTheLinkage) {
     const T& location = body.locationInSystem(scene.activeState, scene.arm);
     EXPECT_TRUE(location.approxEq(kBase * seat * frame, 1e-12)) << body.token().text();
   };
-  const KtQuadrilateralTypeLink fixed = linkageOf(0);
-  const KtQuadrilateralTypeLink pivoted = linkageOf(1);
-  const T pivot(KtVector(1.0 + kPosition, 0.0, 0.25), KtOrientation());
+  const auto& [fixed, pivoted] = kLinkages;
+  const T pivot = fixed.frameATransform(kPosition);
   check(KtQuadrilateralFixedSliderJointOAObject(), 0, pivot);
   check(KtQuadrilateralFixedSliderJointCBObject(), 0, fixed.frameBTransform(kPosition));
   check(KtQuadrilateralPivotedSliderJointBObject(), 1, pivoted.frameBTransform(kPosition));

@@ -1,5 +1,6 @@
 #include "support/Differences.h"
 #include "support/Testing.h"
+#include "support/Trees.h"
 
 namespace {
 
@@ -59,21 +60,6 @@ T elementary(const Dh& link, double q) {
          (paul ? joint * body : body * joint);
 }
 
-// A four-bar that closes around q = 0.
-Quad someQuadrilateral(unsigned type) {
-  Quad link;
-  link.setJointType(type);
-  link.setPrecursor(randomTransformation());
-  link.setNominalLength(type == Quad::kFixedSlider ? 1.1 : 1.4);
-  link.setD1Length(0.6);
-  link.setD2Length(0.5);
-  link.setOppositeLength(1.3);
-  link.setZDistanceA(0.2);
-  link.setZDistanceB(-0.3);
-  link.setZDistanceC(0.4);
-  return link;
-}
-
 void expectNear(const KtGeneralMotion& actual, const KtGeneralMotion& expected, double tolerance) {
   for (unsigned i = 0; i < 6; ++i) EXPECT_NEAR(actual[i], expected[i], tolerance) << i;
 }
@@ -124,8 +110,8 @@ TEST(LinkKinematics, MotionsOfAllModelsAreDifferencesOfTheTransform) {
   };
   for (int trial = 0; trial < 20; ++trial) {
     forAllDh([&](const Dh& link) { check(link, uniform(-4.0, 4.0), 1e-6, true); });
-    check(someQuadrilateral(Quad::kFixedSlider), uniform(-0.2, 0.2), 2e-4, false);
-    check(someQuadrilateral(Quad::kPivotedSlider), uniform(-0.2, 0.2), 2e-4, true);
+    check(trees::randomQuadrilateral(Quad::kFixedSlider), uniform(-0.2, 0.2), 2e-4, false);
+    check(trees::randomQuadrilateral(Quad::kPivotedSlider), uniform(-0.2, 0.2), 2e-4, true);
   }
 }
 
@@ -161,7 +147,7 @@ TEST(LinkKinematics, TransformIsKeptUntilASetterOrACopy) {
 // A transformation of another q in between doesn't mix the two positions' loops.
 TEST(LinkKinematics, QuadrilateralKeepsItsLoopWithItsTransform) {
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
-    const Quad link = someQuadrilateral(type);
+    const Quad link = trees::randomQuadrilateral(type);
     const Quad untouched = link;
     link.calculateTransform(0.1);
     T elsewhere;
@@ -220,7 +206,7 @@ TEST(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
   });
   KtScrewTypeLink screw;
   screw.setPrecursor(randomTransformation());
-  Quad quad = someQuadrilateral(Quad::kFixedSlider);
+  Quad quad = trees::randomQuadrilateral(Quad::kFixedSlider);
   for (KtLinkKinematics* link :
        {static_cast<KtLinkKinematics*>(&screw), static_cast<KtLinkKinematics*>(&quad)}) {
     const T before = link->calculateTransform(0.1);
@@ -263,7 +249,7 @@ TEST(LinkKinematics, ScalingScalesLengthsAndKeepsAngles) {
         scaled.calculateTransform(q).approxEq(scaledBy(link.calculateTransform(0.7), 2.5), 1e-13));
   });
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
-    const Quad link = someQuadrilateral(type);
+    const Quad link = trees::randomQuadrilateral(type);
     Quad scaled = link;
     scaled.scaleBy(2.5);
     for (const auto frame : {&Quad::frameBTransform, &Quad::frameCTransform}) {
@@ -294,13 +280,14 @@ TEST(LinkKinematics, BoundOfTheDistanceHoldsOverTheRange) {
   actuator.setLowerLimit(-2.0);
   actuator.setUpperLimit(1.0);
   EXPECT_EQ(KtScrewTypeLink().upperBoundDhFrameDistance(actuator), 2.0);
-  EXPECT_EQ(someQuadrilateral(Quad::kFixedSlider).upperBoundDhFrameDistance(actuator), 0.0);
+  EXPECT_EQ(trees::randomQuadrilateral(Quad::kFixedSlider).upperBoundDhFrameDistance(actuator),
+            0.0);
 }
 
 // The sides of the four-bar have their lengths, at every position that closes.
 TEST(LinkKinematics, QuadrilateralCloses) {
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
-    const Quad link = someQuadrilateral(type);
+    const Quad link = trees::randomQuadrilateral(type);
     const T outer = link.precursor().inverse();
     for (double q = -0.3; q <= 0.3; q += 0.05) {
       const double length = link.nominalLength() + q;
@@ -309,14 +296,15 @@ TEST(LinkKinematics, QuadrilateralCloses) {
       const T dh = outer * link.calculateTransform(q);
       const T b = outer * link.frameBTransform(q);
       const T c = outer * link.frameCTransform(q);
-      EXPECT_TRUE(pivot.approxEq({fixed ? length : link.oppositeLength(), 0.0, 0.2}, 1e-12));
+      EXPECT_TRUE(
+          pivot.approxEq({fixed ? length : link.oppositeLength(), 0.0, link.zDistanceA()}, 1e-12));
       EXPECT_TRUE(dh.translation().approxEq(pivot, 1e-12));
       // The far end of the link's side, from the pivot and from the far corner.
       const KtVector end(b.translation().x, b.translation().y, 0.0);
       const KtVector corner(0.0, link.d1Length(), 0.0);
       EXPECT_NEAR((end - corner).mag(), fixed ? link.oppositeLength() : length, 1e-12);
-      EXPECT_TRUE((dh * KtVector(link.d2Length(), 0.0, -0.2)).approxEq(end, 1e-12));
-      EXPECT_NEAR(b.translation().z, -0.3, 1e-12);
+      EXPECT_TRUE((dh * KtVector(link.d2Length(), 0.0, -link.zDistanceA())).approxEq(end, 1e-12));
+      EXPECT_NEAR(b.translation().z, link.zDistanceB(), 1e-12);
       EXPECT_TRUE(b.orientation().xAxis().approxEq((end - corner).unitVector(), 1e-12));
       EXPECT_TRUE(c.approxEq(dh * T(KtVector(-length, 0.0, 0.0)), 1e-12));
     }
@@ -333,7 +321,7 @@ TEST(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
   const KtVector x = square.calculateTransform(0.0).orientation().xAxis();
   EXPECT_TRUE(x.approxEq({0.0, 1.0, 0.0}, 1e-12)) << x.x << " " << x.y;
 
-  Quad link = someQuadrilateral(Quad::kFixedSlider);
+  Quad link = trees::randomQuadrilateral(Quad::kFixedSlider);
   const T before = link.calculateTransform(0.1);
   link.setZDistanceA(7.0);
   EXPECT_EQ(link.calculateTransform(0.1), before);
@@ -410,7 +398,7 @@ TEST(LinkKinematics, AlikeIsWhatDiffersByNoMoreThanTheTolerance) {
   for (const Dh& other : changed) {
     EXPECT_TRUE(link.approxEq(other, 0.2500001) && !link.approxEq(other, 0.249));
   }
-  const Quad quad = someQuadrilateral(Quad::kFixedSlider);
+  const Quad quad = trees::randomQuadrilateral(Quad::kFixedSlider);
   for (const auto set :
        {&Quad::setNominalLength, &Quad::setD1Length, &Quad::setD2Length, &Quad::setOppositeLength,
         &Quad::setZDistanceA, &Quad::setZDistanceB, &Quad::setZDistanceC}) {
@@ -476,7 +464,7 @@ TEST(LinkKinematics, AnEmptyHolderAnswers) {
 
   // Every model has a parent to join to.
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
-    holder.setTopElement(someQuadrilateral(type));
+    holder.setTopElement(trees::randomQuadrilateral(type));
     EXPECT_TRUE(holder.addChildArbdToParent(parent, parent, 0.1, 1.0, 1.0));
   }
 }

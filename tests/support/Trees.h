@@ -102,6 +102,8 @@ inline KtQuadrilateralTypeLink randomQuadrilateral(unsigned type) {
   joint.setD2Length(sampling::uniform(0.45, 0.55));
   joint.setOppositeLength(1.3);
   joint.setZDistanceA(sampling::uniform());
+  joint.setZDistanceB(sampling::uniform());
+  joint.setZDistanceC(sampling::uniform());
   joint.setPrimaryFrame(sampling::randomTransformation());
   return joint;
 }
