@@ -27,54 +27,46 @@ std::string withoutIndentation(const std::string& text) {
 
 const std::string kModel = KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml";
 
-struct Guide {
-  explicit Guide(const std::string& name) : text(textOf(KT_SOURCE_FOLDER "/" + name)) {}
+std::string guideOf(const std::string& name) {
+  return textOf(KT_SOURCE_FOLDER "/" + name);
+}
 
-  // The blocks of a kind of code.
-  std::vector<std::string> blocks(const std::string& kind) const {
-    const std::string fence = "```" + kind + "\n";
-    std::vector<std::string> found;
-    for (std::size_t at = text.find(fence); at != std::string::npos; at = text.find(fence, at)) {
-      at += fence.size();
-      found.push_back(text.substr(at, text.find("```", at) - at));
-    }
-    return found;
+// The blocks of a kind of code.
+std::vector<std::string> blocksOf(const std::string& guide, const std::string& kind) {
+  const std::string text = guideOf(guide), fence = "```" + kind + "\n";
+  std::vector<std::string> found;
+  for (std::size_t at = text.find(fence); at != std::string::npos; at = text.find(fence, at)) {
+    at += fence.size();
+    found.push_back(text.substr(at, text.find("```", at) - at));
   }
-
-  std::string text;
-};
+  return found;
+}
 
 TEST(Guides, ShowProgramsThatAreExamples) {
   std::string examples;
   for (const auto& entry : std::filesystem::directory_iterator(KT_SOURCE_FOLDER "/examples")) {
     if (entry.path().extension() == ".cpp") examples += withoutIndentation(textOf(entry.path()));
   }
-  const struct {
-    const char* name;
-    std::size_t blocks;
-  } guides[] = {{"docs/describing-a-model.md", 6},
-                {"docs/states-and-systems.md", 5},
-                {"docs/motion-and-forces.md", 7},
-                {"docs/a-simulation-step.md", 6},
-                {"README.md", 1}};
-  for (const auto& [name, count] : guides) {
-    const auto blocks = Guide(name).blocks("cpp");
+  for (const auto& [name, count] : {std::pair("docs/describing-a-model.md", 6U),
+                                    {"docs/states-and-systems.md", 5U},
+                                    {"docs/motion-and-forces.md", 7U},
+                                    {"docs/a-simulation-step.md", 6U},
+                                    {"README.md", 1U}}) {
+    const auto blocks = blocksOf(name, "cpp");
     EXPECT_EQ(blocks.size(), count) << name;
-    for (const std::string& block : blocks) {
-      EXPECT_NE(examples.find(withoutIndentation(block)), std::string::npos) << name << "\n"
-                                                                             << block;
-    }
+    for (const std::string& block : blocks)
+      EXPECT_THAT(examples, HasSubstr(withoutIndentation(block)));
   }
 }
 
 TEST(Guides, ShowAFileFromTheFirstLineToTheLast) {
   std::string shown;
-  for (const std::string& block : Guide("docs/describing-a-model.md").blocks("xml")) shown += block;
+  for (const std::string& block : blocksOf("docs/describing-a-model.md", "xml")) shown += block;
   EXPECT_EQ(withoutIndentation(shown), withoutIndentation(textOf(kModel)));
 }
 
 TEST(Guides, ShowElementsOfALinkThatAreRead) {
-  const auto snippets = Guide("docs/describing-a-model.md").blocks("xml snippet");
+  const auto snippets = blocksOf("docs/describing-a-model.md", "xml snippet");
   EXPECT_EQ(snippets.size(), 4U);
   for (const std::string& snippet : snippets) {
     const KtLogCapture log;
@@ -88,7 +80,7 @@ TEST(Guides, ShowElementsOfALinkThatAreRead) {
 
 // The rows of the table: | `what the file says` | `what stands instead` | `message` |
 TEST(Guides, ShowTheMessagesThatAReaderGives) {
-  const std::string guide = Guide("docs/describing-a-model.md").text;
+  const std::string guide = guideOf("docs/describing-a-model.md");
   const std::string model = textOf(kModel);
   const std::regex row(R"(\n\| `([^`]*)` \| `([^`]*)` \| `([^`]*)` \|)");
   int count = 0;
@@ -114,30 +106,26 @@ TEST(Guides, ShowTheMessagesThatAReaderGives) {
   EXPECT_EQ(count, 11);
 }
 
-// What a command prints on both streams, line by line.
-[[maybe_unused]] std::vector<std::string> linesOf(const std::string& command) {
-  std::vector<std::string> lines;
+// What a command prints on both streams.
+[[maybe_unused]] std::string outputOf(const std::string& command) {
+  std::string text;
   FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-  if (pipe == nullptr) return lines;
-  char buffer[4096];
-  while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) {
-    lines.emplace_back(buffer);
-    if (lines.back().ends_with('\n')) lines.back().pop_back();
-  }
-  EXPECT_EQ(pclose(pipe), 0) << command;
-  return lines;
+  for (int c = 0; pipe != nullptr && (c = std::fgetc(pipe)) != EOF;) text += static_cast<char>(c);
+  EXPECT_TRUE(pipe != nullptr && pclose(pipe) == 0) << command;
+  return text;
 }
 
 #ifdef KT_SIMULATION_STEP
 TEST(Guides, ShowTheFiguresThatAnExampleMeasures) {
   std::filesystem::create_directories(KT_TEST_OUTPUT);
-  const std::string guide = Guide("docs/a-simulation-step.md").text;
+  const std::string guide = guideOf("docs/a-simulation-step.md");
+  std::istringstream printed(outputOf(KT_SIMULATION_STEP " " KT_SOURCE_FOLDER
+                                                         "/examples/models " KT_TEST_OUTPUT
+                                                         "/guide-half-way.xml"));
   int figures = 0;
-  for (const std::string& line :
-       linesOf(KT_SIMULATION_STEP " " KT_SOURCE_FOLDER "/examples/models " KT_TEST_OUTPUT
-                                  "/guide-half-way.xml")) {
+  for (std::string line; std::getline(printed, line);) {
     if (!line.starts_with("    ")) continue;
-    EXPECT_NE(guide.find("\n" + line + "\n"), std::string::npos) << line;
+    EXPECT_THAT(guide, HasSubstr("\n" + line + "\n"));
     ++figures;
   }
   EXPECT_EQ(figures, 4);
@@ -147,21 +135,13 @@ TEST(Guides, ShowTheFiguresThatAnExampleMeasures) {
 #ifdef KTMANIP
 // The same words, and the same numbers but for rounding: what is zero prints as 1e-17 or so.
 void expectAlike(const std::string& shown, const std::string& printed) {
-  const std::regex separator(R"([ (),]+)");
-  const auto words = [&](const std::string& line) {
-    return std::vector<std::string>(
-        std::sregex_token_iterator(line.begin(), line.end(), separator, -1),
-        std::sregex_token_iterator());
-  };
-  const auto left = words(shown), right = words(printed);
-  ASSERT_EQ(left.size(), right.size()) << shown << "\n" << printed;
-  for (std::size_t i = 0; i < left.size(); ++i) {
-    if (left[i] == right[i]) continue;
-    char *endLeft = nullptr, *endRight = nullptr;
-    const double x = std::strtod(left[i].c_str(), &endLeft);
-    const double y = std::strtod(right[i].c_str(), &endRight);
-    EXPECT_TRUE(*endLeft == 0 && *endRight == 0) << shown << "\n" << printed;
-    EXPECT_NEAR(x, y, 1e-12) << printed;
+  const std::regex separator(R"([(),])");
+  std::istringstream left(std::regex_replace(shown, separator, " "));
+  std::istringstream right(std::regex_replace(printed, separator, " "));
+  for (std::string a, b; left >> a, right >> b, left || right; a.clear(), b.clear()) {
+    // What is no number throws.
+    if (a == b) continue;
+    EXPECT_NEAR(std::stod(a), std::stod(b), 1e-12) << printed;
   }
 }
 
@@ -172,28 +152,17 @@ TEST(Guides, ShowWhatTheCommandLineToolPrints) {
   std::filesystem::copy(
       KT_SOURCE_FOLDER "/examples/models", folder,
       std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing);
-  std::istringstream guide(Guide("docs/the-command-line-tool.md").text);
-  const std::string prompt = "    $ ktmanip ";
-  std::vector<std::string> printed;
-  bool inOutput = false;
+  const std::string guide = guideOf("docs/the-command-line-tool.md"), prompt = "\n    $ ktmanip ";
   int commands = 0;
-  for (std::string line; std::getline(guide, line);) {
-    if (line.starts_with(prompt)) {
-      printed = linesOf("cd " + folder.string() + " && " KTMANIP " " + line.substr(prompt.size()));
-      while (!printed.empty() && printed.back().empty()) printed.pop_back();
-      inOutput = true;
-      ++commands;
-    } else if (inOutput && (line.empty() || line.starts_with("    "))) {
-      if (printed.empty()) {
-        EXPECT_EQ(line, "");
-        inOutput = false;
-      } else {
-        expectAlike(line.empty() ? "" : line.substr(4), printed.front());
-        printed.erase(printed.begin());
-      }
-    } else {
-      EXPECT_FALSE(inOutput) << line;
+  for (auto at = guide.find(prompt); at != std::string::npos; at = guide.find(prompt, at)) {
+    std::istringstream lines(guide.substr(at += prompt.size()));
+    std::string command, shown;
+    std::getline(lines, command);
+    for (std::string line; std::getline(lines, line) && (line.empty() || line[0] == ' ');) {
+      shown += line + "\n";
     }
+    expectAlike(shown, outputOf("cd " + folder.string() + " && " KTMANIP " " + command));
+    ++commands;
   }
   EXPECT_EQ(commands, 2);
 }
