@@ -82,7 +82,8 @@ class Filler {
                  KtXmlVectorType<KtManufacturerData>, KtXmlVectorType<KtLinkPositionState>,
                  KtXmlVectorType<KtLinkVelocityState>, KtXmlVectorType<KtLinkAccelerationState>,
                  KtXmlVectorType<KtLinkForceState>, KtXmlVectorType<KtLinkMassState>,
-                 KtXmlVectorType<KtLinkArticulationState>, KtSurfaceMap>(object);
+                 KtXmlVectorType<KtLinkArticulationState>, KtXmlMapType<Text, Mass>,
+                 KtXmlMapType<Text, KtXmlVector>, KtXmlMapType<Text, T>, KtSurfaceMap>(object);
     }
   }
 
@@ -207,49 +208,28 @@ SampleNode node() {
   return node;
 }
 
-KtManipulatorLink link(const std::string& label) {
-  KtManipulatorLink link;
+template <class Link = KtManipulatorLink>
+Link link(const std::string& label) {
+  Link link = filled<Link>();
   link.setLabel(label);
   link.setLinkKinematics(KtDenavitHartenberg::defaultObject());
-  link.setShape(KtSphereShape());
-  link.setJointActuator(KtJointActuator::defaultObject());
   link.setMassProperties(Mass::defaultObject());
   link.addMassProperties("load", Mass::pointMass(2.0));
-  link.setSpringProperties(filled<KtSpringProperties>());
-  link.setDamperProperties(filled<KtDamperProperties>());
   KtLinkReferenceDescription description;
   description.setReferencedLinkLabel("another");
   link.setLinkReferenceDescription(description);
-  link.setUpperLimitConstraint(KtMultivariableJointStateConstraint());
-  link.setLowerLimitConstraint(KtMultivariableJointStateConstraint());
-  link.addNamedPoint("tip", {1.0, 2.0, 3.0});
-  link.addNamedFrame("tool", kFrame);
-  link.setIsConstrained(true);
   return link;
 }
 
 KtIndividualManipulator arm(const std::string& label) {
-  KtIndividualManipulator arm;
-  arm.setLabel(label);
-  arm.setLinkKinematics(KtDenavitHartenberg::defaultObject());
+  auto arm = link<KtIndividualManipulator>(label);
   arm.addChild(link("upper arm"));
   arm.addLinkToEndOfChain(link("forearm"));
-  arm.setMassProperties(Mass::defaultObject());
-  arm.addMassProperties("load", Mass::pointMass(2.0));
-  arm.setShape(KtSphereShape());
-  arm.setCoordSysXForm(kFrame);
   arm.setAbsoluteBoundingSphere(KtSphere({1.0, 2.0, 3.0}, 0.25, 3));
-  arm.setIsFixedBase(false);
-  arm.setOptimizeOnLoad(true);
-  arm.setIsControllable(false);
   KtManipulatorReferenceDescription description;
   description.setReferencedManipulatorLabel("another");
   arm.setManipulatorReferenceDescription(description);
-  arm.setGeneralBoundObjects(filled<KtGeneralBoundObjectVector>());
-  arm.setStateConstraints(filled<KtStateConstraintVector>());
-  arm.setStateEqualityConstraints(filled<KtStateEqualityConstraintVector>());
-  arm.setStoppingCriteria(filled<KtStoppingCriterionVector>());
-  arm.setSurfaces(KtSurfaceMap(std::string("steel"), KtDataMap::boundingColor()));
+  arm.setLinkReferenceDescription({});  // which no file has
   return arm;
 }
 
