@@ -5,7 +5,7 @@
 #include <vector>
 
 /// @file
-/// What another library says of a robot in a URDF file.
+/// What other libraries say of a robot in a URDF file.
 
 /// The state that is asked for: at rest in the base's frame, under 9.81 m/s^2 along -z.
 struct RobotQuestion {
@@ -22,5 +22,7 @@ struct RobotAnswers {
   std::map<std::string, std::vector<double>> lists;
 };
 
+/// The Orocos Kinematics and Dynamics Library.
+RobotAnswers askKdl(const RobotQuestion& question);
 /// MuJoCo, which reads the file by itself.
 RobotAnswers askMujoco(const RobotQuestion& question);

@@ -1,15 +1,55 @@
 #include <mujoco/mujoco.h>
 #include <tinyxml2.h>
 
+#include <Eigen/Dense>
 #include <algorithm>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <sstream>
 
-#include "tools/RobotPeer.h"
+#include "RobotPeers.h"
 
 namespace {
+
+using Eigen::Vector3d;
+
+Vector3d vectorOf(const tinyxml2::XMLElement* element, const char* attribute) {
+  Vector3d v = Vector3d::Zero();
+  const char* text = element == nullptr ? nullptr : element->Attribute(attribute);
+  if (text != nullptr) std::istringstream(text) >> v[0] >> v[1] >> v[2];
+  return v;
+}
+
+// MuJoCo keeps an inertia as principal moments and axes, and finds the axes to about 1e-6 only. So
+// they are computed anew from the file: the same mechanism for both sides.
+void sharpen(const tinyxml2::XMLElement& link, mjModel& model) {
+  const int body = mj_name2id(&model, mjOBJ_BODY, link.Attribute("name"));
+  const auto* inertial = link.FirstChildElement("inertial");
+  if (body <= 0 || inertial == nullptr) return;
+  const auto* inertia = inertial->FirstChildElement("inertia");
+  const auto entry = [&](const char* name) { return inertia->DoubleAttribute(name); };
+  Eigen::Matrix3d tensor;
+  tensor << entry("ixx"), entry("ixy"), entry("ixz"), entry("ixy"), entry("iyy"), entry("iyz"),
+      entry("ixz"), entry("iyz"), entry("izz");
+  const Vector3d rpy = vectorOf(inertial->FirstChildElement("origin"), "rpy");
+  const Eigen::Quaterniond turn = Eigen::AngleAxisd(rpy[2], Vector3d::UnitZ()) *
+                                  Eigen::AngleAxisd(rpy[1], Vector3d::UnitY()) *
+                                  Eigen::AngleAxisd(rpy[0], Vector3d::UnitX());
+  const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> solver(tensor);
+  Eigen::Matrix3d axes = solver.eigenvectors();
+  if (axes.determinant() < 0.0) axes.col(0) = -axes.col(0);
+  const Eigen::Quaterniond principal(turn * Eigen::Quaterniond(axes));
+  const double quaternion[] = {principal.w(), principal.x(), principal.y(), principal.z()};
+  for (int i = 0; i < 4; ++i) model.body_iquat[4 * body + i] = quaternion[i];
+  for (int i = 0; i < 3; ++i) model.body_inertia[3 * body + i] = solver.eigenvalues()[i];
+  // What it concluded from the old axes.
+  model.body_sameframe[body] = 0;
+  model.body_simple[body] = 0;
+  for (int i = 0; i < model.body_dofnum[body]; ++i) {
+    model.dof_simplenum[model.body_dofadr[body] + i] = 0;
+  }
+}
 
 // The file as MuJoCo can read it here: without meshes, and for a free base with the joint that
 // frees it. Joints by the links that they move.
@@ -17,9 +57,10 @@ bool prepare(const RobotQuestion& question, const std::string& to, tinyxml2::XML
              std::map<std::string, std::string>& joints) {
   if (document.LoadFile(question.file.c_str()) != tinyxml2::XML_SUCCESS) return false;
   tinyxml2::XMLElement& robot = *document.RootElement();
-  // A body for each link. Of inertias that no body has it says so.
+  // A body for each link, and inertias that no body has are taken, to be put right later.
   auto* compiler = robot.InsertNewChildElement("mujoco")->InsertNewChildElement("compiler");
   compiler->SetAttribute("fusestatic", "false");
+  compiler->SetAttribute("balanceinertia", "true");
   std::map<std::string, bool> isRoot;
   for (auto* link = robot.FirstChildElement("link"); link != nullptr;
        link = link->NextSiblingElement("link")) {
@@ -59,9 +100,8 @@ bool prepare(const RobotQuestion& question, const std::string& to, tinyxml2::XML
 RobotAnswers askMujoco(const RobotQuestion& question) {
   RobotAnswers answers;
   std::map<std::string, std::string> joints;
-  // Tests run side by side.
-  const std::string file =
-      KT_TEST_OUTPUT "/mujoco-" + std::filesystem::path(question.file).filename().string();
+  const std::string file = std::filesystem::temp_directory_path() /
+                           ("mujoco-" + std::filesystem::path(question.file).filename().string());
   tinyxml2::XMLDocument document;
   if (!prepare(question, file, document, joints)) {
     answers.whyNot = "the file can't be read";
@@ -73,6 +113,10 @@ RobotAnswers askMujoco(const RobotQuestion& question) {
   if (model == nullptr) {
     answers.whyNot = error;
     return answers;
+  }
+  for (const auto* link = document.RootElement()->FirstChildElement("link"); link != nullptr;
+       link = link->NextSiblingElement("link")) {
+    sharpen(*link, *model);
   }
   model->opt.disableflags |= mjDSBL_CONSTRAINT | mjDSBL_PASSIVE;
   model->opt.enableflags |= mjENBL_ENERGY;
