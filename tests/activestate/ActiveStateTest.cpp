@@ -84,22 +84,4 @@ TEST(ActiveState, AListThatIsKeptIsAlwaysWalkedOver) {
   }
 }
 
-TEST(ActiveState, DescriptionsBeyondTheEndAreReported) {
-  KtManipulatorActiveForceState forces;
-  forces.resize(2);
-  KtExternalForceDescription description;
-  description.setValid(true);
-  const KtLogCapture log;
-  forces.setExternalForceDescription(2, description);
-  EXPECT_EQ(&forces.externalForceDescription(0xFFFFFFFFU),
-            &KtManipulatorActiveForceState::m_theZeroForceDescription);
-  forces.setExternalForceDescription(ktBaseIndex, description);
-  EXPECT_TRUE(forces.externalForceDescription(ktBaseIndex).valid());
-  EXPECT_EQ(
-      log.errors(),
-      "KtManipulatorActiveForceState::setExternalForceDescription(): index 2 out of range 2.\n"
-      "KtManipulatorActiveForceState::externalForceDescription(): index 4294967295 out of "
-      "range 2.\n");
-}
-
 }  // namespace

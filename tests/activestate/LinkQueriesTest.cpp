@@ -266,42 +266,6 @@ TEST_F(LinkQueries, ZeroMomentPointCarriesTheWholeTree) {
   EXPECT_EQ(point, before);
 }
 
-// The usual way in which gravity enters. With another manipulator attached to a link, all that asks
-// for the mass counts its base.
-TEST_F(LinkQueries, MissingAccelerationsAreZeroAndALiftedTreeWeighs) {
-  Course course(6);
-  const KtVector unit(0.0, 0.0, 1.0);
-  course.baseVelocity = {unit, KtVector()};
-  course.baseAcceleration = {unit * 9.81, KtVector()};
-  course.rates = Reals(6, 0.0);
-  course.accelerations = Reals(2, 0.0);
-  KtStatedSystem stated;
-  stated.setFromManipulator(course.arm);
-  stated.addManipulator(Course(2).arm);
-  KtManipulatorAttachmentMap map;
-  map.attachManipulator(1, 0, course.arm.linkByIndex(3)->label(), randomTransformation());
-  stated.setManipulatorAttachmentMap(map);
-  const KtStatedSystemStruct asker{&stated, 0};
-  const Arm& arm = stated.system().manipulators()[0];
-  double mass = stated.system().manipulators()[1].massProperties(nullptr).mass();
-  for (const Link* each : course.links()) mass += each->massProperties(nullptr).mass();
-  KtManipulatorExternalForce none;
-  none.resize(6);
-  const KtLogCapture log;
-  Active active = course.present();
-  const KtOrientation& r = course.base.orientation();
-  const KtVector up(0.0, 0.0, mass);
-  EXPECT_TRUE(near(r * arm.dhFrameForceInLocal(none, active, &asker).force(), up * 9.81, 1e-12));
-  EXPECT_TRUE(near(r * arm.compositeSpatialMomentumInLocal(active, &asker).linear(), up, 1e-12));
-  EXPECT_TRUE(
-      near(r * arm.compositeSpatialMomentumRateInLocal(active, &asker).linear(), up * 9.81, 1e-12));
-  EXPECT_NEAR(arm.crbi(active, &asker).mass(), mass, 1e-12);
-  KtVector moment;
-  arm.computeMomentFromLinearAcceleration(KtVector(), active, moment, &asker);
-  EXPECT_TRUE(near(moment, arm.getCenterOfMassInSystem(active).cross(up * 9.81), 1e-12));
-  EXPECT_TRUE(log.messages().empty()) << log.text();
-}
-
 // A link by itself, with an index.
 class Loose : public KtXmlPersistent<Loose, Link> {
  public:

@@ -118,28 +118,6 @@ TEST(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
   }
 }
 
-TEST(SystemActiveStates, SettersSetWhatTheyAreGivenAndAskForNoMemory) {
-  Active active;
-  active.setNonredundantState(stateOf(3, 0.25, -2.0));
-  const auto& own = active.manipulatorActiveStateVector();
-  const auto expect = [&own](KtU32 i, double position, double velocity) {
-    EXPECT_EQ(own[i].positionState(), stateOf(3, position, 0.0).positionStates()[i]);
-    EXPECT_EQ(own[i].velocityState(), stateOf(3, 0.0, velocity).velocityStates()[i]);
-  };
-  for (KtU32 i = 0; i < 3; ++i) expect(i, 0.25, -2.0);
-  // Another position with another velocity, then another velocity alone.
-  for (const double velocity : {5.0, 6.0}) {
-    Active other;
-    other.setNonredundantState(stateOf(3, 0.75, velocity));
-    active.setManipulatorNonredundantState(other.manipulatorActiveStateVector()[2], 2);
-    expect(2, 0.75, velocity);
-  }
-  const KtManipulatorSystemState states[] = {stateOf(3, 0.25, 1.0), stateOf(3, 0.75, 2.0)};
-  const Allocations allocations;
-  for (int i = 0; i < 4; ++i) active.setNonredundantState(states[i % 2]);
-  EXPECT_EQ(allocations.count(), 0U);
-}
-
 TEST(SystemActiveStates, AChangedSystemDropsEverything) {
   Active active = filledState();
   active.systemActiveBoundingBoxState().setIsInitialized(true);

@@ -130,9 +130,6 @@ TEST_F(PowerConverter, GuardsReportAndLeaveTheDerivatives) {
   const std::string rate = "computeStateDerivatives - ", index = "index out of range\n";
   KtDcElectricMotor motor;
   motor.setMinTorque(0.5);
-  motor.setMaxEfficiency(0.25);
-  for (const double wrong : {1.5, -0.1, std::nan("")}) motor.setMaxEfficiency(wrong);
-  EXPECT_EQ(motor.maxEfficiency(), 0.25);
   motor.setArmatureInductance(1.0);
   KtHydraulicCylinder c = cylinder();
   expect(motor, 3, 0.0, dc + rate + index + dc + "outputTorque - " + index);

@@ -22,19 +22,6 @@ std::size_t draw(std::size_t count) {
   return std::uniform_int_distribution<std::size_t>(0, count - 1)(generator());
 }
 
-TEST(CollisionMap, IdentifiersAreOrderedByManipulatorThenBytes) {
-  const KtManipulatorLinkIdentifier ascending[] = {{0, "z"},  {1, ""},  {1, "a"},
-                                                   {1, "aa"}, {1, "b"}, {1, "\xC3\xA9"}};
-  for (const auto& a : ascending) {
-    for (const auto& b : ascending) {
-      EXPECT_EQ(a < b, &a < &b);
-      EXPECT_EQ(a == b, &a == &b);
-    }
-  }
-  EXPECT_TRUE(KtManipulatorLinkIndex(0, ktBaseIndex) < KtManipulatorLinkIndex(1, 0));
-  EXPECT_TRUE(KtManipulatorLinkIndex(1, 2) < KtManipulatorLinkIndex(1, 3));
-}
-
 TEST(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
   KtManipulatorSelfCollisionLinkMap map;
   map.setLinkCollisionCanditateByIdentifier("Z", "root", true);

@@ -104,23 +104,8 @@ TEST(StateConstraints, AreAskedInOrderAlsoBehindAFailure) {
   EXPECT_EQ(v.jointVelocities(), row({1.0, 2.0, 3.0}));
 }
 
-// A limit that keeps its gradient in the buffer.
-class Buffered : public KtXmlPersistent<Buffered, KtMultivariableJointStateConstraint> {
- public:
-  using KtBaseStateConstraint::gradientBuffer_;
-  bool operator==(const Buffered&) const = default;
-};
-
-TEST(StateConstraints, ForwardTheJointPositionsAndNormalizeTheirBuffer) {
-  Buffered limit;
-  const Buffered fresh;
-  for (const auto& [gradient, expected] :
-       {std::pair<List, List>{{0.0, 0.0}, {0.0, 0.0}}, {{3.0, -4.0}, {0.6, -0.8}}, {{}, {}}}) {
-    limit.gradientBuffer_ = gradient;
-    limit.normalizeGradient();
-    EXPECT_EQ(limit.gradientBuffer_, expected);
-    EXPECT_EQ(limit == fresh, gradient.empty()) << "the buffer belongs to the value";
-  }
+TEST(StateConstraints, ForwardTheJointPositions) {
+  KtMultivariableJointStateConstraint limit;
   KtPositionState p;
   p.setJointPositions(row({2.0, 5.0}));
   EXPECT_EQ(limit.evaluate(p), 0.0);

@@ -56,30 +56,6 @@ TEST(ArticulatedBody, MovesWithItsMotionAndForce) {
   EXPECT_TRUE(std::isfinite(wild.linear().largestComponent()));
 }
 
-// A joint yields to a force along it, but for what its own inertia holds.
-TEST(ArticulatedBody, JoinTakesOffWhatTheJointYields) {
-  for (const double d : {0.0, 0.8}) {
-    Inertia child = randomInertia(), shown, parent;
-    const KtGeneralMotion s = d > 0.0 ? randomMotion() : KtGeneralMotion({}, {0.0, 0.6, 0.8});
-    const auto holds = [&s](const Inertia& inertia) {
-      const KtGeneralForce f = inertia.calculateForce(s);
-      return s.linear().dot(f.force()) + s.angular().dot(f.moment());
-    };
-    const double own = holds(child);
-    KtGeneralForce force;
-    double denominator = 0.0;
-    shown.setToTransformedValue(child, s, d, force, denominator);
-    EXPECT_NEAR(holds(shown), own * d / (own + d), 1e-12);
-    parent.setFromRigidBody(randomBody());
-    const Inertia sum = parent + shown;
-    parent.joinWith(child, s, d);
-    EXPECT_TRUE(parent.approxEq(sum, 1e-14) && !parent.isRigid());
-    // The object itself may be the child.
-    child.setToTransformedValue(child, s, d, force, denominator);
-    EXPECT_EQ(child, shown);
-  }
-}
-
 TEST(ArticulatedBody, SumsAreRigidIfBothAre) {
   const Dynamics nothing(Inertia(), {randomVector(), randomVector()});
   Dynamics shown;

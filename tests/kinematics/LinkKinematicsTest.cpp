@@ -399,13 +399,6 @@ TEST(LinkKinematics, AlikeIsWhatDiffersByNoMoreThanTheTolerance) {
     EXPECT_TRUE(link.approxEq(other, 0.2500001) && !link.approxEq(other, 0.249));
   }
   const Quad quad = trees::randomQuadrilateral(Quad::kFixedSlider);
-  for (const auto set :
-       {&Quad::setNominalLength, &Quad::setD1Length, &Quad::setD2Length, &Quad::setOppositeLength,
-        &Quad::setZDistanceA, &Quad::setZDistanceB, &Quad::setZDistanceC}) {
-    Quad other = quad;
-    (other.*set)(5.0);
-    EXPECT_TRUE(quad.approxEq(other, 6.0) && !quad.approxEq(other, 0.1));
-  }
   // Of another type no model is alike. How steep a screw is doesn't matter.
   for (const auto set : {&Dh::setJointType, &Dh::setDhType}) {
     Dh other = link;

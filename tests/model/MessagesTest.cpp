@@ -259,7 +259,16 @@ const Row kRows[] = {
        EXPECT_EQ(&forces[2], &KtManipulatorExternalForce::m_theNullGeneralForce);
        EXPECT_EQ(&forces[ktBaseIndex], &forces.baseForce());
      },
-     "KtManipulatorExternalForce::operator[]: index 2 out of range.  Returning zero force.\n"}};
+     "KtManipulatorExternalForce::operator[]: index 2 out of range.  Returning zero force.\n"},
+    {"descriptions",
+     [] {
+       KtManipulatorActiveForceState forces;
+       forces.setExternalForceDescription(2, {});
+       EXPECT_EQ(&forces.externalForceDescription(7),
+                 &KtManipulatorActiveForceState::m_theZeroForceDescription);
+     },
+     "KtManipulatorActiveForceState::setExternalForceDescription(): index 2 out of range 0.\n"
+     "KtManipulatorActiveForceState::externalForceDescription(): index 7 out of range 0.\n"}};
 
 class Messages : public testing::TestWithParam<Row> {};
 

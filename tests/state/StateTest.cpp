@@ -298,11 +298,6 @@ TEST(States, ShowAForceOnItsLineOfAction) {
   EXPECT_TRUE((arrow.endpoint1() - arrow.endpoint0()).approxEq(force, 1e-15));
   EXPECT_TRUE((arrow.endpoint0() - point).cross(force).approxEq(KtVector(), 1e-15));
   EXPECT_NEAR(arrow.endpoint0().dot(force), 0.0, 1e-15);
-  description.setExternalLinkForce({force * 1e-12, KtVector()});
-  EXPECT_EQ(description.representativeForceVector().endpoint1(), force * 1e-12);
-  description.setExternalLinkForce({KtVector(), force});
-  EXPECT_EQ(&description.representativeForceVector(),
-            &KtExternalForceDescription::m_TheNullLineSegment);
 }
 
 }  // namespace

@@ -112,17 +112,6 @@ TEST(Import, PlanarJointsMoveInThePlane) {
                   .approxEq(theOrigin * T(KtOrientation::xRotation(0.3)), 1e-14));
 }
 
-TEST(Import, HelpersOfPlanarJointsTakeNoLinksName) {
-  const ImportResult result =
-      imported(robot(link("j x") + link("b") + link("j y") + link("j x&apos;") +
-                     joint("j", "planar", "j x", "b") + joint("k", "continuous", "b", "j y") +
-                     joint("l", "continuous", "b", "j x&apos;", "<mimic joint='k'/>")));
-  std::string labels;
-  for (KtU32 i = 0; i < 5; ++i) labels += only(result).linkByIndex(i)->label() + ',';
-  EXPECT_EQ(labels, "j x'',j y',b,j y,j x',");
-  EXPECT_EQ(only(result).stateEqualityConstraints().size(), 1U);
-}
-
 TEST(Import, FloatingJointsMakeFreeBasesOnlyAtTheRoot) {
   const std::string two = link("world") + body("b", "1", "");
   const ImportResult free =
@@ -198,30 +187,6 @@ TEST(Import, ShapesStandWhereTheyStood) {
   EXPECT_EQ(cylinder->height(), 0.4);
   EXPECT_TRUE(box->frame().approxEq(theOrigin, 1e-15));
   EXPECT_TRUE(cylinder->frame().approxEq(theOrigin, 1e-15));
-}
-
-TEST(Import, FollowersAreConstrainedAndStandWhereTheyHaveTo) {
-  const std::string limits = "<limit lower='0.5' upper='2' effort='1' velocity='1'/>";
-  const ImportResult result = imported(robot(
-      link("a") + link("b") + link("c") + link("d") +
-      joint("first", "continuous", "a", "b", "<mimic joint='second' multiplier='2' offset='1'/>") +
-      joint("second", "continuous", "b", "c", "<mimic joint='third' multiplier='-3'/>") +
-      joint("third", "revolute", "c", "d", limits)));
-  const auto& q = result.system.state().positionStates()[0].jointPositions();
-  EXPECT_EQ(q[2], 0.5);
-  EXPECT_EQ(q[1], -1.5);
-  EXPECT_EQ(q[0], -2.0);
-  const auto& constraints = only(result).stateEqualityConstraints();
-  ASSERT_EQ(constraints.size(), 2U);
-  for (KtU32 i = 0; i < 2; ++i) {
-    const auto& c = dynamic_cast<const KtLinearStateEqualityConstraint&>(constraints[i]);
-    EXPECT_EQ(c.doc(), 1U);
-    double sum = 0.0;
-    for (KtU32 k = 0; k < 3; ++k) sum += c.jointWeights()[0][k] * q[k];
-    EXPECT_EQ(c.jointWeights()[0][i], 1.0);
-    EXPECT_EQ(c.jointWeights()[0][i + 1], i == 0 ? -2.0 : 3.0);
-    EXPECT_EQ(sum, c.weightedSums()[0]);
-  }
 }
 
 TEST(Import, ListsWhatIsNotTakenOver) {
