@@ -256,9 +256,11 @@ TEST_F(JointMechanics, ScalingFollowsTheDimensions) {
 // joints beyond the state's length count as nothing.
 TEST(SpringDamper, WeighJointsByTheirLinks) {
   const DrivenElbow driven;
-  const std::array<std::pair<const char*, std::optional<KtU32>>, 4> joints = {
-      {{"base", {}}, {"wrist", {}}, {"shoulder", 0}, {"elbow", 1}}};
+  const std::array<std::pair<const char*, KtU32>, 4> joints = {
+      {{"shoulder", 0}, {"elbow", 1}, {"base", 9}, {"wrist", 9}}};
   for (int trial = 0; trial < 200; ++trial) {
+    KtSpringProperties spring;
+    KtDamperProperties damper;
     KtXmlVectorType<KtXmlBasicType<std::string>> labels;
     KtSpringProperties::Reals weights, offsets, state;
     for (int i = 0; i < trial % 3; ++i) state.pushBack(uniform());
@@ -270,23 +272,22 @@ TEST(SpringDamper, WeighJointsByTheirLinks) {
       labels.pushBack(std::string(label));
       weights.pushBack(weight);
       offsets.pushBack(offset);
-      if (joint && *joint < state.size()) {
-        springSum += weight * (state[*joint] - offset);
-        damperSum += weight * state[*joint];
-      } else if (label == std::string("wrist")) {
+      if (joint < state.size()) {
+        springSum += weight * (state[joint] - offset);
+        damperSum += weight * state[joint];
+      } else if (label == joints[3].first) {
         bad += "KtSpringProperties::torque()->bad label, wrist\n";
         damperBad += "KtDamperProperties::torque()->bad label, wrist\n";
       }
     }
-    KtSpringProperties spring;
     spring.setSpringConstant(8.0);
-    spring.setWeightingFactors(weights);
     spring.setSpringOffsets(offsets);
-    spring.setAssociatedJoints(labels);
-    KtDamperProperties damper;
     damper.setDamperConstant(4.0);
-    damper.setWeightingFactors(weights);
-    damper.setAssociatedJoints(labels);
+    const auto set = [&](auto& part) {
+      part.setWeightingFactors(weights);
+      part.setAssociatedJoints(labels);
+    };
+    set(spring), set(damper);
     KtManipulatorActiveState active;
     active.setPositionState(states::at(state));
     active.setVelocityState(states::moving(state));
@@ -298,8 +299,7 @@ TEST(SpringDamper, WeighJointsByTheirLinks) {
     // Lists of different lengths.
     log.clear();
     weights.pushBack(1.0);
-    spring.setWeightingFactors(weights);
-    damper.setWeightingFactors(weights);
+    set(spring), set(damper);
     EXPECT_EQ(spring.torque(driven.manipulator, active), 0.0);
     EXPECT_EQ(damper.torque(driven.manipulator, active), 0.0);
     EXPECT_EQ(log.errors(),

@@ -1,3 +1,4 @@
+#include "support/States.h"
 #include "support/Testing.h"
 
 namespace {
@@ -13,46 +14,20 @@ Arm armOf(const std::string& file) {
   return scene.system().manipulators()[0];
 }
 
-struct Motion {
-  Joints q, rates, accelerations;
-};
-
-// An arm in motion under gravity, its motors in step.
-KtManipulatorActiveState activeOf(const Arm& arm, const Motion& motion, double gravity = kGravity) {
-  const auto listed = [&arm](const Joints& given) {
-    KtPositionState::JointVector joints(arm.jointDof(), 0.0);
-    if (!given.empty()) joints.vectorContainer().assign(given.begin(), given.end());
-    return joints;
-  };
+// An arm under gravity, at rest.
+Active activeOf(const Arm& arm, const Joints& q, const Joints& accelerations, double gravity) {
   KtPositionState position;
   KtVelocityState velocity;
   KtAccelerationState acceleration;
-  position.setJointPositions(listed(motion.q));
-  velocity.setJointVelocities(listed(motion.rates));
-  acceleration.setJointAccelerations(listed(motion.accelerations));
+  position.setJointPositions(states::joints(q));
+  velocity.jointVelocities().resize(arm.jointDof());
+  acceleration.setJointAccelerations(states::joints(accelerations));
   acceleration.setGeneralAcceleration({KtVector(0.0, 0.0, gravity), KtVector()});
-  KtManipulatorActiveState active;
+  Active active;
   active.setPositionState(position);
   active.setVelocityState(velocity);
   active.setAccelerationState(acceleration);
-  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
-    arm.linkByIndex(i)->jointActuator().initializeActuatorStates(active);
-  }
   return active;
-}
-
-void expectTorques(const Arm& arm, const Motion& motion, const Joints& expected, double tolerance,
-                   KtTotalTorqueType type = kTotalTorqueOfLinks, double gravity = kGravity) {
-  KtManipulatorActiveState active = activeOf(arm, motion, gravity);
-  KtTotalTorqueTool tool;
-  tool.setManipulator(&arm);
-  tool.setTotalTorqueType(type);
-  KtManipulatorExternalForce none;
-  none.resize(arm.jointDof());
-  const KtManipulatorTorque& torques = tool.torques(none, active, nullptr);
-  for (KtU32 i = 0; i < arm.jointDof(); ++i) {
-    EXPECT_NEAR(torques.jointTorques()[i], expected[i], tolerance) << "joint " << i + 1;
-  }
 }
 
 // B. Armstrong, O. Khatib, J. Burdick, The explicit dynamic model and inertial parameters of the
@@ -70,7 +45,7 @@ TEST(PublishedArms, Puma560OfArmstrong) {
   for (int trial = 0; trial < 20; ++trial) {
     Joints q;
     for (int i = 0; i < 6; ++i) q.push_back(uniform(-kPi, kPi));
-    KtManipulatorActiveState active = activeOf(arm, {q, {}, {}});
+    KtManipulatorActiveState active = activeOf(arm, q, Joints(6, 0.0), kGravity);
     const double s2 = std::sin(q[1]), c2 = std::cos(q[1]);
     const double s23 = std::sin(q[1] + q[2]), c23 = std::cos(q[1] + q[2]);
     const double s4 = std::sin(q[3]), c4 = std::cos(q[3]);
@@ -107,13 +82,19 @@ TEST(PublishedArms, Puma560OfArmstrong) {
 // gravity.
 TEST(PublishedArms, LbrIiwa14OfDrake) {
   const Arm arm = armOf("iiwa14.xml");
-  const Motion motion{Joints(7, 0.0), {}, {0, 0, 0, 0, 0, 0, 1000}};
   const double rotor = arm.linkByIndex(6)->jointActuator().effectiveInertia(0.0);
-  Joints torques{1, 0, 1, 0, 1, 0, 1 + 1000 * rotor};
-  expectTorques(arm, motion, torques, 1e-11, kTotalTorqueOfLinks, 0.0);
-  torques[1] += (0.0003 * 6.35 + 0.0001 * 3.5) * kGravity;
-  torques[3] -= 0.0001 * 3.5 * kGravity;
-  expectTorques(arm, motion, torques, 1e-11);
+  KtTotalTorqueTool tool;
+  tool.setManipulator(&arm);
+  tool.setTotalTorqueType(kTotalTorqueOfLinks);
+  KtManipulatorExternalForce none;
+  none.resize(7);
+  for (const double g : {0.0, kGravity}) {
+    Active active = activeOf(arm, Joints(7, 0.0), {0, 0, 0, 0, 0, 0, 1000}, g);
+    const double by2 = (0.0003 * 6.35 + 0.0001 * 3.5) * g, by4 = -0.0001 * 3.5 * g;
+    const double expected[] = {1, by2, 1, by4, 1, 0, 1 + 1000 * rotor};
+    const auto& torques = tool.torques(none, active, nullptr).jointTorques();
+    for (KtU32 i = 0; i < 7; ++i) EXPECT_NEAR(torques[i], expected[i], 1e-11) << i;
+  }
 }
 
 }  // namespace

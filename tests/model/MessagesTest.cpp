@@ -40,18 +40,6 @@ void refer(const std::string& a, const std::string& b) {
   EXPECT_EQ(arm.linkByIndex(0)->shapeContainer().topElement()->numberOfShapes(), 1U);
 }
 
-// A manipulator that has no link behind its last one.
-class Holed : public Arm {
- public:
-  using Arm::mapManipulator;
-  bool mapManipulator(Link::LinkTable& links, Link::LabelTable& labels) override {
-    labels["none"] = nullptr;
-    const bool good = Arm::mapManipulator(links, labels);
-    links.push_back(nullptr);
-    return good;
-  }
-};
-
 // Two arms, of two joints and one, at a state of so many joints in each.
 Stated sceneOf(const std::vector<KtU32>& joints) {
   Stated scene;
@@ -106,7 +94,7 @@ const Row kRows[] = {
      "KtManipulatorLink::addNamedFrame frame already exists\n"},
     {"labels",
      [] {
-       Holed arm;
+       trees::Holed arm;
        arm.mapManipulator();
        for (const char* label : {"nobody", "none"}) {
          EXPECT_FALSE(arm.transformPrimaryFrame(label, T()));
@@ -125,7 +113,7 @@ const Row kRows[] = {
      "KtIndividualManipulator::replaceLinkAndChildren(): unexpected NULL pointer for link none.\n"},
     {"holes",
      [] {
-       Holed arm;
+       trees::Holed arm;
        arm.addLinkToEndOfChain(trees::randomLink("a"));
        EXPECT_EQ(arm.linkIndexByIdentifier("nobody"), ktUnmappedIndex);
        arm.truncateValues(1e-9);

@@ -409,35 +409,6 @@ TEST(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
   EXPECT_EQ(log.text(), "");
 }
 
-TEST(StatedSystems, SomeOperationsReachAllSharers) {
-  Scene first;
-  for (const char* label : {"a", "b"}) first.addManipulator(armOf(label, 2));
-  const Stated second(first), independent(first, true);
-  KtManipulatorAttachmentMap attachments;
-  attachments.attachManipulator(1, 0, "a", T());
-  KtSystemCollisionExclusionMap exclusions;
-  exclusions.excludeManipulatorCollisionCandidates(0, 1);
-  KtManipulatorSelfCollisionLinkMap selfCollision;
-  selfCollision.setLinkCollisionCanditateByIdentifier("link1", "link2", true);
-  Scene none;
-  for (Scene* scene : {&first, &none}) {
-    scene->setManipulatorAttachmentMap(attachments);
-    scene->setCollisionExclusionMap(exclusions);
-    EXPECT_EQ(scene->setSelfCollisionMap(selfCollision, 0), scene == &first);
-    scene->truncateValues(1e-3);
-  }
-  EXPECT_EQ(&second.system(), &first.system());
-  EXPECT_EQ(second.system().manipulatorAttachmentMap().size(), 1U);
-  EXPECT_FALSE(second.system().canCollide(0, 0, 1, 0));
-  EXPECT_EQ(second.system().manipulators()[0].selfCollisionLinkMap(), selfCollision);
-  EXPECT_NE(&independent.system(), &first.system());
-  EXPECT_FALSE(independent.isSystemModified());
-  EXPECT_EQ(&none.system(), &Stated::m_theNullSystem);
-  EXPECT_EQ(none.system(), KtManipulatorSystem());
-  KtXmlWriter::writeString(none);
-  EXPECT_EQ(none, Scene()) << "a missing system is an empty one";
-}
-
 TEST(StatedSystems, ShapesAreFoundAndColouredByKey) {
   KtSphereShape ball;
   KtDataMap data;

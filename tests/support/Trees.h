@@ -70,6 +70,18 @@ inline KtIndividualManipulator referenceTo(const std::string& label, const std::
   return arm;
 }
 
+/// A manipulator that has no link behind its last one, and none by the name "none".
+class Holed : public KtIndividualManipulator {
+ public:
+  using KtIndividualManipulator::mapManipulator;
+  bool mapManipulator(LinkTable& links, LabelTable& labels) override {
+    labels["none"] = nullptr;
+    const bool good = KtIndividualManipulator::mapManipulator(links, labels);
+    links.push_back(nullptr);
+    return good;
+  }
+};
+
 /// A system of manipulators with so many links each, roots included. All links can collide.
 inline KtManipulatorSystem randomSystem(std::initializer_list<int> links) {
   KtManipulatorSystem system;
