@@ -18,10 +18,6 @@ KtIndividualManipulator manipulator() {
   return root;
 }
 
-std::size_t draw(std::size_t count) {
-  return std::uniform_int_distribution<std::size_t>(0, count - 1)(generator());
-}
-
 TEST(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
   KtManipulatorSelfCollisionLinkMap map;
   map.setLinkCollisionCanditateByIdentifier("Z", "root", true);
@@ -40,13 +36,13 @@ TEST(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
       EXPECT_TRUE(map.linkCollisionCanditateByIdentifier(pair.first, pair.second, flag));
       EXPECT_EQ(flag, value);
     }
-    const std::string a = kLabels[draw(5)];
-    const std::string b = draw(9) == 0 ? "new" : kLabels[draw(5)];
+    const std::string a = kLabels[pick(5)];
+    const std::string b = pick(9) == 0 ? "new" : kLabels[pick(5)];
     EXPECT_EQ(map.linkHasExclusionCandidate(a), std::ranges::any_of(model, [&](const auto& entry) {
                 return !entry.second && entry.first.first == a;
               }));
-    const bool value = draw(2) == 1;
-    if (draw(12) == 0) {
+    const bool value = pick(2) == 1;
+    if (pick(12) == 0) {
       value ? map.setAllAsCollisionCandidates() : map.unsetAllAsCollisionCandidates();
       for (auto& entry : model) entry.second = value;
     } else {
@@ -102,17 +98,17 @@ TEST(CollisionMap, BetweenManipulatorsAnswersAreThoseOfAPlainList) {
   // The third manipulator of the entries is none of the system.
   const KtXmlVectorType<KtIndividualManipulator> system(2, manipulator());
   const auto drawLink = [] {
-    const std::size_t i = draw(6);
-    return Link(static_cast<KtU32>(draw(3)), i < 5 ? kLabels[i] : "ghost");
+    const std::size_t i = pick(6);
+    return Link(pick(3), i < 5 ? kLabels[i] : "ghost");
   };
-  const auto sideOf = [](const Link& link) { return draw(3) == 0 ? Link(link.first, "*") : link; };
+  const auto sideOf = [](const Link& link) { return pick(3) == 0 ? Link(link.first, "*") : link; };
   ExclusionModel model;
   KtU32 seen[2] = {0, 0};
   for (int round = 0; round < 1000; ++round) {
     Link a = drawLink(), b = drawLink();
-    model.edit(sideOf(a), sideOf(b), draw(5) < 2);
+    model.edit(sideOf(a), sideOf(b), pick(5) < 2);
     model.map.buildMapFromManipulators(system);
-    if (draw(2) == 0) a = drawLink(), b = drawLink();
+    if (pick(2) == 0) a = drawLink(), b = drawLink();
     const bool expected = model.excluded(a, b);
     ++seen[expected ? 1 : 0];
     EXPECT_EQ(model.map.isLinkCollisionCandidateExcluded(a.first, a.second, b.first, b.second),

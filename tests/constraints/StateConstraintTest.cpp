@@ -5,18 +5,15 @@ namespace {
 using Linear = KtLinearStateEqualityConstraint;
 using List = std::vector<double>;
 
-KtU32 below(double limit) {
-  return static_cast<KtU32>(uniform(0.0, limit - 1e-9));
-}
 Linear::Row row(const List& values) {
   Linear::Row list;
   for (const double value : values) list.pushBack(value);
   return list;
 }
 Linear::Rows randomRows() {
-  Linear::Rows rows(below(4));
+  Linear::Rows rows(pick(4));
   for (auto& one : rows.vectorContainer()) {
-    for (KtU32 i = below(9); i > 0; --i) one.pushBack(uniform());
+    for (KtU32 i = pick(9); i > 0; --i) one.pushBack(uniform());
   }
   return rows;
 }
@@ -28,17 +25,17 @@ double weight(const Linear::Rows& rows, KtU32 r, KtU32 column) {
 // first, where it is free.
 TEST(StateConstraints, JacobianHasTheWeights) {
   for (int trial = 0; trial < 300; ++trial) {
-    const KtU32 joints = below(5), base = trial % 2 == 0 ? 0 : 6;
+    const KtU32 joints = pick(5), base = trial % 2 == 0 ? 0 : 6;
     KtIndividualManipulator body;
     for (KtU32 i = 0; i < joints; ++i) body.addChild(KtManipulatorLink());
     body.setIsFixedBase(base == 0);
     KtStateEqualityConstraintVector all(1);  // a null entry is passed over
     std::vector<List> expected;
-    for (KtU32 count = below(4); count > 0; --count) {
+    for (KtU32 count = pick(4); count > 0; --count) {
       Linear one;
       one.setJointWeights(randomRows());
       one.setBaseWeights(randomRows());
-      one.setWeightedSums(Linear::Row(below(5)));
+      one.setWeightedSums(Linear::Row(pick(5)));
       all.pushBack(one);
       const KtU32 rows = std::max(one.jointWeights().size(), one.baseWeights().size());
       for (KtU32 r = 0; r < std::min(rows, one.weightedSums().size()); ++r) {

@@ -6,14 +6,6 @@
 
 namespace {
 
-std::string textOf(const std::filesystem::path& path) {
-  std::ifstream stream(path);
-  EXPECT_TRUE(stream) << path;
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
 // Lines without their indentation, empty ones left out.
 std::string withoutIndentation(const std::string& text) {
   std::istringstream lines(text);

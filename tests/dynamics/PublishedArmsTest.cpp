@@ -8,12 +8,6 @@ using Joints = std::vector<double>;
 constexpr double kPi = std::numbers::pi;
 constexpr double kGravity = 9.81;
 
-Arm armOf(const std::string& file) {
-  KtStatedSystem scene;
-  EXPECT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/" + file, scene));
-  return scene.system().manipulators()[0];
-}
-
 // An arm under gravity, at rest.
 Active activeOf(const Arm& arm, const Joints& q, const Joints& accelerations, double gravity) {
   KtPositionState position;
@@ -36,7 +30,8 @@ Active activeOf(const Arm& arm, const Joints& q, const Joints& accelerations, do
 // the paper's tables. They agree with those that the paper prints, but for I1 and I3, which don't
 // follow from its tables.
 TEST(PublishedArms, Puma560OfArmstrong) {
-  const Arm arm = armOf("puma560.xml");
+  const KtStatedSystem model = modelOf("puma560");
+  const Arm& arm = model.system().manipulators()[0];
   KtGravitationalTorqueTool gravity;
   gravity.setManipulator(&arm);
   gravity.setGravityVector({0.0, 0.0, kGravity});
@@ -81,7 +76,8 @@ TEST(PublishedArms, Puma560OfArmstrong) {
 // Drake, multibody/benchmarks/kuka_iiwa_robot: the last joint accelerates, without and with
 // gravity.
 TEST(PublishedArms, LbrIiwa14OfDrake) {
-  const Arm arm = armOf("iiwa14.xml");
+  const KtStatedSystem model = modelOf("iiwa14");
+  const Arm& arm = model.system().manipulators()[0];
   const double rotor = arm.linkByIndex(6)->jointActuator().effectiveInertia(0.0);
   KtTotalTorqueTool tool;
   tool.setManipulator(&arm);

@@ -161,27 +161,6 @@ TEST(LinkKinematics, QuadrilateralKeepsItsLoopWithItsTransform) {
   }
 }
 
-// A model that puts something before the joint by overriding the composition.
-class Shifted : public KtXmlPersistent<Shifted, Dh> {
- public:
-  using Dh::transformBy;
-  void transformBy(T& t, double q) const override {
-    t *= T(KtVector(1.0, 2.0, 3.0));
-    Dh::transformBy(t, q);
-  }
-  bool operator==(const Shifted&) const = default;
-};
-
-TEST(LinkKinematics, TransformGoesThroughTheOverriddenComposition) {
-  for (const unsigned type : {Dh::kPaul, Dh::kGeneralCraig}) {
-    const Dh link = randomDh(Dh::kRotational, type);
-    Shifted shifted;
-    static_cast<Dh&>(shifted) = link;
-    EXPECT_TRUE(shifted.calculateTransform(0.3).approxEq(
-        T(KtVector(1.0, 2.0, 3.0)) * link.calculateTransform(0.3), 1e-14));
-  }
-}
-
 TEST(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
   const T t = randomTransformation();
   forAllDh([&t](Dh link) {

@@ -30,11 +30,9 @@ TEST(ExampleModels, AreReadAndComeBackWithoutAMessage) {
 }
 
 TEST(Version, IsThatOfTheBuild) {
-  std::ifstream file(KT_SOURCE_FOLDER "/CMakeLists.txt");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
   std::ostringstream project;
   project << "project(ktManipulator VERSION " << ktVersion << ' ';
-  EXPECT_THAT(text, HasSubstr(project.str()));
+  EXPECT_THAT(textOf(KT_SOURCE_FOLDER "/CMakeLists.txt"), HasSubstr(project.str()));
 }
 
 }  // namespace

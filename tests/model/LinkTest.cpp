@@ -4,10 +4,6 @@
 
 namespace {
 
-KtU32 pick(std::size_t count) {
-  return static_cast<KtU32>(uniform(0.0, 0.999 * static_cast<double>(count)));
-}
-
 Mass moved(Mass mass, const T& by) {
   mass.transformBy(by);
   return mass;
@@ -459,28 +455,6 @@ TEST(Links, EveryChangeReachesWhatFollowsFromItAndNothingElse) {
   Link alone;
   alone.setJointActuator(actuatorOf(-1.0, 0.5));
   EXPECT_EQ(alone.upperLimitConstraint().evaluate(states::at(states::randomJoints(3))), 0.5);
-}
-
-TEST(Links, ShapesGiveTheirSurfaces) {
-  KtSphereShape ball;
-  ball.setIdentifier("ball");
-  ball.setSurfaceLabel("rubber");
-  Link parent, link;
-  link.setLabel("link");
-  link.setShape(ball);
-  EXPECT_EQ(link.shapeByIdentifier("ball"), link.shapeByIndex(0));
-  EXPECT_EQ(link.getNthNonBoundingShape(9), link.shapeByIndex(0));
-  parent.addChild(link);
-  KtDataMap data;
-  const KtDataMap* found = nullptr;
-  data.add("ktCollisionAvoidanceMetric", 7.0);
-  const KtSurfaceMap surfaces(std::string("rubber"), data);
-  EXPECT_FALSE(parent.setSurfaces("link", 1, surfaces));
-  EXPECT_TRUE(parent.setSurfaces("link", 0, surfaces));
-  const Link& child = parent.childLinks()[0];
-  EXPECT_TRUE(child.lookup("rubber", found) && *found == data && !parent.lookup("rubber", found));
-  EXPECT_EQ(child.lookupCollisionAvoidanceMetric(), 7.0);
-  EXPECT_EQ(parent.lookupCollisionAvoidanceMetric(), 1.0);
 }
 
 TEST(Links, ActuatorsOfOlderFilesAreTakenOver) {

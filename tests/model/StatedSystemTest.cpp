@@ -7,10 +7,6 @@ namespace {
 using Stated = KtStatedSystem;
 using states::at, states::moving, states::randomJoints;
 
-KtU32 pick(std::size_t count) {
-  return static_cast<KtU32>(uniform(0.0, 0.999 * static_cast<double>(count)));
-}
-
 // A stated system that tells which active state its collision reports look at.
 class Scene : public Stated {
  public:

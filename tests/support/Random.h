@@ -15,6 +15,10 @@ inline std::mt19937_64& generator() {
 inline double uniform(double from = -1.0, double to = 1.0) {
   return std::uniform_real_distribution<double>(from, to)(generator());
 }
+/// An index below a count.
+inline KtU32 pick(std::size_t count) {
+  return static_cast<KtU32>(uniform(0.0, 0.999 * static_cast<double>(count)));
+}
 inline KtVector randomVector() {
   return {uniform(), uniform(), uniform()};
 }

@@ -42,6 +42,20 @@ using Mass = KtRigidBodyMassProperties;
 using T = KtCoordinateSystemTransformation;
 using Active = KtManipulatorActiveState;
 
+/// What is in a file.
+inline std::string textOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  EXPECT_TRUE(stream) << file;
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// One of the example models.
+inline KtStatedSystem modelOf(const std::string& name) {
+  KtStatedSystem system;
+  EXPECT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/" + name + ".xml", system));
+  return system;
+}
+
 using Real = KtXmlBasicType<double>;
 using Text = KtXmlBasicType<std::string>;
 using U32 = KtXmlBasicType<KtU32>;

@@ -77,8 +77,7 @@ TEST(Command, ImportsInspectsAndEvaluates) {
 
 // Small faults put into a good file by hand.
 TEST(Command, InspectNamesWhatIsDamaged) {
-  std::ostringstream good;
-  good << std::ifstream(KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml").rdbuf();
+  const std::string good = textOf(KT_SOURCE_FOLDER "/examples/models/two-link-arm.xml");
   const struct {
     const char *original, *damage, *finding;
     int status;
@@ -90,7 +89,7 @@ TEST(Command, InspectNamesWhatIsDamaged) {
       {"<mass>4</mass>", "<mass>four</mass>", "damaged-test.xml:", 1},
   };
   for (const auto& [original, damage, finding, status] : cases) {
-    std::string text = good.str();
+    std::string text = good;
     ASSERT_NE(text.find(original), std::string::npos) << original;
     text.replace(text.find(original), std::string(original).size(), damage);
     const Outcome outcome = run("inspect " + fileOf("damaged-test.xml", text.c_str()));

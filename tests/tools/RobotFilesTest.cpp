@@ -23,11 +23,6 @@ std::string nameOf(const testing::TestParamInfo<std::string>& info) {
   return name.empty() ? "none" : name;
 }
 
-std::string textOf(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
 // Imports, and goes through a file, as a user's system does.
 void import(const std::string& from, bool freeBase, KtStatedSystem& system) {
   const KtLogCapture log;

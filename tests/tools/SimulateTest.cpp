@@ -14,20 +14,9 @@ std::string pathOf(const std::string& name) {
   return std::string(KT_TEST_OUTPUT) + '/' + name;
 }
 
-std::string textOfFile(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
 std::string fileOf(const std::string& name, const std::string& text) {
   std::ofstream(pathOf(name), std::ios::binary) << text;
   return pathOf(name);
-}
-
-KtStatedSystem modelOf(const std::string& name) {
-  KtStatedSystem system;
-  EXPECT_TRUE(KtXmlReader::readFile(KT_SOURCE_FOLDER "/examples/models/" + name + ".xml", system));
-  return system;
 }
 
 std::string bodyOf(const std::string& name, const std::string& more = "") {
@@ -69,7 +58,7 @@ Trace traced(KtStatedSystem& system, SimulateOptions options) {
   options.csvFile =
       pathOf(std::string(testing::UnitTest::GetInstance()->current_test_info()->name()) + ".csv");
   EXPECT_TRUE(simulate(system, options, trace.result, trace.error)) << trace.error;
-  std::istringstream lines(textOfFile(options.csvFile));
+  std::istringstream lines(textOf(options.csvFile));
   for (std::string line; std::getline(lines, line);) {
     trace.rows.emplace_back();
     std::istringstream fields(line);
