@@ -89,7 +89,6 @@ TEST(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
       {"velocities", [](Active& a) { a.setNonredundantState(stateOf(3, 0.5, 2.0)); }, all, 3, 3},
       {"one position", [&](Active& a) { a.setNonredundantState(moved(2)); }, "01 ", 3, 3},
       {"fewer", [](Active& a) { a.setNonredundantState(stateOf(2, 0.5, 1.0)); }, "", 2, 2},
-      {"none", [](Active& a) { a.setNonredundantState({}); }, "", 0, 0},
       {"no velocities", [&](Active& a) { a.setNonredundantState(slow); }, all, 3, 3},
       {"active states",
        [&](Active& a) {
@@ -103,7 +102,6 @@ TEST(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
       {"state of none", [&](Active& a) { a.setManipulatorNonredundantState(one(0.75, 7.0), 3); },
        all, 3, 3},
       {"position of one", [&](Active& a) { placeOne(a, 0.75); }, "02 ", 2, 3},
-      {"same position of one", [&](Active& a) { placeOne(a, 0.5); }, all, 3, 3},
       {"system level", [](Active& a) { a.invalidateSystemLevel(); }, "01 02 12 ", 3, 3},
       {"all", [](Active& a) { a.invalidateAll(); }, "", 3, 3},
       {"read", [&](Active& a) { ASSERT_TRUE(KtXmlReader::readString(text, a)); }, "", 3, 3}};

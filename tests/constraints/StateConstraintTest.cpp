@@ -109,7 +109,7 @@ TEST(StateConstraints, ForwardTheJointPositions) {
   EXPECT_TRUE(limit.gradient(p, true).empty());
   KtLinearMultivariableConstraint linear;
   linear.setConstant(7.0);
-  linear.setCoefficient(1, -2.0);
+  EXPECT_TRUE(linear.setCoefficient(1, -2.0) && !linear.setCoefficient(ktUnmappedIndex, 1.0));
   limit.setConstraint(linear);
   EXPECT_EQ(limit.evaluate(p), -3.0);
   EXPECT_EQ(limit.gradient(p, true), (List{0.0, -2.0}));

@@ -254,14 +254,6 @@ TEST(Simulation, ABlockOnARailGoesByClosedForms) {
     EXPECT_THAT(s.lastStep().limits, ElementsAre(0));
     EXPECT_FALSE(s.lastStep().isFree());
   });
-  mechanics = {};
-  mechanics.setStopperZone(0.1);
-  mechanics.setUpperLimit(0.3);
-  mechanics.setStopperSpringCoefficient(500.0);
-  run([&](const KtSimulation& s, const KtEnergyBalance& balance) {
-    EXPECT_EQ(s.joints()[0].limit.count, 0U);
-    EXPECT_NE(balance.limits, 0.0);
-  });
 }
 
 // At the end of its rail a block takes a cart of its mass along, with half the rate and energy.

@@ -227,17 +227,12 @@ TEST(States, SurviveACutOffStream) {
     EXPECT_LT(allocations.largest(), 1024U);
     EXPECT_EQ(back, expected);
   }
-}
-
-TEST(States, AskForNoMemoryThatACountOnlyClaims) {
+  // A count that only claims to be large takes no memory either.
   std::string joints = binary(at(randomJoints(700)));
   joints.replace(56, 4, 4, '\xFF');
-  std::istringstream one(joints);
-  std::istringstream all(bytes(1.0) + "\xFF\xFF\xFF\xFF" + joints);
-  KtPositionState position;
-  System state;
+  std::istringstream one(joints), all(bytes(1.0) + "\xFF\xFF\xFF\xFF" + joints);
   const Allocations allocations;
-  EXPECT_FALSE(position.readBin(one) || state.readBin(all));
+  EXPECT_FALSE(KtPositionState().readBin(one) || System().readBin(all));
   EXPECT_LT(allocations.largest(), 65536U);
 }
 

@@ -44,15 +44,12 @@ KtManipulatorLink randomTree(const std::string& prefix, int count, int& next, Ma
   }
   return top;
 }
-inline KtManipulatorLink randomTree(const std::string& prefix, int count, int& next) {
-  return randomTree(prefix, count, next, randomLink);
-}
 
 /// A manipulator with `count` links.
 inline KtIndividualManipulator randomManipulator(int count, const std::string& label = "base") {
   int next = 0;
   KtIndividualManipulator manipulator;
-  const KtManipulatorLink top = randomTree("link", count, next);
+  const KtManipulatorLink top = randomTree("link", count, next, randomLink);
   manipulator.setLabel(label);
   manipulator.setMassProperties(top.massProperties());
   manipulator.setChildLinks(top.childLinks());

@@ -1,3 +1,5 @@
+#include <boost/algorithm/string/replace.hpp>
+
 #include "support/Testing.h"
 
 namespace {
@@ -35,8 +37,7 @@ void expectNear(const Mass& actual, const Mass& expected, double tolerance) {
 
 TEST(MassProperties, DoAsTheirParticlesDo) {
   for (int trial = 0; trial < 20; ++trial) {
-    const Cloud cloud = randomCloud();
-    const Cloud other = randomCloud();
+    const Cloud cloud = randomCloud(), other = randomCloud();
     const T t = randomTransformation();
     Cloud moved = cloud, scaled = cloud, both = cloud;
     for (auto& [m, r] : moved) r = t * r;
@@ -52,8 +53,7 @@ TEST(MassProperties, DoAsTheirParticlesDo) {
     expectNear(massOf(both) - massOf(other), massOf(cloud), 1e-13);
 
     body = massOf(cloud);
-    const KtGeneralMotion v = randomMotion();
-    const KtGeneralMotion a = randomMotion();
+    const KtGeneralMotion v = randomMotion(), a = randomMotion();
     const auto force = [&](const KtVector& w) {
       KtGeneralForce sum;
       for (const auto& [m, r] : cloud) {
@@ -130,8 +130,7 @@ TEST(MassProperties, BuildersAgreeWithIntegration) {
 }
 
 TEST(MassProperties, CapsuleStandsWhereItsSegmentDoes) {
-  const double m = 5.0;
-  const double r = 0.3;
+  const double m = 5.0, r = 0.3;
   const KtCapsule upright(KtLineSegment({0.0, 0.0, -0.4}, {0.0, 0.0, 0.4}), r);
   const Mass expected = Mass::uniformSolidCapsule(m, upright);
   for (int trial = 0; trial < 20; ++trial) {
@@ -199,8 +198,7 @@ TEST(MassProperties, CachesFollowChanges) {
   const auto solves = [&a](const Mass& body) {
     return body.calculateAcceleration(body.calculateForce(a)).approxEq(a, 1e-9);
   };
-  const Mass start = massOf(randomCloud());
-  const Mass other = massOf(randomCloud());
+  const Mass start = massOf(randomCloud()), other = massOf(randomCloud());
   const std::vector<std::function<void(Mass&)>> changes = {
       [](Mass& b) { b.transformBy(KtOrientation(0.5, 0.5, -0.5, 0.5)); },
       [](Mass& b) { b.transformBy(KtVector(1.0, 2.0, 3.0)); },
@@ -221,6 +219,42 @@ TEST(MassProperties, CachesFollowChanges) {
     body.computeSecondMomentInverse();
     EXPECT_TRUE(invertsJ(body));
   }
+}
+
+using Inertia = KtArticulatedBodyInertia;
+using Dynamics = KtArticulatedBodyDynamics;
+
+TEST(ArticulatedBody, SumsAreRigidIfBothAre) {
+  const Dynamics nothing(Inertia(), {randomVector(), randomVector()});
+  Dynamics shown;
+  shown.setToTransformedValue(nothing, randomMotion(), 0.0, 3.0);
+  EXPECT_TRUE(shown.approxEq(nothing, 0.0));
+  Inertia a, b;
+  a.setFromRigidBody(massOf(randomCloud()));
+  b.setFromRigidBody(massOf(randomCloud()));
+  EXPECT_TRUE((a + b).isRigid());
+  KtReArray array(6, 6);
+  for (KtU32 i = 0; i < 6; ++i) array[i][i] = 1.0;
+  Inertia other;
+  other.setFromArray(array);
+  EXPECT_FALSE((a + other).isRigid() || (a - other).isRigid());
+  EXPECT_TRUE((a + b - b).approxEq(a, 1e-14));
+  a.getArray(array);
+  b.setFromArray(array);
+  const KtLogCapture log;
+  b.setFromArray(KtReArray(5, 6));
+  EXPECT_TRUE(b.approxEq(a, 0.0) && !log.text().empty());
+}
+
+// A file that names the bias as such is read as well.
+TEST(ArticulatedBody, BiasIsReadUnderEitherName) {
+  const Dynamics dynamics(massOf(randomCloud()), {{1.0, 2.0, 3.0}, {4.0, 5.0, 6.0}});
+  const std::string text = KtXmlWriter::writeString(dynamics);
+  Dynamics read;
+  EXPECT_TRUE(KtXmlReader::readString(
+      boost::replace_all_copy(text, "articulatedBodyInertia", "bias"), read));
+  EXPECT_EQ(read, dynamics);
+  EXPECT_NE(text.find("</articulatedBodyInertia>"), std::string::npos);
 }
 
 }  // namespace
