@@ -174,8 +174,7 @@ TEST_F(JacobianState, ReportsWhatIsNotThereAndAnswersTheArray) {
   KtJacobianState empty, cleared;
   cleared.setJacobian(j);
   cleared.setSoftJacobian(j);
-  const KtReArray n = cleared.nullSpace();
-  const KtReArray lu = cleared.jacobianLU();
+  const KtReArray n = cleared.nullSpace(), lu = cleared.jacobianLU();
   cleared.invalidateAll();
   EXPECT_FALSE(cleared.jacobianValid() || cleared.softJacobianValid());
   const KtLogCapture log;

@@ -51,8 +51,7 @@ TEST_F(PowerConverter, MotorKeepsTheBalanceOfPower) {
   motor.setArmatureResistance(1.5);
   motor.setTorqueConstant(0.3);
   for (int trial = 0; trial < 20; ++trial) {
-    const double u = uniform(-24, 24), i = uniform(-5, 5);
-    const double omega = uniform(-100, 100);
+    const double u = uniform(-24, 24), i = uniform(-5, 5), omega = uniform(-100, 100);
     driven.setMotor(0.0, omega);
     const double gain = 0.02 * i * rates(motor, u, {i})[0];
     EXPECT_NEAR(u * i, 1.5 * i * i + gain + holder.outputTorque(u, state) * omega, 1e-11);

@@ -37,8 +37,7 @@ TEST(CollisionMap, WithinAManipulatorFlagsFollowEveryEdit) {
       EXPECT_TRUE(map.linkCollisionCanditateByIdentifier(pair.first, pair.second, flag));
       EXPECT_EQ(flag, value);
     }
-    const std::string a = kLabels[pick(5)];
-    const std::string b = pick(9) == 0 ? "new" : kLabels[pick(5)];
+    const std::string a = kLabels[pick(5)], b = pick(9) == 0 ? "new" : kLabels[pick(5)];
     EXPECT_EQ(map.linkHasExclusionCandidate(a), std::ranges::any_of(model, [&](const auto& entry) {
                 return !entry.second && entry.first.first == a;
               }));

@@ -386,8 +386,7 @@ class TurningConstraint
 // axes.
 TEST(Dynamics, ConstraintsHoldAndDoNoWork) {
   forMechanisms({4, 12}, kExact, [](Mechanism& m) {
-    const KtU32 n = m.joints();
-    const KtU32 first = m.arm().isFixedBase() ? 0 : 6;
+    const KtU32 n = m.joints(), first = m.arm().isFixedBase() ? 0 : 6;
     const KtU32 unknowns = n + first;
     KtReArray a(2, unknowns);
     using Linear = KtLinearStateEqualityConstraint;

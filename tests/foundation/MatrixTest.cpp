@@ -51,8 +51,7 @@ TEST(ReArray, ProductsAgreeWithEigenAtAllShapes) {
     for (const KtU32 inner : {0U, 1U, 2U, 3U, 4U, 6U, 9U}) {
       for (const KtU32 columns : {0U, 1U, 2U, 5U, 8U}) {
         SCOPED_TRACE(testing::Message() << rows << " " << inner << " " << columns);
-        const KtReArray a = randomArray(rows, inner);
-        const KtReArray b = randomArray(inner, columns);
+        const KtReArray a = randomArray(rows, inner), b = randomArray(inner, columns);
         const Dense expected = view(a) * view(b);
         const KtReArray product = result(&KtReArray::transform, a, b);
         EXPECT_LE(gap(view(product), expected), 10 * kEpsilon);
@@ -96,8 +95,7 @@ TEST(ReArray, FactorAndSolversInvertAPositiveMatrix) {
     EXPECT_TRUE(array.choleskyDecomposition(array));
     EXPECT_EQ(array, l) << "in place";
     for (const KtU32 columns : {0U, 1U, 2U, 6U}) {
-      const KtReArray b = randomArray(n, columns);
-      const KtReArray bT = b.transpose();
+      const KtReArray b = randomArray(n, columns), bT = b.transpose();
       const struct {
         Operation solve;
         KtReArray given;
@@ -145,8 +143,7 @@ TEST(ReArray, NullSpaceIsCompleteAndOrthonormalAndTheFactorIsJs) {
   const auto upTo = [](KtU32 n) { return static_cast<KtU32>(generator()() % n); };
   for (int trial = 0; trial < 400; ++trial) {
     SCOPED_TRACE(trial);
-    const KtU32 rows = 1 + upTo(8), columns = 1 + upTo(8);
-    const KtU32 k = std::max(rows, columns);
+    const KtU32 rows = 1 + upTo(8), columns = 1 + upTo(8), k = std::max(rows, columns);
     // Every other Jacobian has a pattern: a staircase, so that the rank is known.
     const bool sparse = trial % 2 == 1;
     const KtU32 rank = sparse ? std::min(rows, columns) : upTo(std::min(rows, columns) + 1);
@@ -229,8 +226,7 @@ TEST(ReArray, MisfitsAreReportedAndChangeNothing) {
 
 TEST(ReArray, WorkArraysAskForMemoryOnlyOnce) {
   const KtU32 n = 13;
-  const KtReArray s = randomPositive(n);
-  const KtReArray j = randomArray(6, n);
+  const KtReArray s = randomPositive(n), j = randomArray(6, n);
   KtReArray l, x, y, z, w, basis;
   std::vector<unsigned> indices;
   const auto step = [&] {

@@ -108,8 +108,7 @@ TEST(MotionAndForce, KeepTheirPowerInEveryFrame) {
     check(s);
     check(f);
     // The velocity of a body's point by the rule for rigid bodies: v_B = v_A + omega x r.
-    const KtVector r = randomVector();
-    const KtVector atPoint = s.linear() + s.angular().cross(r);
+    const KtVector r = randomVector(), atPoint = s.linear() + s.angular().cross(r);
     EXPECT_TRUE((KtCoordinateSystemTransformation(r).inverse() * s)
                     .approxEq(KtGeneralMotion(atPoint, s.angular()), kTight));
   }

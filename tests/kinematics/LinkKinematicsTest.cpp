@@ -94,8 +94,7 @@ TEST(LinkKinematics, TransformIsThatOfItsConventionInAllQuadrants) {
 TEST(LinkKinematics, MotionsOfAllModelsAreDifferencesOfTheTransform) {
   // The fixed slider's rate stands in the axes of the base side.
   const auto check = [](const KtLinkKinematics& link, double q, double tolerance, bool turned) {
-    const double qDot = uniform();
-    const double qDotDot = uniform();
+    const double qDot = uniform(), qDotDot = uniform();
     const auto path = [&](double t) {
       return link.calculateTransform(q + qDot * t + 0.5 * qDotDot * t * t);
     };
@@ -147,8 +146,7 @@ TEST(LinkKinematics, TransformIsKeptUntilASetterOrACopy) {
 // A transformation of another q in between doesn't mix the two positions' loops.
 TEST(LinkKinematics, QuadrilateralKeepsItsLoopWithItsTransform) {
   for (const unsigned type : {Quad::kFixedSlider, Quad::kPivotedSlider}) {
-    const Quad link = trees::randomQuadrilateral(type);
-    const Quad untouched = link;
+    const Quad link = trees::randomQuadrilateral(type), untouched = link;
     link.calculateTransform(0.1);
     T elsewhere;
     link.transformBy(elsewhere, -0.2);
@@ -200,8 +198,7 @@ TEST(LinkKinematics, MovingTheInboardReferenceMovesTheTransform) {
 
 TEST(LinkKinematics, AccelerationFromJointVelocityHoldsInATurningInboardFrame) {
   forAllDh([](const Dh& link) {
-    const double q = uniform(-3.0, 3.0);
-    const double qDot = uniform();
+    const double q = uniform(-3.0, 3.0), qDot = uniform();
     const KtVector spin = randomVector();  // of the inboard frame about its fixed origin
     const auto path = [&](double t) {
       return rotation(spin.mag() * t, spin.unitVector()) * link.calculateTransform(q + qDot * t);
@@ -273,8 +270,7 @@ TEST(LinkKinematics, QuadrilateralCloses) {
       const bool fixed = type == Quad::kFixedSlider;
       const KtVector pivot = (outer * link.frameATransform(q)).translation();
       const T dh = outer * link.calculateTransform(q);
-      const T b = outer * link.frameBTransform(q);
-      const T c = outer * link.frameCTransform(q);
+      const T b = outer * link.frameBTransform(q), c = outer * link.frameCTransform(q);
       EXPECT_TRUE(
           pivot.approxEq({fixed ? length : link.oppositeLength(), 0.0, link.zDistanceA()}, 1e-12));
       EXPECT_TRUE(dh.translation().approxEq(pivot, 1e-12));

@@ -161,8 +161,7 @@ TEST(Systems, CraigParametersAreCollected) {
 
 TEST(Attachment, OneParentForEachDependent) {
   KtManipulatorAttachmentMap map;
-  const T first = randomTransformation();
-  const T second = randomTransformation();
+  const T first = randomTransformation(), second = randomTransformation();
   EXPECT_FALSE(map.attachManipulator(2, 2, "tip", first));
   EXPECT_EQ(map.size(), 0U);
   EXPECT_TRUE(map.attachManipulator(9, 2, "tip", first));

@@ -278,8 +278,7 @@ TEST(States, AskForNoMemoryOnceTheyHaveTheirSize) {
 
 // A pure force at a point has the moment r x F; the arrow stands on its line, nearest the origin.
 TEST(States, ShowAForceOnItsLineOfAction) {
-  const KtVector force = randomVector();
-  const KtVector point = randomVector();
+  const KtVector force = randomVector(), point = randomVector();
   KtExternalForceDescription description;
   description.setExternalLinkForce({force, point.cross(force)});
   EXPECT_EQ(&description.representativeForceVector(),

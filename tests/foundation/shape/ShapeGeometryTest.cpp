@@ -468,8 +468,7 @@ TEST_F(Shapes, MeshesAndUnionsConsistOfConvexParts) {
       bool inside = false;
       if (i == 0) own = boxOf(*both.member(0));
       for (int k = 0; k < 20 && i != 0; ++k) {
-        const double u = uniform(0, 1);
-        const double v = uniform(0, 1 - u);
+        const double u = uniform(0, 1), v = uniform(0, 1 - u);
         const auto& [a, b, c] = part.corners();
         inside = inside || box.contains(a + (b - a) * u + (c - a) * v);
         own.include(part.corners()[k % 3U]);
