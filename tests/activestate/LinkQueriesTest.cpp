@@ -266,6 +266,20 @@ TEST_F(LinkQueries, ZeroMomentPointCarriesTheWholeTree) {
   EXPECT_EQ(point, before);
 }
 
+// However it was found: it may have been set.
+TEST_F(LinkQueries, AJointAccelerationMovesItsLink) {
+  for (int trial = 0; trial < 10; ++trial) {
+    const trees::Mechanism m(trees::randomMechanismArm(2, true));
+    Active active = m.active();
+    active.activeArticulationState().setSupplementalJointAcceleration(0, 3.0);
+    EXPECT_TRUE(near(
+        m.link(0).arbiSupplementalDhFrameAccelerationInLocal(m.external, m.torque, active, nullptr),
+        m.link(0).linkKinematicsContainer().calculateAcceleration(m.position.jointPositions()[0],
+                                                                  0.0, 3.0),
+        1e-12));
+  }
+}
+
 // A link by itself, with an index.
 class Loose : public KtXmlPersistent<Loose, Link> {
  public:

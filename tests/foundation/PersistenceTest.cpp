@@ -12,8 +12,6 @@ SampleNode someNode() {
 }
 
 TEST(Vocabulary, IsComplete) {
-  EXPECT_TRUE(KtManip::ns.text().ends_with("/namespace/mn#"));
-
   using Constants = std::vector<std::pair<std::string, const KtToken*>>;
   Constants namespaced, plain;
 #define KT_NAMESPACED(constant, localName) namespaced.emplace_back(#constant, &KtManip::constant);

@@ -85,6 +85,19 @@ TEST_P(RoundTrip, EqualityLooksAtEveryComponent) {
   }
 }
 
+// The elements of each class stand in a list, in the order of files.
+TEST_P(RoundTrip, HasTheElementsOfTheList) {
+  const auto object = GetParam().make();
+  const auto* compound = dynamic_cast<const KtXmlCompoundType*>(object.get());
+  if (compound == nullptr) return;
+  std::string elements = "\n" + GetParam().name;
+  for (const auto& entry : compound->componentMap().entries()) {
+    elements += " " + std::string(entry.token.localName());
+  }
+  static const std::string list = "\n" + textOf(KT_SOURCE_FOLDER "/tests/foundation/elements.txt");
+  EXPECT_NE(list.find(elements + "\n"), std::string::npos) << elements;
+}
+
 TEST_P(RoundTrip, SchemaAcceptsWhatIsWritten) {
 #ifdef KT_XMLLINT
   const auto original = GetParam().make();

@@ -129,11 +129,12 @@ const Row kRows[] = {
        EXPECT_FALSE(arm.canCollide(ktBaseIndex, ktBaseIndex) || arm.canCollide(3, 3));
        EXPECT_FALSE(arm.canCollide(0, 1) || arm.canCollide(0, ktBaseIndex));
        arm.buildSelfCollisionLinkMap();
-       EXPECT_FALSE(arm.canCollide(ktBaseIndex, 0) || arm.canCollide(ktBaseIndex, 7));
+       EXPECT_FALSE(arm.canCollide(ktBaseIndex, 7) || arm.canCollide(1, 0));
      },
      "KtIndividualManipulator::canCollide(): indices (0,1) out of range.  Returning False.\n"
      "KtIndividualManipulator::canCollide(): indices (0,-1) out of range.  Returning False.\n"
-     "KtIndividualManipulator::canCollide(): indices (0,7) out of range.  Returning False.\n"},
+     "KtIndividualManipulator::canCollide(): indices (0,7) out of range.  Returning False.\n"
+     "KtIndividualManipulator::canCollide(): indices (1,0) out of range.  Returning False.\n"},
     {"nobody", [] { refer("nobody", ""); }, unfound("nobody")},
     {"circle", [] { refer("b", "a"); }, unfound("b") + unfound("a") + unfound("a")},
     {"modify", [] { modify({}, 7); }, modifying("bad index (7).\n")},
@@ -214,6 +215,13 @@ const Row kRows[] = {
        T place = before;
        attachment.calculatePlacement(Arm(), active, place);
        EXPECT_EQ(place, before);
+       // Quiet, and without motion: cut to the right length, or never cut.
+       std::vector<double> reals(10, 1.0);
+       attachment.calculateVelocity(Arm(), active, reals, 2);
+       EXPECT_EQ(reals, (std::vector<double>{1, 1, 0, 0, 0, 0, 0, 0}));
+       reals.assign(7, 1.0);
+       attachment.calculateAcceleration(Arm(), active, reals, 2);
+       EXPECT_EQ(reals, (std::vector<double>{1, 1, 0, 0, 0, 0, 0, 0}));
      },
      "KtAttachment::calculateFramePlacement():  bad label on link attachment: no %s link.\n"},
     {"positions",

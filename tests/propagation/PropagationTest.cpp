@@ -288,19 +288,4 @@ TEST(PropagationRecord, DescriptionsAreJoinedAndClearedWithTheirFlag) {
   EXPECT_TRUE(result == expected);
 }
 
-TEST(PropagationRecord, FilesHaveTheirOwnOrderAndLeaveOutTheOwnManipulator) {
-  KtPropagationResultData result;
-  result.setCollidedManipulator(6);
-  EXPECT_THAT(KtXmlWriter::writeString(result),
-              testing::AllOf(testing::ContainsRegex(
-                                 "<hitJointLimit.*<hitSingularity.*<collisionOccurred.*"
-                                 "<collidedLink.*<linkIndexAtJointLimit.*<otherCollidedLink.*"
-                                 "<otherCollidedManipulator.*<hitGeneralStoppingCriterion.*"
-                                 "<satisfiedGeneralStoppingCriteriaDescription"),
-                             testing::Not(HasSubstr("<collidedManipulator"))));
-  EXPECT_THAT(
-      KtXmlWriter::writeString(KtManipulatorActiveAccelerationState()),
-      testing::ContainsRegex("<accelerationState>.*<accelerationStates.*<baseAccelerationState"));
-}
-
 }  // namespace
