@@ -95,8 +95,6 @@ TEST(SystemActiveStates, SettersMakeInvalidWhatHangsOnTheSystem) {
          a.setNonredundantStateFromActiveStateVector(others.manipulatorActiveStateVector());
        },
        "12 ", 3, 3},
-      {"velocity of one", [&](Active& a) { a.setManipulatorNonredundantState(one(0.5, 7.0), 1); },
-       all, 3, 3},
       {"state of one", [&](Active& a) { a.setManipulatorNonredundantState(one(0.75, 7.0), 1); },
        "02 ", 2, 3},
       {"state of none", [&](Active& a) { a.setManipulatorNonredundantState(one(0.75, 7.0), 3); },

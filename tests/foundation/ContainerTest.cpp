@@ -74,7 +74,8 @@ TEST(VectorType, StreamsPieceByPiece) {
   const auto stream = [](auto list, const auto& appended) {
     std::ostringstream text;
     KtXmlWriter* writer = nullptr;
-    EXPECT_FALSE(list.writeBodyToStream(writer) || list.writeFooterToStream(writer));
+    EXPECT_FALSE(list.writeBodyToStream(writer) || list.writeFooterToStream(writer) ||
+                 list.appendElementToStream(writer, appended));
     EXPECT_TRUE(list.writeHeaderToStream(text, writer, "out", list.token()));
     EXPECT_TRUE(list.writeBodyToStream(writer));
     EXPECT_TRUE(list.appendElementToStream(writer, appended));
@@ -255,6 +256,11 @@ TEST(LabelMap, IsSymmetricAndRefuses) {
             "KtLabelAssociatedMap::setLinkCollisionCanditate link value (2) exceeds link map "
             "dimension\n"
             "KtLabelAssociatedMap::setValueByIndex value (2) exceeds link map dimension\n");
+
+  KtLabelAssociatedMap<KtXmlBasicType<bool>> sized;
+  sized.resize(2);
+  EXPECT_TRUE(sized.setValueByIndex(2, 2, true) && !sized.setValueByIndex(3, 0, true));
+  EXPECT_EQ(sized.value("null", "null"), true);
 }
 
 }  // namespace

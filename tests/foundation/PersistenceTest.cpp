@@ -207,6 +207,8 @@ TEST(Writer, WritesForPeople) {
   EXPECT_EQ(KtXmlWriter::writeString(list),
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<vector xmlns=\"" + ns +
                 "\" count=\"3\"><group>0.5 0.5 0.5</group></vector>\n");
+  EXPECT_THAT(KtXmlWriter::writeString(KtGeneralMotion()),
+              HasSubstr("\n  <linear>0 0 0</linear>\n"));
   // Long lists break into lines of a length that a screen shows.
   list.assign(1000, 0.125);
   std::istringstream lines(KtXmlWriter::writeString(list));

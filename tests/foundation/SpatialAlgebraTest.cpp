@@ -130,7 +130,6 @@ TEST(MotionAndForce, AreIndexedLinearFirst) {
 TEST(Guards, KeepArithmeticFinite) {
   const double nan = std::nan("");
   for (const double x : {0.0, -1.0, nan}) EXPECT_EQ(KtMath::nonZeroPos(x), 1e-300);
-  EXPECT_EQ(KtMath::nonZeroPos(2e-300), 2e-300);
   EXPECT_EQ(KtMath::sqrt(-1e-18), 0.0);
   EXPECT_EQ(KtMath::acos(1.0 + 1e-15), 0.0);
   EXPECT_EQ(KtMath::acos(-1.0 - 1e-15), kPi);

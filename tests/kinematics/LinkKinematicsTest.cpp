@@ -312,6 +312,14 @@ TEST(LinkKinematics, QuadrilateralsBranchesAndBadLengths) {
     EXPECT_NEAR(std::hypot(end.x, end.y), link.d2Length(), 1e-12);
     EXPECT_GT(end.x, 0.0);
   }
+  // A side b of length 0 has no direction: frame B is turned a quarter back from the link.
+  Quad copy = link;
+  copy.setPrecursor(T());
+  copy.setNominalLength(0.4);
+  copy.setD1Length(0.3);
+  copy.setD2Length(0.5);
+  copy.setOppositeLength(0.0);
+  EXPECT_TRUE(copy.frameBTransform(0.0).orientation().xAxis().approxEq({0.6, 0.8, 0.0}, 1e-7));
   const KtLogCapture log;
   link.setOppositeLength(9.0);
   EXPECT_TRUE(std::isfinite(link.calculateTransform(0.0).translation().mag()));

@@ -276,18 +276,4 @@ TEST(States, AskForNoMemoryOnceTheyHaveTheirSize) {
   }
 }
 
-// A pure force at a point has the moment r x F; the arrow stands on its line, nearest the origin.
-TEST(States, ShowAForceOnItsLineOfAction) {
-  const KtVector force = randomVector(), point = randomVector();
-  KtExternalForceDescription description;
-  description.setExternalLinkForce({force, point.cross(force)});
-  EXPECT_EQ(&description.representativeForceVector(),
-            &KtExternalForceDescription::m_TheNullLineSegment);
-  description.setValid(true);
-  const KtLineSegment& arrow = description.representativeForceVector();
-  EXPECT_TRUE((arrow.endpoint1() - arrow.endpoint0()).approxEq(force, 1e-15));
-  EXPECT_TRUE((arrow.endpoint0() - point).cross(force).approxEq(KtVector(), 1e-15));
-  EXPECT_NEAR(arrow.endpoint0().dot(force), 0.0, 1e-15);
-}
-
 }  // namespace
