@@ -405,6 +405,15 @@ TEST(StatedSystems, ChangesStayWithTheOneThatIsChanged) {
   EXPECT_EQ(log.text(), "");
 }
 
+TEST(StatedSystems, AreWrittenAsEmptyOnesWhenEmptied) {
+  Stated scene;
+  scene.addManipulator(armOf("a", 2));
+  EXPECT_NE(KtXmlWriter::writeString(scene), KtXmlWriter::writeString(Stated()));
+  scene = Stated();
+  EXPECT_EQ(KtXmlWriter::writeString(scene), KtXmlWriter::writeString(Stated()));
+  EXPECT_NE(&scene.system(), &Stated::m_theNullSystem) << "writing makes a system";
+}
+
 TEST(StatedSystems, ShapesAreFoundAndColouredByKey) {
   KtSphereShape ball;
   KtDataMap data;
@@ -417,6 +426,9 @@ TEST(StatedSystems, ShapesAreFoundAndColouredByKey) {
   arm.addLinkToEndOfChain(link);
   Stated stated;
   stated.addManipulator(arm);
+  std::vector<std::vector<std::vector<int>>> counters;
+  stated.system().getNumberOfShapes(counters);
+  EXPECT_THAT(counters, ElementsAre(ElementsAre(ElementsAre(), ElementsAre(0))));
   const Stated sharer(stated);
   const KtLogCapture log;
   for (const KtShapeStateCacheKey& bad : {KtShapeStateCacheKey(2, 0, 0), {0, 1, 0}, {0, 0, 1}}) {

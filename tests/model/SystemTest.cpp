@@ -121,21 +121,6 @@ TEST(Systems, ExclusionsFollowTheLinks) {
   EXPECT_TRUE(system.canCollide(0, 1, 1, ktBaseIndex));
 }
 
-TEST(Systems, SphereContainsEveryManipulators) {
-  std::vector<Arm> arms{armOf("a", 1), armOf("b", 1)};
-  const auto state = states::random({1, 1}, {1, 1}, 0.75);
-  KtSphere expected;
-  for (KtU32 i = 0; i < 2; ++i) {
-    const KtSphere own(randomVector(), uniform(0.1, 0.5), 3);
-    arms[i].setCoordSysXForm(randomTransformation());
-    arms[i].setAbsoluteBoundingSphere(own);
-    const T& place = state.positionStates()[i].coordSysXForm();
-    expected.expandSelfToInclude(arms[i].coordSysXForm() * (place * own));
-  }
-  const System system = systemOf(arms);
-  EXPECT_EQ(system.absoluteBoundingSphere(state), expected);
-}
-
 // A row for each joint of all manipulators; an arm gives its own in one list, and says if it is
 // all Craig.
 TEST(Systems, CraigParametersAreCollected) {

@@ -97,7 +97,8 @@ TEST(Simulate, ASummaryTellsWhatWasHitAndWhereTheEnergyWent) {
     EXPECT_THAT(text, testing::Not(HasSubstr("drift")));
   }
   KtStatedSystem arm = modelOf("puma560");
-  const Trace fall = traced(arm, {0.1, 1e-3, {}, {}, false, "", ""});
+  const Trace fall = traced(arm, {0.1, 3e-5, {}, {}, false, "", ""});
+  EXPECT_EQ(fall.result.kineticAfter, fall.at(fall.rows.size() - 1, "kineticEnergy"));
   EXPECT_THAT(describeSimulation(fall.result),
               testing::AllOf(HasSubstr("energy drift "), HasSubstr("nothing was hit")));
 }
@@ -177,6 +178,7 @@ TEST(Simulate, StepsEndWherePeopleExpect) {
   EXPECT_EQ(tenths.time(8), 0.75);
   EXPECT_EQ(TimeGrid(0.3, 0.4, 0.1).time(4), 0.7);
   EXPECT_EQ(TimeGrid(-0.3, 0.4, 0.1).time(4), 0.1);
+  EXPECT_EQ(TimeGrid(0.25, 0.5, 0.1).time(1), 0.35);
   EXPECT_EQ(TimeGrid(0.0, 1e4, 1e-3).steps(), 10000000U);
   EXPECT_EQ(TimeGrid(0.0, 0.0, 1e-3).steps(), 0U);
 }
