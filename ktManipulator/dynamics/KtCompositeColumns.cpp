@@ -47,11 +47,18 @@ void CompositeColumns::compute(const KtIndividualManipulator& manipulator,
         moment = frame.r * KtVector(j[4], j[5], j[2]);
         angular = {frame.r[2], frame.r[5], frame.r[8]};
       } else {
-        const JointMotion unit = motion != nullptr ? *motion : link->askedUnitMotion(positions);
-        force = frame.r * (unit.linear * body.massValue() - c.cross(unit.angular));
-        moment = frame.r * (body.secondMomentValue() * unit.angular + c.cross(unit.linear));
-        angular = frame.r * unit.angular;
-        linear = frame.r * unit.linear;
+        if (motion != nullptr) {
+          linear = motion->linear;
+          angular = motion->angular;
+        } else {
+          const JointMotion unit = link->askedUnitMotion(positions);
+          linear = unit.linear;
+          angular = unit.angular;
+        }
+        force = frame.r * (linear * body.massValue() - c.cross(angular));
+        moment = frame.r * (body.secondMomentValue() * angular + c.cross(linear));
+        angular = frame.r * angular;
+        linear = frame.r * linear;
       }
       moment += frame.p.cross(force);
       linear += frame.p.cross(angular);
