@@ -99,7 +99,12 @@ class KT_EXPORT KtSpatialMatrix : public KtXmlPersistent<KtSpatialMatrix> {
     return {0.0, -v.z, v.y, v.z, 0.0, -v.x, -v.y, v.x, 0.0};
   }
   /// this = (v x).
-  void setToCrossProductMatrix(const KtVector& v) noexcept { *this = crossProductMatrix(v); }
+  void setToCrossProductMatrix(const KtVector& v) noexcept {
+    // In place: a copy of a matrix just written, entry by entry, waits for the entries.
+    m_[0][0] = 0.0, m_[0][1] = -v.z, m_[0][2] = v.y;
+    m_[1][0] = v.z, m_[1][1] = 0.0, m_[1][2] = -v.x;
+    m_[2][0] = -v.y, m_[2][1] = v.x, m_[2][2] = 0.0;
+  }
   /// this = (v x) this: each column becomes v x column.
   void multiplyOnLeftByCrossProductMatrix(const KtVector& v) noexcept {
     for (int j = 0; j < 3; ++j) {
