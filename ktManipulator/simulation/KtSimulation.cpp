@@ -195,12 +195,21 @@ void KtSimulation::setState(const KtManipulatorSystemState& state) {
   if (keepsBalance_) setKeepsBalance(true);
 }
 
+bool KtSimulation::hasManipulator(const char* operation, KtU32 m) const {
+  if (m < manipulators().size()) return true;
+  Kt::Print::instance().write(Kt::Print::kError, "KtSimulation::%s(): no manipulator %u\n",
+                              operation, m);
+  return false;
+}
+
 KtManipulatorActiveState& KtSimulation::active(KtU32 manipulator) {
+  if (!hasManipulator("active", manipulator)) return noActive_ = KtManipulatorActiveState();
   show();
   return cache(manipulator);
 }
 
 const KtAccelerationState& KtSimulation::acceleration(KtU32 manipulator) {
+  if (!hasManipulator("acceleration", manipulator)) return noAcceleration_;
   evaluate();
   return accelerations_[manipulator];
 }
@@ -277,13 +286,17 @@ void KtSimulation::evaluate() {
 }
 
 bool KtSimulation::stepTo(double time) {
-  evaluate();
-  lastStep_.isFinite = true;
+  lastStep_.isFinite = std::isfinite(time);
   lastStep_.limits.clear();
   lastStep_.rates.clear();
   lastStep_.stopped.clear();
   lastStep_.collided.clear();
   for (KtPropagationResultData& result : results_.elements()) result.reset();
+  if (!lastStep_.isFinite) {
+    complaint_ = "the time of the step is not finite";
+    return false;
+  }
+  evaluate();
   const double dt = time - state_.time();
   // A check for collisions sets the new state in the caches.
   if (keepsBalance_ || collisionMode_ != 0) before_ = state_;

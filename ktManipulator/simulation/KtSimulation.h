@@ -75,7 +75,7 @@ class KT_EXPORT KtSimulation {
   };
   /// What the last step met. Joints are places in `joints()`, manipulators indices.
   struct Step {
-    bool isFinite = true;         ///< Whether the new state is.
+    bool isFinite = true;         ///< Whether time and new state are.
     std::vector<KtU32> limits;    ///< Joints that were stopped at a limit.
     std::vector<KtU32> rates;     ///< Joints whose rates were cut to the greatest.
     std::vector<KtU32> stopped;   ///< Manipulators with a satisfied stopping criterion.
@@ -92,7 +92,7 @@ class KT_EXPORT KtSimulation {
   /// Starts from the state of a system, with the gravity of its environment and without torques. A
   /// state that doesn't fit the system is made to by `KtStatedSystem::rightSizeState`.
   explicit KtSimulation(const KtStatedSystem& system, Method method = Method::kAutomatic);
-  /// A system that ends before the simulation is not taken.
+  /// A temporary system would end before the simulation does, so none is accepted.
   explicit KtSimulation(KtStatedSystem&&, Method = Method::kAutomatic) = delete;
   KtSimulation(const KtSimulation&) = delete;
   KtSimulation& operator=(const KtSimulation&) = delete;
@@ -138,9 +138,10 @@ class KT_EXPORT KtSimulation {
   // Steps.
 
   /// Carries the state on to a time in one step. The time may lie before that of the state, which
-  /// then goes backwards.
+  /// then goes backwards. A time that is not finite leaves the state as it is.
   ///
-  /// @return whether the new state is finite; if not, `complaint` tells where. `lastStep` tells
+  /// @return whether time and new state are finite; if not, `complaint` tells where. `lastStep`
+  /// tells
   ///         what the step met
   bool stepTo(double time);
   /// `stepTo` by a length of time, s. Times that are sums of steps differ by rounding from their
@@ -159,11 +160,12 @@ class KT_EXPORT KtSimulation {
   /// A manipulator's caches, with positions and velocities of the present state. They are there to
   /// be asked: a state that is set in them doesn't count.
   ///
-  /// @param manipulator  its index; there has to be one
+  /// @param manipulator  its index; one that no manipulator has is reported and gives empty caches
   KtManipulatorActiveState& active(KtU32 manipulator = 0);
   /// A manipulator's accelerations in the present state, with the torques and forces that are set.
   ///
-  /// @param manipulator  its index; there has to be one
+  /// @param manipulator  its index; one that no manipulator has is reported and gives zero, without
+  ///                     joints
   const KtAccelerationState& acceleration(KtU32 manipulator = 0);
   /// What the last step met.
   const Step& lastStep() const noexcept { return lastStep_; }
@@ -217,6 +219,7 @@ class KT_EXPORT KtSimulation {
   const KtManipulatorExternalForce& forcesOn(KtU32 m) const;
   const KtPositionState& positionBefore(KtU32 m) const;
   const KtVelocityState& velocityBefore(KtU32 m) const;
+  bool hasManipulator(const char* operation, KtU32 m) const;
   void addJoints(KtU32 m);
   void fitState();
   void startMotors();
@@ -275,6 +278,9 @@ class KT_EXPORT KtSimulation {
   std::vector<Stop> stops_;
   std::string complaint_;
   KtManipulatorSystemState before_;  // where a step needs it
+  // Answers for a manipulator that there isn't
+  KtManipulatorActiveState noActive_;
+  KtAccelerationState noAcceleration_;
 
   // Of the balance
   KtEnergyBalance balance_;

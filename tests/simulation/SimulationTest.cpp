@@ -385,8 +385,14 @@ TEST(Simulation, EndsWhereAStateIsNotFiniteAndReportsBadCalls) {
   EXPECT_FALSE(simulation.setTorques({}));
   EXPECT_FALSE(simulation.setExternalForce(0, 1, KtGeneralForce()));
   EXPECT_FALSE(simulation.setExternalForce(1, 0, KtGeneralForce()));
-  EXPECT_THAT(log.text(), testing::AllOf(HasSubstr("0 torques for 1 joints"),
-                                         HasSubstr("no link 0 of manipulator 1")));
+  EXPECT_EQ(simulation.active(2).positionState().jointPositions().size(), 0u);
+  EXPECT_EQ(simulation.acceleration(3).jointAccelerations().size(), 0u);
+  EXPECT_FALSE(simulation.stepTo(NAN));
+  EXPECT_EQ(simulation.state(), scene.state());
+  EXPECT_THAT(
+      log.text(),
+      testing::AllOf(HasSubstr("0 torques for 1 joints"), HasSubstr("no link 0 of manipulator 1"),
+                     HasSubstr("no manipulator 2"), HasSubstr("no manipulator 3")));
   const double blast[] = {1e300};
   simulation.setTorques(blast);
   EXPECT_TRUE(simulation.stepTo(1.0));
